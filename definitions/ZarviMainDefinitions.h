@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QString>
+
+namespace zarvi {
+
+/// Application-wide names and colours: identity, temporary folder, lock, style
+/// resources and the colour palette. Constants only, safe from any thread.
+class ZarviMainDefinitions
+{
+public:
+    static inline const QString OrganizationName = QStringLiteral("Orvel Inc.");
+    static inline const QString ApplicationName = QStringLiteral("zarvi");
+    static inline const QString VersionText = QStringLiteral("2.0.8.1");
+
+    static inline const QString FontResource = QStringLiteral(":/fonts/Lato/Lato-Regular.ttf");
+    static inline const QString FontFamily = QStringLiteral("Lato");
+    static constexpr int FontPointSize = 8;
+    static constexpr int FontWeight = 400;
+
+    static inline const QString TempFolderSuffix = QStringLiteral("/zarvi_Temp");
+    static inline const QString LockFilePattern = QStringLiteral("%1.lock");
+    static inline const QString LockIdentifier = QStringLiteral("54A3BC54-0A4E-47B6-A67D-98ED990E9FE1");
+    static constexpr int LockTimeoutMs = 100;
+
+    static inline const QString StyleSheetResource = QStringLiteral(":/qdarkstyle/QDarkStyle.qss");
+    static inline const QString FallbackStyle = QStringLiteral("Fusion");
+
+    // Icon-font option keys and their defaults.
+    static inline const QString IconColorKey = QStringLiteral("color");
+    static inline const QString IconColorDisabledKey = QStringLiteral("color-disabled");
+    static inline const QString IconColorSelectedKey = QStringLiteral("color-selected");
+    static inline const QString IconColorActiveKey = QStringLiteral("color-active");
+
+    // Colour palette.
+    static inline const QString ColorBlue = QStringLiteral("#4e9ccf");
+    static inline const QString ColorOrange = QStringLiteral("#e67e22");
+    static inline const QString ColorSlate = QStringLiteral("#516070");
+    static inline const QString ColorDarkGrey = QStringLiteral("#403f3f");
+    static inline const QString ColorDarkerGrey = QStringLiteral("#302f2f");
+    static inline const QString ColorLightGrey = QStringLiteral("#cccccc");
+    static inline const QString ColorMidGrey = QStringLiteral("#868482");
+
+    // Message levels of log lines.
+    static inline const QString ErrorKey = QStringLiteral("error");
+    static inline const QString WarningKey = QStringLiteral("warning");
+    static inline const QString ColoredSpanPattern = QStringLiteral("<span style=\"color:%1;\">%2</span>");
+};
+
+} // namespace zarvi
