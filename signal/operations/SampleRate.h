@@ -7,8 +7,8 @@ namespace zarvi {
 /// The sample rate every signal operation derives from a time vector:
 /// (n - 1) / (t[n-1] - t[0]), i.e. the reciprocal of the mean sample interval,
 /// which is exact for uniformly sampled signals. 0 when there are fewer than two
-/// samples or the time span is not positive. (The perievent analysis uses its
-/// own n / span rule on purpose; see PerieventCutter.)
+/// samples or the time span is not positive. The perievent analysis keeps
+/// its own n / span rule on purpose.
 inline double sampleRateOf(std::span<const double> time)
 {
     const std::size_t n = time.size();
