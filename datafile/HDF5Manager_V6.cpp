@@ -1,0 +1,1 @@
+#include "datafile/HDF5Manager_V6.h"

@@ -1,0 +1,1 @@
+#include "datafile/HDF5Writer_V6.h"
