@@ -1,0 +1,37 @@
+# Every target sets up what it needs first, so `make run` and `make test` work
+# on a fresh Debian 12 machine (as root, or with sudo available).
+BUILD_DIR ?= build
+SANITIZE_DIR ?= build-sanitize
+JOBS ?= $(shell nproc)
+DEMO_FILE ?= $(BUILD_DIR)/demo.orvel
+
+.PHONY: setup configure build run test bench test-sanitize format clean
+
+setup:
+	bash scripts/install-deps.sh
+
+configure: setup
+	cmake -S . -B $(BUILD_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Release
+
+build: configure
+	cmake --build $(BUILD_DIR) -j $(JOBS)
+
+run: build
+	bash scripts/run-demo.sh $(BUILD_DIR)
+
+test: build
+	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)
+
+bench: build
+	bash scripts/run-benchmarks.sh $(BUILD_DIR)
+
+test-sanitize: setup
+	cmake -S . -B $(SANITIZE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DZARVI_SANITIZE=ON -DZARVI_BUILD_BENCH=OFF
+	cmake --build $(SANITIZE_DIR) -j $(JOBS)
+	ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS)
+
+format:
+	git ls-files '*.cpp' '*.h' | xargs clang-format -i
+
+clean:
+	rm -rf $(BUILD_DIR) $(SANITIZE_DIR)

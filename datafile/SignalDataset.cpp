@@ -1,0 +1,87 @@
+#include "datafile/SignalDataset.h"
+
+#include "datafile/HDF5Writer_V6.h"
+#include "definitions/FileDefinitions.h"
+
+namespace zarvi {
+
+namespace {
+
+bool read1D(HDF5Manager_V6& file, const QString& path, std::vector<double>& out, QString& error)
+{
+    const hid_t dataset = file.openDataset(file.fileId(), path);
+    if (dataset < 0) {
+        error = QStringLiteral("Dataset <b>%1</b> was not found in the file.").arg(path);
+        return false;
+    }
+    bool ok = file.dimensions(dataset).size() == 1;
+    if (!ok)
+        error = QStringLiteral("Dataset <b>%1</b> is not a 1-D signal.").arg(path);
+    else if (!(ok = file.read(dataset, out)))
+        error = file.lastError();
+    file.closeDataset(dataset);
+    return ok;
+}
+
+bool write1D(HDF5Writer_V6& file, hid_t group, const QString& name, const std::vector<double>& data,
+             const QVariantMap& attributes, QString& error)
+{
+    const hid_t dataset = file.create1D(group, ElementKind::Float64, name, data.size());
+    if (dataset < 0) {
+        error = FileDefinitions::unableToCreateDatasetMessage().arg(name);
+        return false;
+    }
+    bool ok = data.empty() || file.append(dataset, data.data(), {data.size()});
+    for (auto it = attributes.cbegin(); ok && it != attributes.cend(); ++it)
+        ok = file.writeAttribute(dataset, it.key(), it.value());
+    if (!ok)
+        error = file.lastError();
+    file.closeDataset(dataset);
+    return ok;
+}
+
+} // namespace
+
+QString SignalDataset::valuesPath(const QString& groupPath)
+{
+    return groupPath + QLatin1Char('/') + FileDefinitions::SignalValues;
+}
+
+bool SignalDataset::read(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal, QString& error)
+{
+    const QString group = valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')));
+    const QString timePath = group.isEmpty() ? FileDefinitions::Time : group + QLatin1Char('/') + FileDefinitions::Time;
+    if (!read1D(file, valuesPath, signal.values, error) || !read1D(file, timePath, signal.time, error))
+        return false;
+    if (signal.values.size() != signal.time.size()) {
+        error = QStringLiteral("Signal <b>%1</b> and its time vector differ in length.").arg(valuesPath);
+        return false;
+    }
+    const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
+    signal.unit = file.readAttribute(dataset, FileDefinitions::Unit).toString();
+    file.closeDataset(dataset);
+    return true;
+}
+
+bool SignalDataset::write(HDF5Writer_V6& file, const QString& groupPath, const Signal& signal,
+                          const QVariantMap& attributes, QString& error)
+{
+    if (signal.time.size() != signal.values.size()) {
+        error = QStringLiteral("Signal <b>%1</b> and its time vector differ in length.").arg(groupPath);
+        return false;
+    }
+    const hid_t group = file.createGroupPath(file.fileId(), groupPath);
+    if (group < 0) {
+        error = FileDefinitions::unableToCreateGroupMessage().arg(groupPath);
+        return false;
+    }
+    QVariantMap valueAttributes = attributes;
+    if (!signal.unit.isEmpty())
+        valueAttributes.insert(FileDefinitions::Unit, signal.unit);
+    const bool ok = write1D(file, group, FileDefinitions::Time, signal.time, {{FileDefinitions::Unit, QStringLiteral("s")}}, error) &&
+                    write1D(file, group, FileDefinitions::SignalValues, signal.values, valueAttributes, error);
+    file.closeGroup(group);
+    return ok;
+}
+
+} // namespace zarvi
