@@ -1,5 +1,6 @@
 #include "cli/DemoCommand.h"
 #include "cli/InfoCommand.h"
+#include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
 
 #include <QCoreApplication>
@@ -10,7 +11,10 @@ namespace {
 const char* usage = "usage: zarvi-cli <command> [arguments]\n"
                     "commands:\n"
                     "  info FILE                 classification, root attributes and tree of a data file\n"
-                    "  demo OUT.orvel [--seed N] write the synthetic demo recording\n";
+                    "  demo OUT.orvel [--seed N] write the synthetic demo recording\n"
+                    "  run FILE --operation NAME --params PARAMS.json --data PATH...\n"
+                    "  run FILE --pipeline PIPELINE.json --data PATH...\n"
+                    "                            run operations headless (Ctrl-C cancels)\n";
 
 } // namespace
 
@@ -32,6 +36,8 @@ int main(int argc, char* argv[])
         return zarvi::InfoCommand::run(arguments);
     if (command == QStringLiteral("demo"))
         return zarvi::DemoCommand::run(arguments);
+    if (command == QStringLiteral("run"))
+        return zarvi::RunCommand::run(arguments);
     QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
     return 2;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace zarvi {
@@ -8,6 +9,8 @@ namespace zarvi {
 /// resources and the colour palette. Constants only, safe from any thread.
 class ZarviMainDefinitions
 {
+    Q_DECLARE_TR_FUNCTIONS(ZarviMainDefinitions)
+
 public:
     static inline const QString OrganizationName = QStringLiteral("Orvel Inc.");
     static inline const QString ApplicationName = QStringLiteral("zarvi");
@@ -45,6 +48,18 @@ public:
     static inline const QString ErrorKey = QStringLiteral("error");
     static inline const QString WarningKey = QStringLiteral("warning");
     static inline const QString ColoredSpanPattern = QStringLiteral("<span style=\"color:%1;\">%2</span>");
+
+    // Operation framework texts.
+    static QString progressTitle() { return tr("Progress"); }
+    static QString pipelineProgressTitle() { return tr("Pipeline Progress"); }
+    static QString previewProgressTitle() { return tr("Preview Progress"); }
+    static QString errorOperationTitle() { return tr("Error Operation"); }
+    static QString parameterMissingMessage() { return tr("Parameter <b>%1</b> is missing."); }
+    static QString parameterInvalidMessage() { return tr("Parameter <b>%1</b> has an invalid value."); }
+    static QString parameterUnknownMessage() { return tr("Parameter <b>%1</b> is not used by the operation <b>%2</b>."); }
+    static QString operationUnknownMessage() { return tr("Operation <b>%1</b> does not exist."); }
+    static QString noDatasetsMessage() { return tr("No datasets set to the operation"); }
+    static QString operationCanceledMessage() { return tr("The operation was cancelled."); }
 };
 
 } // namespace zarvi

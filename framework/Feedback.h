@@ -21,6 +21,30 @@ public:
     virtual void setLabel(const QString& /*label*/) {}
 };
 
+/// Maps the 0..100 of one stage onto [from, to] of a whole run, so that a run of
+/// several stages or inputs reports one rising progress. Forwards the rest.
+class ScaledFeedback : public Feedback
+{
+public:
+    ScaledFeedback(Feedback* target, int from, int to) : m_target(target), m_from(from), m_to(to) {}
+    bool isCanceled() const override { return m_target && m_target->isCanceled(); }
+    void setProgress(int percent) override
+    {
+        if (m_target)
+            m_target->setProgress(m_from + (m_to - m_from) * percent / 100);
+    }
+    void setLabel(const QString& label) override
+    {
+        if (m_target)
+            m_target->setLabel(label);
+    }
+
+private:
+    Feedback* m_target;
+    int m_from;
+    int m_to;
+};
+
 /// Turns a loop counter into percent and forwards it only when the percent
 /// changes, so a loop over millions of samples reports at most about 101 times.
 /// Also answers the cancel question for that loop.

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QStringList>
+
+namespace zarvi {
+
+/// `zarvi-cli run FILE (--operation NAME --params PARAMS.json | --pipeline PIPELINE.json) --data PATH...`
+/// Runs operations headless through the same processes as the dialogs, with a
+/// progress bar on the terminal and Ctrl-C as a cooperative cancel.
+/// Exit status: 0 success, 1 the run failed, 2 usage, 3 bad parameters,
+/// 4 a file the application refuses, 130 cancelled. Runs on the main thread.
+class RunCommand
+{
+public:
+    static int run(const QStringList& arguments);
+};
+
+} // namespace zarvi

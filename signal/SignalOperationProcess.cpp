@@ -1,0 +1,52 @@
+#include "signal/SignalOperationProcess.h"
+
+#include "datafile/HDF5Writer_V6.h"
+#include "definitions/FileDefinitions.h"
+#include "framework/FileAccessLock.h"
+#include "framework/RunOutputs.h"
+
+namespace zarvi {
+
+SignalOperationProcess::SignalOperationProcess(const QString& outputName, QObject* parent)
+    : AbstractOperationProcess(parent), m_outputName(outputName)
+{
+}
+
+void SignalOperationProcess::runOperation()
+{
+    const auto lock = FileAccessLock::lock(m_filepath);
+    HDF5Writer_V6 file;
+    if (file.open(m_filepath) < 0) {
+        addError(file.lastError());
+        return;
+    }
+    RunOutputs outputs(file, FileDefinitions::DataProcessed, FileDefinitions::Signals, m_outputName, m_parameters,
+                       m_sourceDatapaths);
+    const int count = static_cast<int>(m_sourceDatapaths.size());
+    for (int i = 0; i < count && m_errors.isEmpty() && !isCanceled(); ++i) {
+        ScaledFeedback step(feedback(), 100 * i / count, 100 * (i + 1) / count);
+        m_stepFeedback = &step;
+        m_inputPath = m_sourceDatapaths[i];
+        m_output = Signal{};
+        QString error;
+        if (!SignalDataset::read(file, m_inputPath, m_input, error)) {
+            addError(error);
+            break;
+        }
+        if (!computeOperation() || isCanceled())
+            break;
+        m_output.unit = m_input.unit;
+        const QString written = outputs.writeSignal(m_inputPath, m_output, error);
+        if (written.isEmpty())
+            addError(error);
+        else
+            addOutput(written);
+    }
+    m_stepFeedback = nullptr;
+    m_input = Signal{};
+    m_output = Signal{};
+    if (!m_errors.isEmpty() || isCanceled())
+        outputs.rollback();
+}
+
+} // namespace zarvi
