@@ -20,6 +20,7 @@ enum class OperationFamily
 {
     Signal,
     Image,
+    VoluImages,
     Analysis,
     FileEditor
 };
