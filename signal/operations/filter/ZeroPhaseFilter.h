@@ -17,8 +17,8 @@ public:
     /// copies of its first sample before the start and by its last pad samples in
     /// reverse order after the end, filtered forward, then backward with the state the
     /// forward pass left in the filter (no reset between the passes), and cut back to n
-    /// samples. Reports "Applying filter..." from 0 to 100; on cancel the values are
-    /// left unchanged.
+    /// samples. Reports "Applying filter..." from 0 to 100. Filters the signal where it
+    /// lies, so on cancel the values are partly filtered and must be discarded.
     static KernelOutcome apply(Butterworth& filter, std::vector<double>& values, Feedback* feedback);
 };
 

@@ -36,31 +36,41 @@ VectorResult RunningAverage::compute(std::span<const double> values, std::span<c
 VectorResult RunningAverage::computeSamples(std::span<const double> values, long long window,
                                             Feedback* feedback)
 {
-    if (window < 1)
-        return {{}, KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage())};
-    const long long n = static_cast<long long>(values.size());
     VectorResult result;
+    if (window >= 1)
+        result.values.resize(values.size());
+    result.outcome = computeInto(values, window, result.values, feedback);
+    if (!result.outcome.ok())
+        result.values.clear();
+    return result;
+}
+
+KernelOutcome RunningAverage::computeInto(std::span<const double> values, long long window,
+                                          std::span<double> output, Feedback* feedback)
+{
+    if (window < 1)
+        return KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage());
+    const long long n = static_cast<long long>(values.size());
     if (n == 0)
-        return result;
-    result.values.resize(values.size());
+        return KernelOutcome::completed();
 
     const long long half = window / 2;
     const double divisor = static_cast<double>(window);
     double sum = 0.0;
     for (long long k = -half; k <= half; ++k)
         sum += values[mirrored(k, n)];
-    result.values[0] = sum / divisor;
+    output[0] = sum / divisor;
 
     ProgressTracker progress(feedback, values.size());
     for (long long i = 1; i < n; ++i) {
         if (progress.isCanceled())
-            return {{}, KernelOutcome::cancelled()};
+            return KernelOutcome::cancelled();
         sum += values[mirrored(i + half, n)] - values[mirrored(i - half - 1, n)];
-        result.values[static_cast<std::size_t>(i)] = sum / divisor;
+        output[static_cast<std::size_t>(i)] = sum / divisor;
         progress.update(static_cast<std::size_t>(i));
     }
     progress.update(values.size());
-    return result;
+    return KernelOutcome::completed();
 }
 
 } // namespace zarvi

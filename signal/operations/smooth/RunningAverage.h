@@ -23,6 +23,11 @@ public:
     /// always scaled it. Indices outside the signal are mirrored about its ends
     /// (k < 0 reads -k, k >= n reads 2n - 2 - k). Checks for cancel once per sample.
     static VectorResult computeSamples(std::span<const double> values, long long window, Feedback* feedback);
+
+    /// computeSamples() into a caller's buffer of the same length as `values`, for
+    /// callers that reuse their memory; `output` must not overlap `values`.
+    static KernelOutcome computeInto(std::span<const double> values, long long window,
+                                     std::span<double> output, Feedback* feedback);
 };
 
 } // namespace zarvi
