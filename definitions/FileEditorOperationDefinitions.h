@@ -40,7 +40,10 @@ public:
     {
         return tr("<b>%1</b> holds %2 pages; a folder of images must hold single-page TIFF files.");
     }
-    static QString rgbImageMessage() { return tr("%1 is an RGB image; only greyscale stacks can be converted."); }
+    static QString rgbImageMessage()
+    {
+        return tr("%1 is an RGB image; only greyscale stacks can be converted.");
+    }
     static QString multiSampleMessage()
     {
         return tr("%1 has %2 samples per pixel; only greyscale stacks can be converted.");
@@ -73,7 +76,10 @@ public:
     }
     static QString noPixelsMessage() { return tr("%1 holds an image of %2 × %3 pixels."); }
     static QString incompleteImageText() { return tr("the image data is incomplete"); }
-    static QString frameOutOfRangeMessage() { return tr("Frame %1 does not exist; the stack has %2 frames."); }
+    static QString frameOutOfRangeMessage()
+    {
+        return tr("Frame %1 does not exist; the stack has %2 frames.");
+    }
     static QString frameBufferSizeMessage()
     {
         return tr("The frame buffer holds %1 pixels, but a frame has %2 pixels.");
@@ -93,7 +99,10 @@ public:
     {
         return tr("<b>%1</b> was opened for %2 frames; no further frame can be written.");
     }
-    static QString missingFramesMessage() { return tr("Only %1 of the %2 frames were written to <b>%3</b>."); }
+    static QString missingFramesMessage()
+    {
+        return tr("Only %1 of the %2 frames were written to <b>%3</b>.");
+    }
 
     // Videos.
     static QString videoOpenMessage()

@@ -160,7 +160,8 @@ QString cellText(std::string_view cell)
 }
 
 /// Checks the configured columns against the file's and assigns each column its role.
-QString assignRoles(const CsvTableReaderConfig& config, std::size_t columnCount, std::vector<ColumnRole>& roles)
+QString assignRoles(const CsvTableReaderConfig& config, std::size_t columnCount,
+                    std::vector<ColumnRole>& roles)
 {
     const auto missing = [&](int column) {
         return column < 0 || static_cast<std::size_t>(column) >= columnCount;
@@ -192,8 +193,9 @@ void nameColumns(const std::vector<std::string_view>& header, const std::vector<
                  CsvTable& table)
 {
     for (std::size_t c = 0; c < roles.size(); ++c) {
-        QString name = c < header.size() ? QString::fromUtf8(header[c].data(), static_cast<qsizetype>(header[c].size()))
-                                         : QString();
+        QString name = c < header.size()
+                           ? QString::fromUtf8(header[c].data(), static_cast<qsizetype>(header[c].size()))
+                           : QString();
         if (name.isEmpty()) {
             const ColumnRole& role = roles[c];
             if (role.kind == ColumnRole::Time)

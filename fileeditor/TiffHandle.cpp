@@ -17,7 +17,7 @@ bool TiffHandle::open(const QString& path, const char* mode)
     close();
     m_error.clear();
     const std::unique_ptr<TIFFOpenOptions, decltype(&TIFFOpenOptionsFree)> options(TIFFOpenOptionsAlloc(),
-                                                                                    &TIFFOpenOptionsFree);
+                                                                                   &TIFFOpenOptionsFree);
     if (!options)
         return false;
     TIFFOpenOptionsSetErrorHandlerExtR(options.get(), &TiffHandle::onError, this);

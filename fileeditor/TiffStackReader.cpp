@@ -80,13 +80,21 @@ QString bold(const QString& text)
     return QStringLiteral("<b>%1</b>").arg(text);
 }
 
-void widen(const std::uint8_t* source, std::uint16_t* target, std::size_t count)
+/// Copies 8-bit samples into 16-bit ones. Written in fixed blocks over unaliased
+/// pointers, which is what GCC needs to vectorise it at -O2.
+void widen(const std::uint8_t* __restrict source, std::uint16_t* __restrict target, std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i)
+    constexpr std::size_t Block = 32;
+    std::size_t i = 0;
+    for (; i + Block <= count; i += Block) {
+        for (std::size_t j = 0; j < Block; ++j)
+            target[i + j] = source[i + j];
+    }
+    for (; i < count; ++i)
         target[i] = source[i];
 }
 
-QString readError(const QString& where, const TiffHandle& tiff)
+QString readErrorText(const QString& where, const TiffHandle& tiff)
 {
     const QString reason = tiff.lastError().isEmpty() ? Texts::incompleteImageText() : tiff.lastError();
     return Texts::tiffReadErrorMessage().arg(where, reason);
@@ -137,7 +145,7 @@ void TiffStackReader::close()
 bool TiffStackReader::scanMultiPage(const QString& path, Feedback* feedback)
 {
     m_tiff = std::make_unique<TiffHandle>();
-    if (!m_tiff->open(path, "r"))
+    if (!m_tiff->open(path, "rm"))
         return fail(Texts::tiffReadErrorMessage().arg(bold(path), m_tiff->lastError()));
     TIFF* tiff = m_tiff->get();
     // Walks only the chain of directory offsets, so the count is cheap even for BigTIFF.
@@ -150,13 +158,13 @@ bool TiffStackReader::scanMultiPage(const QString& path, Feedback* feedback)
             return fail(Texts::canceledMessage());
         }
         m_pageOffsets.push_back(TIFFCurrentDirOffset(tiff));
-        if (!checkPage(*m_tiff, pageLocation(k), k == 0))
+        if (!checkPage(*m_tiff, k, k == 0))
             return false;
         progress.update(k + 1);
         if (TIFFLastDirectory(tiff))
             break;
         if (!TIFFReadDirectory(tiff))
-            return fail(readError(pageLocation(k + 1), *m_tiff));
+            return fail(readErrorText(pageLocation(k + 1), *m_tiff));
     }
     m_currentPage = m_pageOffsets.size() - 1;
     m_info.frameCount = m_pageOffsets.size();
@@ -166,8 +174,8 @@ bool TiffStackReader::scanMultiPage(const QString& path, Feedback* feedback)
 bool TiffStackReader::scanFolder(const QString& path, Feedback* feedback)
 {
     const QDir folder(path);
-    QStringList names = folder.entryList({QStringLiteral("*.tif"), QStringLiteral("*.tiff")}, QDir::Files,
-                                         QDir::NoSort);
+    QStringList names =
+        folder.entryList({QStringLiteral("*.tif"), QStringLiteral("*.tiff")}, QDir::Files, QDir::NoSort);
     if (names.isEmpty())
         return fail(Texts::emptyTiffFolderMessage().arg(path));
     std::sort(names.begin(), names.end(), naturalLess);
@@ -190,7 +198,7 @@ bool TiffStackReader::scanFolder(const QString& path, Feedback* feedback)
         const tdir_t pages = TIFFNumberOfDirectories(tiff.get());
         if (pages != 1)
             return fail(Texts::multiPageInFolderMessage().arg(file).arg(pages));
-        if (!checkPage(tiff, pageLocation(k), k == 0))
+        if (!checkPage(tiff, static_cast<std::size_t>(k), k == 0))
             return false;
         progress.update(k + 1);
     }
@@ -198,7 +206,7 @@ bool TiffStackReader::scanFolder(const QString& path, Feedback* feedback)
     return true;
 }
 
-bool TiffStackReader::checkPage(TiffHandle& tiff, const QString& where, bool first)
+bool TiffStackReader::checkPage(TiffHandle& tiff, std::size_t page, bool first)
 {
     TIFF* t = tiff.get();
     std::uint32_t width = 0;
@@ -216,21 +224,21 @@ bool TiffStackReader::checkPage(TiffHandle& tiff, const QString& where, bool fir
     TIFFGetField(t, TIFFTAG_PHOTOMETRIC, &photometric);
 
     if (photometric == PHOTOMETRIC_RGB || photometric == PHOTOMETRIC_YCBCR)
-        return fail(Texts::rgbImageMessage().arg(where));
+        return fail(Texts::rgbImageMessage().arg(pageLocation(page)));
     if (samples != 1)
-        return fail(Texts::multiSampleMessage().arg(where).arg(samples));
+        return fail(Texts::multiSampleMessage().arg(pageLocation(page)).arg(samples));
     if (photometric == PHOTOMETRIC_PALETTE)
-        return fail(Texts::paletteImageMessage().arg(where));
+        return fail(Texts::paletteImageMessage().arg(pageLocation(page)));
     if (format == SAMPLEFORMAT_IEEEFP || format == SAMPLEFORMAT_COMPLEXIEEEFP)
-        return fail(Texts::floatSamplesMessage().arg(where));
+        return fail(Texts::floatSamplesMessage().arg(pageLocation(page)));
     if (format == SAMPLEFORMAT_INT || format == SAMPLEFORMAT_COMPLEXINT)
-        return fail(Texts::signedSamplesMessage().arg(where));
+        return fail(Texts::signedSamplesMessage().arg(pageLocation(page)));
     if (bits != 8 && bits != 16)
-        return fail(Texts::bitDepthMessage().arg(where).arg(bits));
+        return fail(Texts::bitDepthMessage().arg(pageLocation(page)).arg(bits));
     // Frames are addressed with int sizes further on (HDF5 attributes, cv::Mat).
     constexpr std::uint32_t largest = 1u << 30;
     if (width == 0 || height == 0 || width > largest || height > largest)
-        return fail(Texts::noPixelsMessage().arg(where).arg(width).arg(height));
+        return fail(Texts::noPixelsMessage().arg(pageLocation(page)).arg(width).arg(height));
 
     if (first) {
         m_info.width = static_cast<int>(width);
@@ -240,14 +248,15 @@ bool TiffStackReader::checkPage(TiffHandle& tiff, const QString& where, bool fir
     }
     if (static_cast<int>(width) != m_info.width || static_cast<int>(height) != m_info.height) {
         return fail(Texts::mixedFrameSizeMessage()
-                        .arg(where)
+                        .arg(pageLocation(page))
                         .arg(width)
                         .arg(height)
                         .arg(m_info.width)
                         .arg(m_info.height));
     }
     if (bits != m_info.bitsPerSample)
-        return fail(Texts::mixedBitDepthMessage().arg(where).arg(bits).arg(m_info.bitsPerSample));
+        return fail(
+            Texts::mixedBitDepthMessage().arg(pageLocation(page)).arg(bits).arg(m_info.bitsPerSample));
     return true;
 }
 
@@ -261,28 +270,27 @@ bool TiffStackReader::readFrame(std::size_t k, std::span<std::uint16_t> out)
     if (out.size() != m_info.pixelsPerFrame())
         return fail(Texts::frameBufferSizeMessage().arg(out.size()).arg(m_info.pixelsPerFrame()));
 
-    const QString where = pageLocation(k);
     TiffHandle single;
     TiffHandle* tiff = m_tiff.get();
     if (m_folder) {
-        if (!single.open(m_info.files[static_cast<qsizetype>(k)], "r"))
-            return fail(readError(where, single));
+        if (!single.open(m_info.files[static_cast<qsizetype>(k)], "rm"))
+            return fail(readError(k, single));
         tiff = &single;
     } else if (k != m_currentPage) {
         // Direct jump to the page's directory: reading in any order costs the same.
         if (!TIFFSetSubDirectory(tiff->get(), m_pageOffsets[k])) {
             m_currentPage = m_pageOffsets.size();
-            return fail(readError(where, *tiff));
+            return fail(readError(k, *tiff));
         }
         m_currentPage = k;
     }
     // The file may have changed since open(); a page that no longer fits is refused.
-    if (!checkPage(*tiff, where, false))
+    if (!checkPage(*tiff, k, false))
         return false;
-    return TIFFIsTiled(tiff->get()) ? readTiles(*tiff, out, where) : readStrips(*tiff, out, where);
+    return TIFFIsTiled(tiff->get()) ? readTiles(*tiff, out, k) : readStrips(*tiff, out, k);
 }
 
-bool TiffStackReader::readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, const QString& where)
+bool TiffStackReader::readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page)
 {
     TIFF* t = tiff.get();
     const auto width = static_cast<std::size_t>(m_info.width);
@@ -307,14 +315,14 @@ bool TiffStackReader::readStrips(TiffHandle& tiff, std::span<std::uint16_t> out,
         const tstrip_t strip = TIFFComputeStrip(t, static_cast<std::uint32_t>(row), 0);
         tiff.clearError();
         if (TIFFReadEncodedStrip(t, strip, buffer, bytes) != bytes)
-            return fail(readError(where, tiff));
+            return fail(readError(page, tiff));
         if (!wide)
             widen(m_scratch.data(), target, values);
     }
     return true;
 }
 
-bool TiffStackReader::readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, const QString& where)
+bool TiffStackReader::readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page)
 {
     TIFF* t = tiff.get();
     const auto width = static_cast<std::size_t>(m_info.width);
@@ -326,7 +334,7 @@ bool TiffStackReader::readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, 
     TIFFGetField(t, TIFFTAG_TILELENGTH, &tileHeight);
     const tmsize_t tileBytes = TIFFTileSize(t);
     if (tileWidth == 0 || tileHeight == 0 || tileBytes <= 0)
-        return fail(readError(where, tiff));
+        return fail(readError(page, tiff));
     if (m_scratch.size() < static_cast<std::size_t>(tileBytes))
         m_scratch.resize(static_cast<std::size_t>(tileBytes));
 
@@ -338,7 +346,7 @@ bool TiffStackReader::readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, 
                 TIFFComputeTile(t, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), 0, 0);
             tiff.clearError();
             if (TIFFReadEncodedTile(t, tile, m_scratch.data(), tileBytes) != tileBytes)
-                return fail(readError(where, tiff));
+                return fail(readError(page, tiff));
             // Edge tiles are padded: copy only the part inside the image.
             for (std::size_t r = 0; r < rows; ++r) {
                 const std::uint8_t* source = m_scratch.data() + r * tileWidth * sampleBytes;
@@ -360,6 +368,11 @@ QString TiffStackReader::pageLocation(std::size_t k) const
         return bold(name);
     }
     return Texts::tiffPageLocation().arg(k + 1).arg(QFileInfo(m_info.files.constFirst()).fileName());
+}
+
+QString TiffStackReader::readError(std::size_t page, const TiffHandle& tiff) const
+{
+    return readErrorText(pageLocation(page), tiff);
 }
 
 bool TiffStackReader::fail(const QString& message)

@@ -73,11 +73,13 @@ private:
     bool scanMultiPage(const QString& path, Feedback* feedback);
     bool scanFolder(const QString& path, Feedback* feedback);
     /// Checks the current page of tiff: greyscale, unsigned, 8 or 16 bits, and (after the
-    /// first page) the same size and depth as the first. where names the page in messages.
-    bool checkPage(TiffHandle& tiff, const QString& where, bool first);
-    bool readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, const QString& where);
-    bool readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, const QString& where);
-    QString pageLocation(std::size_t k) const;
+    /// first page) the same size and depth as the first. page (from 0) names it in messages.
+    bool checkPage(TiffHandle& tiff, std::size_t page, bool first);
+    bool readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page);
+    bool readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page);
+    /// "Page 3 of <b>stack.tif</b>", or "<b>img3.tif</b>" in a folder.
+    QString pageLocation(std::size_t page) const;
+    QString readError(std::size_t page, const TiffHandle& tiff) const;
     bool fail(const QString& message);
 
     TiffStackInfo m_info;

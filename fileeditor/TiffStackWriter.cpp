@@ -18,9 +18,17 @@ constexpr std::size_t StripBytes = 256 * 1024;
 /// Hard limit of a classic TIFF file: 32-bit offsets.
 constexpr std::uint64_t ClassicMaximumBytes = 0xFFFFFFFFULL;
 
-void narrow(const std::uint16_t* source, std::uint8_t* target, std::size_t count)
+/// Saturates 16-bit samples into 8-bit ones. Written in fixed blocks over unaliased
+/// pointers, which is what GCC needs to vectorise it at -O2.
+void narrow(const std::uint16_t* __restrict source, std::uint8_t* __restrict target, std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i)
+    constexpr std::size_t Block = 32;
+    std::size_t i = 0;
+    for (; i + Block <= count; i += Block) {
+        for (std::size_t j = 0; j < Block; ++j)
+            target[i + j] = static_cast<std::uint8_t>(std::min<std::uint16_t>(source[i + j], 255));
+    }
+    for (; i < count; ++i)
         target[i] = static_cast<std::uint8_t>(std::min<std::uint16_t>(source[i], 255));
 }
 
@@ -98,7 +106,8 @@ bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
     TIFFSetField(t, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
     TIFFSetField(t, TIFFTAG_ROWSPERSTRIP, m_rowsPerStrip);
     const QByteArray software =
-        (FileDefinitions::SoftwareNameValue + QLatin1Char(' ') + FileDefinitions::SoftwareVersionValue).toUtf8();
+        (FileDefinitions::SoftwareNameValue + QLatin1Char(' ') + FileDefinitions::SoftwareVersionValue)
+            .toUtf8();
     TIFFSetField(t, TIFFTAG_SOFTWARE, software.constData());
 
     const bool wide = m_config.bitsPerSample == 16;

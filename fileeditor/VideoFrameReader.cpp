@@ -39,7 +39,8 @@ VideoInfo VideoFrameReader::open(const VideoFrameReaderConfig& config)
     m_info.height = static_cast<int>(m_capture.get(cv::CAP_PROP_FRAME_HEIGHT));
     m_info.fps = m_capture.get(cv::CAP_PROP_FPS);
     const double frames = m_capture.get(cv::CAP_PROP_FRAME_COUNT);
-    m_info.frameCount = std::isfinite(frames) && frames > 0 ? static_cast<std::size_t>(std::llround(frames)) : 0;
+    m_info.frameCount =
+        std::isfinite(frames) && frames > 0 ? static_cast<std::size_t>(std::llround(frames)) : 0;
     if (m_info.width <= 0 || m_info.height <= 0) {
         m_capture.release();
         m_info = VideoInfo();
@@ -71,7 +72,8 @@ bool VideoFrameReader::grabNext(double& seconds)
     }
     if (!grabbed) {
         if (m_framesRead < m_info.frameCount) {
-            m_error = Texts::videoTruncatedMessage().arg(m_framesRead).arg(m_info.frameCount).arg(m_config.path);
+            m_error =
+                Texts::videoTruncatedMessage().arg(m_framesRead).arg(m_info.frameCount).arg(m_config.path);
         }
         return false;
     }

@@ -53,8 +53,8 @@ TableWriteResult XlsxTableWriter::write(const TableData& table, const XlsxTableW
     // libxlsxwriter takes UTF-8 file names on every platform.
     const QByteArray path = config.path.toUtf8();
     // Freed without writing anything unless it is closed below.
-    std::unique_ptr<lxw_workbook, decltype(&lxw_workbook_free)> book(workbook_new_opt(path.constData(), &options),
-                                                                     &lxw_workbook_free);
+    std::unique_ptr<lxw_workbook, decltype(&lxw_workbook_free)> book(
+        workbook_new_opt(path.constData(), &options), &lxw_workbook_free);
     if (!book) {
         result.error = Texts::unableToCreateMessage().arg(
             config.path, QString::fromUtf8(lxw_strerror(LXW_ERROR_MEMORY_MALLOC_FAILED)));

@@ -85,7 +85,8 @@ TEST(CsvTableReader, ErrorsNameTheLineAndColumn)
     const CsvTableReaderConfig config;
     EXPECT_EQ(parse(dir, "t,v\n0,1\n1,abc\n", config).error,
               QStringLiteral("Line 3, column 2: 'abc' is not a number."));
-    EXPECT_EQ(parse(dir, "t,v\n0,1\n\n1,2,3\n", config).error, QStringLiteral("Line 4 has 3 columns, expected 2."));
+    EXPECT_EQ(parse(dir, "t,v\n0,1\n\n1,2,3\n", config).error,
+              QStringLiteral("Line 4 has 3 columns, expected 2."));
     EXPECT_EQ(parse(dir, "t,v\n0,1\n1\n", config).error, QStringLiteral("Line 3 has 1 columns, expected 2."));
     EXPECT_EQ(parse(dir, "t,v\n0,\n", config).error, QStringLiteral("Line 2, column 2 is empty."));
     EXPECT_EQ(parse(dir, "t,v\n1.5.2,3\n", config).error,

@@ -30,8 +30,17 @@ QByteArray zipMember(const QString& path, const QString& member)
 TEST(CsvTableWriter, NumbersReadBackBitForBit)
 {
     testing::TempDir dir;
-    const std::vector<double> awkward = {0.0,   0.1,     1.0 / 3.0, -0.0, 1e-300, 5e-324, 2.2250738585072014e-308,
-                                         1e300, 123456789.123456789, -2.5, std::numeric_limits<double>::max()};
+    const std::vector<double> awkward = {0.0,
+                                         0.1,
+                                         1.0 / 3.0,
+                                         -0.0,
+                                         1e-300,
+                                         5e-324,
+                                         2.2250738585072014e-308,
+                                         1e300,
+                                         123456789.123456789,
+                                         -2.5,
+                                         std::numeric_limits<double>::max()};
     TableData table;
     table.columns.push_back({QStringLiteral("Time"), QStringLiteral("s"), awkward});
     std::vector<double> signal(awkward.size());
@@ -60,9 +69,9 @@ TEST(CsvTableWriter, WritesRowNamesAndTwoDimensionalResults)
     testing::TempDir dir;
     const std::vector<double> timePoints = {-1.0, 0.0, 0.5};
     const std::vector<double> values = {1, 2, 3, 4, 5, 6};
-    const TableData table =
-        TableData::fromRows(QStringLiteral("Event"), {QStringLiteral("Lever press"), QStringLiteral("Tone, 2 kHz")},
-                            timePoints, QStringLiteral("s"), values);
+    const TableData table = TableData::fromRows(
+        QStringLiteral("Event"), {QStringLiteral("Lever press"), QStringLiteral("Tone, 2 kHz")}, timePoints,
+        QStringLiteral("s"), values);
     const QString path = dir.file(QStringLiteral("heatmap.csv"));
     ASSERT_TRUE(CsvTableWriter::write(table, CsvTableWriterConfig{path}).ok());
     EXPECT_EQ(testing::readText(path), QByteArray("Event,-1 (s),0 (s),0.5 (s)\n"
@@ -94,8 +103,8 @@ TEST(XlsxTableWriter, WritesWorkbookWithHeaderValuesAndRowNames)
     table.rowNamesTitle = QStringLiteral("Event");
     table.rowNames = {QStringLiteral("Lever press"), QStringLiteral("Tone")};
     table.columns.push_back({QStringLiteral("Time"), QStringLiteral("s"), {0.25, 1.5}});
-    table.columns.push_back({QStringLiteral("Signal"), QStringLiteral("V"),
-                             {-3.0, std::numeric_limits<double>::quiet_NaN()}});
+    table.columns.push_back(
+        {QStringLiteral("Signal"), QStringLiteral("V"), {-3.0, std::numeric_limits<double>::quiet_NaN()}});
     const QString path = dir.file(QStringLiteral("out.xlsx"));
     const TableWriteResult result = XlsxTableWriter::write(table, XlsxTableWriterConfig{path});
     ASSERT_TRUE(result.ok()) << result.error.toStdString();
@@ -144,8 +153,9 @@ TEST(XlsxTableWriter, ContinuesPastTheRowLimitOnFurtherSheets)
     wide.rowNames = {QStringLiteral("r")};
     wide.columns.resize(XlsxTableWriter::SheetColumns);
     const TableWriteResult refused = XlsxTableWriter::write(wide, XlsxTableWriterConfig{path});
-    EXPECT_EQ(refused.error, QStringLiteral("The table has 16385 columns, but an Excel sheet holds at most 16384; "
-                                            "export it as .csv instead."));
+    EXPECT_EQ(refused.error,
+              QStringLiteral("The table has 16385 columns, but an Excel sheet holds at most 16384; "
+                             "export it as .csv instead."));
 }
 
 } // namespace

@@ -95,14 +95,16 @@ TEST(TiffStackReader, ReadsMultiPageStacksJoinedByTiffcpBitForBit)
     // Classic strips, BigTIFF, tiles with padded edges, compression, many small strips.
     const std::vector<QStringList> variants = {{},
                                                {QStringLiteral("-8")},
-                                               {QStringLiteral("-t"), QStringLiteral("-w"), QStringLiteral("16"),
-                                                QStringLiteral("-l"), QStringLiteral("16")},
+                                               {QStringLiteral("-t"), QStringLiteral("-w"),
+                                                QStringLiteral("16"), QStringLiteral("-l"),
+                                                QStringLiteral("16")},
                                                {QStringLiteral("-c"), QStringLiteral("lzw:2")},
                                                {QStringLiteral("-r"), QStringLiteral("3")}};
     for (std::size_t v = 0; v < variants.size(); ++v) {
         SCOPED_TRACE(variants[v].join(QLatin1Char(' ')).toStdString());
         const QString stack = dir.file(QStringLiteral("stack%1.tif").arg(v));
-        const testing::ToolRun run = runTool(QStringLiteral("tiffcp"), variants[v] + pages + QStringList{stack});
+        const testing::ToolRun run =
+            runTool(QStringLiteral("tiffcp"), variants[v] + pages + QStringList{stack});
         ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
 
         TiffStackReader reader;
@@ -187,7 +189,8 @@ TEST(TiffStackReader, RefusesWhatIsNotAGreyscaleStack)
     const QString rgbPath = dir.file(QStringLiteral("colour.tif"));
     ASSERT_TRUE(testing::writeTiffPage(rgbPath, {8, 4, 8, 3, PHOTOMETRIC_RGB}, rgb.data()));
     EXPECT_EQ(openError(rgbPath),
-              QStringLiteral("Page 1 of <b>colour.tif</b> is an RGB image; only greyscale stacks can be converted."));
+              QStringLiteral(
+                  "Page 1 of <b>colour.tif</b> is an RGB image; only greyscale stacks can be converted."));
 
     const std::vector<float> floats(8 * 4, 1.5f);
     const QString floatPath = dir.file(QStringLiteral("float.tif"));
@@ -210,7 +213,8 @@ TEST(TiffStackReader, RefusesWhatIsNotAGreyscaleStack)
     testing::writeText(text, "Time,Signal\n0,1\n");
     EXPECT_EQ(openError(text), QStringLiteral("<b>%1</b> is not a TIFF file.").arg(text));
 
-    EXPECT_TRUE(openError(dir.file(QStringLiteral("missing.tif"))).contains(QStringLiteral("does not exist")));
+    EXPECT_TRUE(
+        openError(dir.file(QStringLiteral("missing.tif"))).contains(QStringLiteral("does not exist")));
 
     const QString empty = dir.file(QStringLiteral("empty"));
     ASSERT_TRUE(QDir().mkdir(empty));
@@ -244,9 +248,10 @@ TEST(TiffStackReader, NamesThePageWhoseSizeDiffers)
     if (!haveTool(QStringLiteral("tiffcp")))
         GTEST_SKIP() << "tiffcp is not installed";
     const QString stack = dir.file(QStringLiteral("mixed.tif"));
-    ASSERT_EQ(runTool(QStringLiteral("tiffcp"), {folder + "/f1.tif", folder + "/f2.tif", folder + "/f3.tif", stack})
-                  .exitCode,
-              0);
+    ASSERT_EQ(
+        runTool(QStringLiteral("tiffcp"), {folder + "/f1.tif", folder + "/f2.tif", folder + "/f3.tif", stack})
+            .exitCode,
+        0);
     EXPECT_EQ(reader.open(TiffStackReaderConfig{stack}).error,
               QStringLiteral("Page 3 of <b>mixed.tif</b> is 32 × 24 pixels, but the first frame is 40 × 30 "
                              "pixels; all frames of a stack must have the same size."));

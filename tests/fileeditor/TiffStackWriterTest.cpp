@@ -82,7 +82,8 @@ TEST(TiffStackWriter, EightBitOutputKeepsSmallValuesAndSaturatesLargeOnes)
     ASSERT_EQ(pages.size(), 1u);
     ASSERT_EQ(pages[0].type(), CV_8UC1);
     const std::vector<std::uint8_t> expected = {0, 1, 254, 255, 255, 255, 255, 17};
-    EXPECT_EQ(std::vector<std::uint8_t>(pages[0].begin<std::uint8_t>(), pages[0].end<std::uint8_t>()), expected);
+    EXPECT_EQ(std::vector<std::uint8_t>(pages[0].begin<std::uint8_t>(), pages[0].end<std::uint8_t>()),
+              expected);
 }
 
 TEST(TiffStackWriter, WritesBigTiffThatReadsBack)
@@ -123,7 +124,8 @@ TEST(TiffStackWriter, ChoosesTheContainerBySizeAndChecksItsInput)
     EXPECT_TRUE(refused.lastError().contains(QStringLiteral("write it as BigTIFF")));
 
     EXPECT_FALSE(refused.open({dir.file(QStringLiteral("x.tif")), 4, 4, 12, 1}));
-    EXPECT_EQ(refused.lastError(), QStringLiteral("TIFF stacks are written with 8 or 16 bits per sample, not 12."));
+    EXPECT_EQ(refused.lastError(),
+              QStringLiteral("TIFF stacks are written with 8 or 16 bits per sample, not 12."));
 
     const QString path = dir.file(QStringLiteral("short.tif"));
     TiffStackWriter writer;
@@ -131,7 +133,8 @@ TEST(TiffStackWriter, ChoosesTheContainerBySizeAndChecksItsInput)
     EXPECT_FALSE(writer.writeFrame(std::vector<std::uint16_t>(7)));
     ASSERT_TRUE(writer.writeFrame(testFrame(4, 2, 0)));
     EXPECT_FALSE(writer.finish());
-    EXPECT_EQ(writer.lastError(), QStringLiteral("Only 1 of the 2 frames were written to <b>%1</b>.").arg(path));
+    EXPECT_EQ(writer.lastError(),
+              QStringLiteral("Only 1 of the 2 frames were written to <b>%1</b>.").arg(path));
 }
 
 } // namespace

@@ -18,7 +18,8 @@ inline std::vector<std::uint16_t> testFrame(int width, int height, int k, int bi
     std::vector<std::uint16_t> frame(static_cast<std::size_t>(width) * height);
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
-            const std::uint32_t value = static_cast<std::uint32_t>(x) * 977u + static_cast<std::uint32_t>(y) * 131u +
+            const std::uint32_t value = static_cast<std::uint32_t>(x) * 977u +
+                                        static_cast<std::uint32_t>(y) * 131u +
                                         static_cast<std::uint32_t>(k) * 7919u + 12345u;
             frame[static_cast<std::size_t>(y) * width + x] = static_cast<std::uint16_t>(value & mask);
         }

@@ -51,7 +51,12 @@ bool encode(const testing::TempDir& dir, const std::vector<cv::Mat>& frames, con
         if (!cv::imwrite(QFile::encodeName(png).toStdString(), frames[k]))
             return false;
     }
-    const QStringList arguments = QStringList{"-v", "error", "-y", "-framerate", QString::number(rate), "-i",
+    const QStringList arguments = QStringList{"-v",
+                                              "error",
+                                              "-y",
+                                              "-framerate",
+                                              QString::number(rate),
+                                              "-i",
                                               dir.file(QStringLiteral("f%03d.png"))} +
                                   options + QStringList{video};
     const testing::ToolRun run = runTool(QStringLiteral("ffmpeg"), arguments);
@@ -167,17 +172,19 @@ TEST(VideoFrameReader, ReportsTruncatedAndUnreadableFiles)
     std::vector<double> times;
     const std::vector<cv::Mat> frames = readAll(reader, times);
     EXPECT_LT(frames.size(), std::size_t(Frames));
-    EXPECT_EQ(reader.lastError(), QStringLiteral("Only %1 of the 20 frames announced by <b>%2</b> could be read; "
-                                                 "the file may be truncated or damaged.")
-                                      .arg(frames.size())
-                                      .arg(video));
+    EXPECT_EQ(reader.lastError(),
+              QStringLiteral("Only %1 of the 20 frames announced by <b>%2</b> could be read; "
+                             "the file may be truncated or damaged.")
+                  .arg(frames.size())
+                  .arg(video));
     const VideoTimestamps stamps = VideoFrameReader::readTimestamps(video);
     EXPECT_FALSE(stamps.ok());
     EXPECT_EQ(stamps.times.size(), frames.size());
 
     const QString text = dir.file(QStringLiteral("notes.avi"));
     testing::writeText(text, "this is not a video");
-    EXPECT_TRUE(reader.open(VideoFrameReaderConfig{text}).error.contains(QStringLiteral("could not be opened")));
+    EXPECT_TRUE(
+        reader.open(VideoFrameReaderConfig{text}).error.contains(QStringLiteral("could not be opened")));
     EXPECT_TRUE(reader.open(VideoFrameReaderConfig{dir.file(QStringLiteral("missing.avi"))})
                     .error.contains(QStringLiteral("does not exist")));
     cv::Mat frame;
