@@ -20,10 +20,11 @@ struct XlsxTableWriterConfig
 /// "Sheet1"), each starting with the same header row; nothing is dropped. A table wider
 /// than a sheet's 16,384 columns is refused with a message that suggests .csv. Cells
 /// that are not finite numbers are written as the texts "NaN", "Inf" and "-Inf".
-/// Excel keeps 15 significant digits; the .csv export keeps every bit. Rows are streamed
-/// through temporary files, so memory does not grow with the table; the workbook is
-/// assembled at the end, and a failure leaves no partial file behind. Progress runs
-/// over the rows. Pure function, safe from any thread.
+/// Numbers are stored with 16 significant digits (Excel shows 15); the .csv export keeps
+/// every bit. Rows are streamed through temporary files, so memory does not grow with
+/// the table; the workbook is assembled at the end, and a failure leaves no partial file
+/// behind. Progress runs over the rows to 70 %, the packing of the workbook takes the
+/// rest. Pure function, safe from any thread.
 class XlsxTableWriter
 {
 public:
