@@ -171,13 +171,15 @@ QString assignRoles(const CsvTableReaderConfig& config, std::size_t columnCount,
     roles.assign(columnCount, ColumnRole());
     if (config.timeColumn >= 0)
         roles[config.timeColumn].kind = ColumnRole::Time;
-    for (std::size_t e = 0; e < config.eventColumns.size(); ++e) {
-        const int column = config.eventColumns[e];
+    std::size_t events = 0;
+    for (const int column : config.eventColumns) {
         if (missing(column))
             return Texts::missingColumnMessage().arg(column + 1).arg(columnCount);
         if (column == config.timeColumn)
             return Texts::timeAndEventColumnMessage().arg(column + 1);
-        roles[column] = ColumnRole{ColumnRole::Event, e};
+        // A column listed twice is one event column.
+        if (roles[column].kind != ColumnRole::Event)
+            roles[column] = ColumnRole{ColumnRole::Event, events++};
     }
     std::size_t data = 0;
     for (ColumnRole& role : roles) {

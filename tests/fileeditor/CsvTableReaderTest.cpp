@@ -41,6 +41,16 @@ TEST(CsvTableReader, ParsesHandWrittenFileExactly)
     ASSERT_EQ(table.events.size(), 1u);
     EXPECT_EQ(table.events[0].name, QStringLiteral("Events"));
     EXPECT_EQ(table.events[0].values, (std::vector<double>{0.1, 0.7505}));
+
+    // Events in the order asked for; a column asked for twice counts once.
+    config.eventColumns = {3, 2, 3};
+    const CsvTable twoEvents = parse(dir, text, config);
+    ASSERT_TRUE(twoEvents.ok()) << twoEvents.error.toStdString();
+    ASSERT_EQ(twoEvents.events.size(), 2u);
+    EXPECT_EQ(twoEvents.events[0].name, QStringLiteral("Events"));
+    EXPECT_EQ(twoEvents.events[1].name, QStringLiteral("Ref"));
+    EXPECT_EQ(twoEvents.events[1].values, (std::vector<double>{-0.002, 0.000001, 0.003}));
+    EXPECT_EQ(twoEvents.columns.size(), 1u);
 }
 
 TEST(CsvTableReader, DetectsDelimiterAndNamesColumnsWithoutHeader)
