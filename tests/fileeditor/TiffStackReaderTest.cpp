@@ -10,6 +10,7 @@
 #include "TiffTestPages.h"
 #include "common/TempDir.h"
 #include "fileeditor/TiffStackReader.h"
+#include "fileeditor/TiffStackWriter.h"
 
 namespace zarvi {
 namespace {
@@ -271,6 +272,46 @@ TEST(TiffStackReader, ReachesBigTiffPixelsBeyondFourGigabytes)
     ASSERT_TRUE(info.ok()) << info.error.toStdString();
     EXPECT_EQ(info.frameCount, 2u);
     expectFrames(reader, pages, {1, 0, 1});
+
+    // Cut inside the second page's pixels: the first page still reads, the second says why not.
+    QFile file(path);
+    ASSERT_TRUE(file.resize(static_cast<qint64>(beyond) + 100));
+    ASSERT_TRUE(reader.open(TiffStackReaderConfig{path}).ok());
+    std::vector<std::uint16_t> frame(64 * 16);
+    EXPECT_TRUE(reader.readFrame(0, frame));
+    EXPECT_FALSE(reader.readFrame(1, frame));
+    EXPECT_TRUE(reader.lastError().startsWith(QStringLiteral("Unable to read Page 2 of <b>sparse.tif</b>: ")))
+        << reader.lastError().toStdString();
+}
+
+TEST(TiffStackReader, DamagedFilesGiveMessages)
+{
+    testing::TempDir dir;
+    const QString path = dir.file(QStringLiteral("stack.tif"));
+    {
+        TiffStackWriter writer;
+        ASSERT_TRUE(writer.open({path, 30, 20, 16, 6}));
+        for (int k = 0; k < 6; ++k)
+            ASSERT_TRUE(writer.writeFrame(testFrame(30, 20, k)));
+        ASSERT_TRUE(writer.finish());
+    }
+    const QByteArray whole = testing::readText(path);
+    // Every length from the bare header on: each either opens and reads or says why not.
+    for (qsizetype length = 8; length < whole.size(); length += 97) {
+        testing::writeText(path, whole.left(length));
+        TiffStackReader reader;
+        const TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
+        if (!info.ok()) {
+            EXPECT_FALSE(info.error.isEmpty());
+            continue;
+        }
+        std::vector<std::uint16_t> frame(info.pixelsPerFrame());
+        for (std::size_t k = 0; k < info.frameCount; ++k) {
+            if (!reader.readFrame(k, frame)) {
+                EXPECT_FALSE(reader.lastError().isEmpty());
+            }
+        }
+    }
 }
 
 TEST(TiffStackReader, OpeningCanBeCanceled)
