@@ -6,6 +6,10 @@
 
 #include <opencv2/imgproc.hpp>
 
+extern "C" {
+#include <libavformat/avformat.h>
+}
+
 #include "definitions/FileEditorOperationDefinitions.h"
 
 namespace zarvi {
@@ -13,6 +17,27 @@ namespace zarvi {
 namespace {
 
 using Texts = FileEditorOperationDefinitions;
+
+/// The number of frames the container's header states for its first video stream (the
+/// one OpenCV reads), 0 when it states none, as MPEG program streams and Matroska files
+/// do. Only a stated count promises how many frames the file holds.
+std::size_t statedFrameCount(const QByteArray& path)
+{
+    AVFormatContext* context = nullptr;
+    if (avformat_open_input(&context, path.constData(), nullptr, nullptr) != 0)
+        return 0;
+    std::size_t frames = 0;
+    for (unsigned s = 0; s < context->nb_streams; ++s) {
+        const AVStream* stream = context->streams[s];
+        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+            !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC)) {
+            frames = stream->nb_frames > 0 ? static_cast<std::size_t>(stream->nb_frames) : 0;
+            break;
+        }
+    }
+    avformat_close_input(&context);
+    return frames;
+}
 
 } // namespace
 
@@ -26,8 +51,9 @@ VideoInfo VideoFrameReader::open(const VideoFrameReaderConfig& config)
     }
     // FFmpeg takes UTF-8 file names on every platform. OpenCV reports failures by
     // result here, but guard against an exception from a broken backend all the same.
+    const QByteArray path = config.path.toUtf8();
     try {
-        m_capture.open(config.path.toUtf8().toStdString(), cv::CAP_FFMPEG);
+        m_capture.open(path.toStdString(), cv::CAP_FFMPEG);
     } catch (const cv::Exception&) {
         m_capture.release();
     }
@@ -38,9 +64,14 @@ VideoInfo VideoFrameReader::open(const VideoFrameReaderConfig& config)
     m_info.width = static_cast<int>(m_capture.get(cv::CAP_PROP_FRAME_WIDTH));
     m_info.height = static_cast<int>(m_capture.get(cv::CAP_PROP_FRAME_HEIGHT));
     m_info.fps = m_capture.get(cv::CAP_PROP_FPS);
-    const double frames = m_capture.get(cv::CAP_PROP_FRAME_COUNT);
-    m_info.frameCount =
-        std::isfinite(frames) && frames > 0 ? static_cast<std::size_t>(std::llround(frames)) : 0;
+    m_info.frameCount = statedFrameCount(path);
+    m_info.frameCountExact = m_info.frameCount > 0;
+    if (!m_info.frameCountExact) {
+        // OpenCV's estimate from the duration and the rate.
+        const double frames = m_capture.get(cv::CAP_PROP_FRAME_COUNT);
+        m_info.frameCount =
+            std::isfinite(frames) && frames > 0 ? static_cast<std::size_t>(std::llround(frames)) : 0;
+    }
     if (m_info.width <= 0 || m_info.height <= 0) {
         m_capture.release();
         m_info = VideoInfo();
@@ -54,6 +85,8 @@ void VideoFrameReader::close()
     m_capture.release();
     m_info = VideoInfo();
     m_framesRead = 0;
+    m_timesFromRate = false;
+    m_lastSeconds = 0.0;
     m_error.clear();
 }
 
@@ -71,13 +104,25 @@ bool VideoFrameReader::grabNext(double& seconds)
         grabbed = false;
     }
     if (!grabbed) {
-        if (m_framesRead < m_info.frameCount) {
+        if (m_info.frameCountExact && m_framesRead < m_info.frameCount) {
             m_error =
                 Texts::videoTruncatedMessage().arg(m_framesRead).arg(m_info.frameCount).arg(m_config.path);
         }
         return false;
     }
-    seconds = m_capture.get(cv::CAP_PROP_POS_MSEC) / 1000.0;
+    // Containers that give OpenCV no time per frame (MPEG program streams) report 0 for
+    // every frame. From the first time that does not advance on, frames are timed by the
+    // rate, counted from the last time the container gave.
+    const double reported = m_capture.get(cv::CAP_PROP_POS_MSEC) / 1000.0;
+    if (!m_timesFromRate && m_framesRead > 0 && !(reported > m_lastSeconds) && m_info.fps > 0.0) {
+        m_timesFromRate = true;
+        m_rateOriginSeconds = m_lastSeconds;
+        m_rateOriginFrame = m_framesRead - 1;
+    }
+    seconds = m_timesFromRate
+                  ? m_rateOriginSeconds + static_cast<double>(m_framesRead - m_rateOriginFrame) / m_info.fps
+                  : reported;
+    m_lastSeconds = seconds;
     ++m_framesRead;
     return true;
 }
@@ -130,6 +175,7 @@ VideoTimestamps VideoFrameReader::readTimestamps(const QString& path, Feedback* 
         result.times.push_back(seconds);
         progress.update(result.times.size());
     }
+    result.fromFrameRate = reader.timesFromFrameRate();
     result.error = reader.lastError();
     return result;
 }

@@ -33,8 +33,11 @@ struct VideoInfo
 {
     int width = 0;
     int height = 0;
-    /// Frames announced by the container; 0 when it does not say.
+    /// Frames the container states, or else an estimate from its duration and rate; 0
+    /// when neither is known.
     std::size_t frameCount = 0;
+    /// The container states frameCount; only then is a shorter video reported as truncated.
+    bool frameCountExact = false;
     double fps = 0.0;
     QString error;
 
@@ -45,17 +48,21 @@ struct VideoInfo
 struct VideoTimestamps
 {
     std::vector<double> times;
+    /// Some or all times were derived from the frame rate (see VideoFrameReader).
+    bool fromFrameRate = false;
     QString error;
     bool canceled = false;
 
     bool ok() const { return error.isEmpty(); }
 };
 
-/// Reads a video file frame by frame, in order, through FFmpeg, with each frame's time
-/// as the container stores it, so that variable frame rates and dropped frames keep
-/// their true timing. A file that ends before the number of frames it announces is
-/// reported as truncated rather than silently cut short. Lives on the worker thread of
-/// the conversion; one object is used by one thread at a time.
+/// Reads a video file frame by frame, in order, through OpenCV's FFmpeg backend, with
+/// each frame's time as the container stores it, so that variable frame rates and
+/// dropped frames keep their true timing. Where the container gives no usable time (the
+/// times stop advancing, as with MPEG program streams), the remaining frames are timed
+/// by the frame rate from the last time given. A file that ends before the number of
+/// frames its header states is reported as truncated rather than silently cut short.
+/// Lives on the worker thread of the conversion; one object is used by one thread at a time.
 class VideoFrameReader
 {
 public:
@@ -67,6 +74,8 @@ public:
     /// on failure; lastError() is empty at a regular end and says what went wrong otherwise.
     bool readNext(cv::Mat& frame, double& seconds);
     std::size_t framesRead() const { return m_framesRead; }
+    /// The times of the frames read since some frame come from the frame rate.
+    bool timesFromFrameRate() const { return m_timesFromRate; }
     QString lastError() const { return m_error; }
 
     void close();
@@ -85,6 +94,10 @@ private:
     cv::VideoCapture m_capture;
     cv::Mat m_decoded;
     std::size_t m_framesRead = 0;
+    double m_lastSeconds = 0.0;
+    bool m_timesFromRate = false;
+    double m_rateOriginSeconds = 0.0;
+    std::size_t m_rateOriginFrame = 0;
     QString m_error;
 };
 

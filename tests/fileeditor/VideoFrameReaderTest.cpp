@@ -94,6 +94,7 @@ TEST(VideoFrameReader, ReadsLosslessVideoFrameForFrameWithContainerTimes)
     EXPECT_EQ(info.width, Width);
     EXPECT_EQ(info.height, Height);
     EXPECT_EQ(info.frameCount, std::size_t(Frames));
+    EXPECT_TRUE(info.frameCountExact);
     EXPECT_DOUBLE_EQ(info.fps, 10.0);
     std::vector<double> times;
     const std::vector<cv::Mat> frames = readAll(reader, times);
@@ -107,6 +108,7 @@ TEST(VideoFrameReader, ReadsLosslessVideoFrameForFrameWithContainerTimes)
 
     const VideoTimestamps stamps = VideoFrameReader::readTimestamps(video);
     ASSERT_TRUE(stamps.ok()) << stamps.error.toStdString();
+    EXPECT_FALSE(stamps.fromFrameRate);
     ASSERT_EQ(stamps.times.size(), std::size_t(Frames));
     for (int k = 0; k < Frames; ++k)
         EXPECT_NEAR(stamps.times[k], k / 10.0, 1e-9);
@@ -151,6 +153,31 @@ TEST(VideoFrameReader, TakesTimesFromAnMp4Container)
     ASSERT_EQ(stamps.times.size(), std::size_t(Frames));
     for (int k = 0; k < Frames; ++k)
         EXPECT_NEAR(stamps.times[k], k / 25.0, 1e-9);
+}
+
+TEST(VideoFrameReader, TimesMpegProgramStreamFramesWithoutStatedCount)
+{
+    if (!haveTool(QStringLiteral("ffmpeg")))
+        GTEST_SKIP() << "ffmpeg is not installed";
+    testing::TempDir dir;
+    const QString video = dir.file(QStringLiteral("clip.mpeg"));
+    const testing::ToolRun run = runTool(
+        QStringLiteral("ffmpeg"), {"-v", "error", "-y", "-f", "lavfi", "-i", "testsrc=size=64x48:rate=25",
+                                   "-frames:v", "37", "-c:v", "mpeg2video", "-q:v", "2", video});
+    ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
+
+    // A program stream states no frame count, so running short of the estimate is no error.
+    // OpenCV gets no time for the frames of this stream (it reports 0 for each), so they
+    // are timed by the rate.
+    VideoFrameReader reader;
+    const VideoInfo info = reader.open(VideoFrameReaderConfig{video});
+    ASSERT_TRUE(info.ok()) << info.error.toStdString();
+    EXPECT_FALSE(info.frameCountExact);
+    const VideoTimestamps stamps = VideoFrameReader::readTimestamps(video);
+    ASSERT_TRUE(stamps.ok()) << stamps.error.toStdString();
+    ASSERT_EQ(stamps.times.size(), 37u);
+    for (std::size_t k = 0; k < stamps.times.size(); ++k)
+        EXPECT_NEAR(stamps.times[k], static_cast<double>(k) / 25.0, 1e-9);
 }
 
 TEST(VideoFrameReader, ReportsTruncatedAndUnreadableFiles)
