@@ -47,8 +47,9 @@ struct TiffStackInfo
 /// memory. open() checks every page up front, so a stack with an RGB page or pages of
 /// different sizes is refused before anything is converted; readFrame() then decodes
 /// one page (strips or tiles, any compression libtiff knows), widening 8-bit samples
-/// to 16 bits without changing their value. Lives on the worker thread of the
-/// conversion; one object is used by one thread at a time.
+/// to 16 bits without changing their value. Samples are taken as stored: a page that
+/// declares 0 as white is not inverted. Lives on the worker thread of the conversion;
+/// one object is used by one thread at a time.
 class TiffStackReader
 {
 public:
