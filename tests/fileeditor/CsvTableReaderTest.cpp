@@ -7,17 +7,17 @@
 namespace zarvi {
 namespace {
 
-CsvTable parse(const testing::TempDir& dir, const QByteArray& text, CsvTableReaderConfig config,
+CsvTable parse(const test::TempDir& dir, const QByteArray& text, CsvTableReaderConfig config,
                Feedback* feedback = nullptr)
 {
     config.path = dir.file(QStringLiteral("table.csv"));
-    testing::writeText(config.path, text);
+    test::writeText(config.path, text);
     return CsvTableReader::read(config, feedback);
 }
 
 TEST(CsvTableReader, ParsesHandWrittenFileExactly)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     // Byte-order mark, quoted header cells (one holding the delimiter), a delimiter
     // after the last cell, CRLF line ends, an event column with gaps, a blank last line.
     const QByteArray text = "\xEF\xBB\xBF\"Time (ms)\",\"Signal, raw\",Ref,Events,\r\n"
@@ -55,7 +55,7 @@ TEST(CsvTableReader, ParsesHandWrittenFileExactly)
 
 TEST(CsvTableReader, DetectsDelimiterAndNamesColumnsWithoutHeader)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     CsvTableReaderConfig config;
     config.hasHeader = false;
     config.timeUnit = TimeUnit::Minutes;
@@ -91,7 +91,7 @@ TEST(CsvTableReader, DetectsDelimiterAndNamesColumnsWithoutHeader)
 
 TEST(CsvTableReader, ErrorsNameTheLineAndColumn)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const CsvTableReaderConfig config;
     EXPECT_EQ(parse(dir, "t,v\n0,1\n1,abc\n", config).error,
               QStringLiteral("Line 3, column 2: 'abc' is not a number."));
@@ -121,12 +121,12 @@ TEST(CsvTableReader, ErrorsNameTheLineAndColumn)
 
 TEST(CsvTableReader, ReportsProgressByBytesAndStopsWhenCanceled)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     QByteArray text = "t,v\n";
     for (int i = 0; i < 5000; ++i)
         text += QByteArray::number(i) + ',' + QByteArray::number(i * 2) + '\n';
 
-    testing::RecordingFeedback progress;
+    test::RecordingFeedback progress;
     const CsvTable table = parse(dir, text, CsvTableReaderConfig(), &progress);
     ASSERT_TRUE(table.ok());
     EXPECT_EQ(table.time.size(), 5000u);
@@ -136,7 +136,7 @@ TEST(CsvTableReader, ReportsProgressByBytesAndStopsWhenCanceled)
     EXPECT_LE(progress.percents.size(), 101u);
     EXPECT_TRUE(std::is_sorted(progress.percents.begin(), progress.percents.end()));
 
-    testing::RecordingFeedback cancel(40);
+    test::RecordingFeedback cancel(40);
     const CsvTable canceled = parse(dir, text, CsvTableReaderConfig(), &cancel);
     EXPECT_TRUE(canceled.canceled);
     EXPECT_FALSE(canceled.ok());

@@ -11,7 +11,7 @@
 
 #include "framework/Feedback.h"
 
-namespace zarvi::testing {
+namespace zarvi::test {
 
 /// True when a command-line tool is on the PATH.
 inline bool haveTool(const QString& name)
@@ -70,4 +70,4 @@ private:
     int m_cancelAt;
 };
 
-} // namespace zarvi::testing
+} // namespace zarvi::test

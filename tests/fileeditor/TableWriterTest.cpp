@@ -13,8 +13,8 @@
 namespace zarvi {
 namespace {
 
-using testing::haveTool;
-using testing::runTool;
+using test::haveTool;
+using test::runTool;
 
 bool sameBits(double a, double b)
 {
@@ -29,7 +29,7 @@ QByteArray zipMember(const QString& path, const QString& member)
 
 TEST(CsvTableWriter, NumbersReadBackBitForBit)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const std::vector<double> awkward = {0.0,
                                          0.1,
                                          1.0 / 3.0,
@@ -52,7 +52,7 @@ TEST(CsvTableWriter, NumbersReadBackBitForBit)
     ASSERT_TRUE(result.ok()) << result.error.toStdString();
 
     // Read back with the C library, independently of the program's own parser.
-    const QList<QByteArray> lines = testing::readText(path).split('\n');
+    const QList<QByteArray> lines = test::readText(path).split('\n');
     ASSERT_EQ(lines.size(), static_cast<qsizetype>(awkward.size() + 2));
     EXPECT_EQ(lines[0], QByteArray("Time (s),Signal (V)"));
     EXPECT_TRUE(lines.last().isEmpty());
@@ -66,7 +66,7 @@ TEST(CsvTableWriter, NumbersReadBackBitForBit)
 
 TEST(CsvTableWriter, WritesRowNamesAndTwoDimensionalResults)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const std::vector<double> timePoints = {-1.0, 0.0, 0.5};
     const std::vector<double> values = {1, 2, 3, 4, 5, 6};
     const TableData table = TableData::fromRows(
@@ -74,7 +74,7 @@ TEST(CsvTableWriter, WritesRowNamesAndTwoDimensionalResults)
         QStringLiteral("s"), values);
     const QString path = dir.file(QStringLiteral("heatmap.csv"));
     ASSERT_TRUE(CsvTableWriter::write(table, CsvTableWriterConfig{path}).ok());
-    EXPECT_EQ(testing::readText(path), QByteArray("Event,-1 (s),0 (s),0.5 (s)\n"
+    EXPECT_EQ(test::readText(path), QByteArray("Event,-1 (s),0 (s),0.5 (s)\n"
                                                   "Lever press,1,2,3\n"
                                                   "\"Tone, 2 kHz\",4,5,6\n"));
 
@@ -83,11 +83,11 @@ TEST(CsvTableWriter, WritesRowNamesAndTwoDimensionalResults)
     uneven.columns.push_back({QStringLiteral("Signal"), QStringLiteral("µV"), {1.5, 2.5, 3.5}});
     uneven.columns.push_back({QStringLiteral("Events \"A\""), QString(), {0.25}});
     ASSERT_TRUE(CsvTableWriter::write(uneven, CsvTableWriterConfig{path, ';'}).ok());
-    EXPECT_EQ(testing::readText(path), QByteArray("\xEF\xBB\xBFSignal (\xC2\xB5V);\"Events \"\"A\"\"\"\n"
+    EXPECT_EQ(test::readText(path), QByteArray("\xEF\xBB\xBFSignal (\xC2\xB5V);\"Events \"\"A\"\"\"\n"
                                                   "1.5;0.25\n2.5;\n3.5;\n"));
 
     EXPECT_FALSE(CsvTableWriter::write(TableData(), CsvTableWriterConfig{path}).ok());
-    testing::RecordingFeedback cancel(-1);
+    test::RecordingFeedback cancel(-1);
     const TableWriteResult canceled =
         CsvTableWriter::write(uneven, CsvTableWriterConfig{dir.file(QStringLiteral("never.csv"))}, &cancel);
     EXPECT_TRUE(canceled.canceled);
@@ -98,7 +98,7 @@ TEST(XlsxTableWriter, WritesWorkbookWithHeaderValuesAndRowNames)
 {
     if (!haveTool(QStringLiteral("unzip")))
         GTEST_SKIP() << "unzip is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     TableData table;
     table.rowNamesTitle = QStringLiteral("Event");
     table.rowNames = {QStringLiteral("Lever press"), QStringLiteral("Tone")};
@@ -110,7 +110,7 @@ TEST(XlsxTableWriter, WritesWorkbookWithHeaderValuesAndRowNames)
     ASSERT_TRUE(result.ok()) << result.error.toStdString();
     EXPECT_EQ(result.sheetCount, 1);
 
-    const testing::ToolRun listing = runTool(QStringLiteral("unzip"), {QStringLiteral("-l"), path});
+    const test::ToolRun listing = runTool(QStringLiteral("unzip"), {QStringLiteral("-l"), path});
     ASSERT_EQ(listing.exitCode, 0) << listing.output.toStdString();
     EXPECT_TRUE(listing.output.contains("xl/worksheets/sheet1.xml"));
     EXPECT_FALSE(listing.output.contains("xl/worksheets/sheet2.xml"));
@@ -126,7 +126,7 @@ TEST(XlsxTableWriter, ContinuesPastTheRowLimitOnFurtherSheets)
 {
     if (!haveTool(QStringLiteral("unzip")))
         GTEST_SKIP() << "unzip is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     // One more than a sheet's data rows plus ten: the last eleven rows go to Sheet2.
     const std::size_t rows = XlsxTableWriter::SheetRows - 1 + 11;
     TableData table;

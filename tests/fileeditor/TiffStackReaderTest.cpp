@@ -15,10 +15,10 @@
 namespace zarvi {
 namespace {
 
-using testing::haveTool;
-using testing::runTool;
-using testing::testFrame;
-using testing::writeGreyPage;
+using test::haveTool;
+using test::runTool;
+using test::testFrame;
+using test::writeGreyPage;
 
 void expectFrames(TiffStackReader& reader, const std::vector<std::vector<std::uint16_t>>& expected,
                   const std::vector<std::size_t>& order)
@@ -83,7 +83,7 @@ TEST(TiffStackReader, ReadsMultiPageStacksJoinedByTiffcpBitForBit)
 {
     if (!haveTool(QStringLiteral("tiffcp")))
         GTEST_SKIP() << "tiffcp is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     constexpr int Width = 45;
     constexpr int Height = 37;
     std::vector<std::vector<std::uint16_t>> expected;
@@ -104,7 +104,7 @@ TEST(TiffStackReader, ReadsMultiPageStacksJoinedByTiffcpBitForBit)
     for (std::size_t v = 0; v < variants.size(); ++v) {
         SCOPED_TRACE(variants[v].join(QLatin1Char(' ')).toStdString());
         const QString stack = dir.file(QStringLiteral("stack%1.tif").arg(v));
-        const testing::ToolRun run =
+        const test::ToolRun run =
             runTool(QStringLiteral("tiffcp"), variants[v] + pages + QStringList{stack});
         ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
 
@@ -131,7 +131,7 @@ TEST(TiffStackReader, ReadsMultiPageStacksJoinedByTiffcpBitForBit)
 
 TEST(TiffStackReader, ReadsFolderOfSinglePagesInNaturalNameOrder)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const QString folder = dir.file(QStringLiteral("frames"));
     ASSERT_TRUE(QDir().mkdir(folder));
     // Written out of order; k is the position each name must take.
@@ -141,7 +141,7 @@ TEST(TiffStackReader, ReadsFolderOfSinglePagesInNaturalNameOrder)
                                                         {QStringLiteral("img1.tif"), 0}};
     for (const auto& [name, k] : names)
         ASSERT_TRUE(writeGreyPage(folder + QLatin1Char('/') + name, 20, 10, k));
-    testing::writeText(folder + QStringLiteral("/notes.txt"), "not an image");
+    test::writeText(folder + QStringLiteral("/notes.txt"), "not an image");
 
     TiffStackReader reader;
     const TiffStackInfo info = reader.open(TiffStackReaderConfig{folder});
@@ -159,12 +159,12 @@ TEST(TiffStackReader, ReadsFolderOfSinglePagesInNaturalNameOrder)
 
 TEST(TiffStackReader, WidensEightBitPagesWithoutChangingValues)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     std::vector<std::uint8_t> pixels(256 * 3);
     for (std::size_t i = 0; i < pixels.size(); ++i)
         pixels[i] = static_cast<std::uint8_t>(i % 256);
     const QString path = dir.file(QStringLiteral("eight.tif"));
-    ASSERT_TRUE(testing::writeTiffPage(path, testing::PageLayout{256, 3, 8}, pixels.data()));
+    ASSERT_TRUE(test::writeTiffPage(path, test::PageLayout{256, 3, 8}, pixels.data()));
 
     TiffStackReader reader;
     const TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
@@ -178,7 +178,7 @@ TEST(TiffStackReader, WidensEightBitPagesWithoutChangingValues)
 
 TEST(TiffStackReader, RefusesWhatIsNotAGreyscaleStack)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const auto openError = [](const QString& path) {
         TiffStackReader reader;
         const TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
@@ -188,30 +188,30 @@ TEST(TiffStackReader, RefusesWhatIsNotAGreyscaleStack)
 
     const std::vector<std::uint8_t> rgb(8 * 4 * 3, 7);
     const QString rgbPath = dir.file(QStringLiteral("colour.tif"));
-    ASSERT_TRUE(testing::writeTiffPage(rgbPath, {8, 4, 8, 3, PHOTOMETRIC_RGB}, rgb.data()));
+    ASSERT_TRUE(test::writeTiffPage(rgbPath, {8, 4, 8, 3, PHOTOMETRIC_RGB}, rgb.data()));
     EXPECT_EQ(openError(rgbPath),
               QStringLiteral(
                   "Page 1 of <b>colour.tif</b> is an RGB image; only greyscale stacks can be converted."));
 
     const std::vector<float> floats(8 * 4, 1.5f);
     const QString floatPath = dir.file(QStringLiteral("float.tif"));
-    ASSERT_TRUE(testing::writeTiffPage(floatPath, {8, 4, 32, 1, PHOTOMETRIC_MINISBLACK, SAMPLEFORMAT_IEEEFP},
+    ASSERT_TRUE(test::writeTiffPage(floatPath, {8, 4, 32, 1, PHOTOMETRIC_MINISBLACK, SAMPLEFORMAT_IEEEFP},
                                        floats.data()));
     EXPECT_TRUE(openError(floatPath).contains(QStringLiteral("floating-point samples")));
 
     const std::vector<std::uint32_t> wide(8 * 4, 70000);
     const QString widePath = dir.file(QStringLiteral("wide.tif"));
-    ASSERT_TRUE(testing::writeTiffPage(widePath, {8, 4, 32}, wide.data()));
+    ASSERT_TRUE(test::writeTiffPage(widePath, {8, 4, 32}, wide.data()));
     EXPECT_TRUE(openError(widePath).contains(QStringLiteral("has 32 bits per sample")));
 
     const std::vector<std::int16_t> signedPixels(8 * 4, -3);
     const QString signedPath = dir.file(QStringLiteral("signed.tif"));
-    ASSERT_TRUE(testing::writeTiffPage(signedPath, {8, 4, 16, 1, PHOTOMETRIC_MINISBLACK, SAMPLEFORMAT_INT},
+    ASSERT_TRUE(test::writeTiffPage(signedPath, {8, 4, 16, 1, PHOTOMETRIC_MINISBLACK, SAMPLEFORMAT_INT},
                                        signedPixels.data()));
     EXPECT_TRUE(openError(signedPath).contains(QStringLiteral("signed integer samples")));
 
     const QString text = dir.file(QStringLiteral("notes.tif"));
-    testing::writeText(text, "Time,Signal\n0,1\n");
+    test::writeText(text, "Time,Signal\n0,1\n");
     EXPECT_EQ(openError(text), QStringLiteral("<b>%1</b> is not a TIFF file.").arg(text));
 
     EXPECT_TRUE(
@@ -235,7 +235,7 @@ TEST(TiffStackReader, RefusesWhatIsNotAGreyscaleStack)
 
 TEST(TiffStackReader, NamesThePageWhoseSizeDiffers)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const QString folder = dir.file(QStringLiteral("frames"));
     ASSERT_TRUE(QDir().mkdir(folder));
     ASSERT_TRUE(writeGreyPage(folder + "/f1.tif", 40, 30, 0));
@@ -260,7 +260,7 @@ TEST(TiffStackReader, NamesThePageWhoseSizeDiffers)
 
 TEST(TiffStackReader, ReachesBigTiffPixelsBeyondFourGigabytes)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const QString path = dir.file(QStringLiteral("sparse.tif"));
     const std::vector<std::vector<std::uint16_t>> pages = {testFrame(64, 16, 0), testFrame(64, 16, 1)};
     const std::uint64_t beyond = 5ULL << 30;
@@ -286,7 +286,7 @@ TEST(TiffStackReader, ReachesBigTiffPixelsBeyondFourGigabytes)
 
 TEST(TiffStackReader, DamagedFilesGiveMessages)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const QString path = dir.file(QStringLiteral("stack.tif"));
     {
         TiffStackWriter writer;
@@ -295,10 +295,10 @@ TEST(TiffStackReader, DamagedFilesGiveMessages)
             ASSERT_TRUE(writer.writeFrame(testFrame(30, 20, k)));
         ASSERT_TRUE(writer.finish());
     }
-    const QByteArray whole = testing::readText(path);
+    const QByteArray whole = test::readText(path);
     // Every length from the bare header on: each either opens and reads or says why not.
     for (qsizetype length = 8; length < whole.size(); length += 97) {
-        testing::writeText(path, whole.left(length));
+        test::writeText(path, whole.left(length));
         TiffStackReader reader;
         const TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
         if (!info.ok()) {
@@ -316,9 +316,9 @@ TEST(TiffStackReader, DamagedFilesGiveMessages)
 
 TEST(TiffStackReader, OpeningCanBeCanceled)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     ASSERT_TRUE(writeGreyPage(dir.file(QStringLiteral("a.tif")), 4, 4, 0));
-    testing::RecordingFeedback feedback(-1);
+    test::RecordingFeedback feedback(-1);
     TiffStackReader reader;
     const TiffStackInfo info = reader.open(TiffStackReaderConfig{dir.path()}, &feedback);
     EXPECT_TRUE(info.canceled);

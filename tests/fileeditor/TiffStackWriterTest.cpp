@@ -11,9 +11,9 @@
 namespace zarvi {
 namespace {
 
-using testing::haveTool;
-using testing::runTool;
-using testing::testFrame;
+using test::haveTool;
+using test::runTool;
+using test::testFrame;
 
 /// Pages as OpenCV reads them, an implementation independent of libtiff's users here.
 std::vector<cv::Mat> readWithOpenCv(const QString& path)
@@ -38,7 +38,7 @@ bool writeStack(const TiffStackWriterConfig& config, const std::vector<std::vect
 
 TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     constexpr int Width = 37;
     constexpr int Height = 23;
     std::vector<std::vector<std::uint16_t>> frames;
@@ -49,7 +49,7 @@ TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
     ASSERT_TRUE(writeStack({path, Width, Height, 16, frames.size()}, frames, &error)) << error.toStdString();
 
     if (haveTool(QStringLiteral("tiffinfo"))) {
-        const testing::ToolRun run = runTool(QStringLiteral("tiffinfo"), {path});
+        const test::ToolRun run = runTool(QStringLiteral("tiffinfo"), {path});
         EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
         EXPECT_EQ(run.output.count("TIFF Directory at offset"), 5) << run.output.toStdString();
     }
@@ -74,7 +74,7 @@ TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
 
 TEST(TiffStackWriter, EightBitOutputKeepsSmallValuesAndSaturatesLargeOnes)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const std::vector<std::uint16_t> frame = {0, 1, 254, 255, 256, 300, 65535, 17};
     const QString path = dir.file(QStringLiteral("eight.tif"));
     ASSERT_TRUE(writeStack({path, 4, 2, 8, 1}, {frame}));
@@ -88,12 +88,12 @@ TEST(TiffStackWriter, EightBitOutputKeepsSmallValuesAndSaturatesLargeOnes)
 
 TEST(TiffStackWriter, WritesBigTiffThatReadsBack)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const std::vector<std::vector<std::uint16_t>> frames = {testFrame(16, 8, 0), testFrame(16, 8, 1)};
     const QString path = dir.file(QStringLiteral("big.tif"));
     ASSERT_TRUE(writeStack({path, 16, 8, 16, 2, TiffContainer::Big}, frames));
     // BigTIFF's version number is 43 where classic TIFF has 42.
-    const QByteArray head = testing::readText(path).left(4);
+    const QByteArray head = test::readText(path).left(4);
     EXPECT_EQ(head, QByteArray("II\x2B\x00", 4));
     if (haveTool(QStringLiteral("tiffinfo"))) {
         EXPECT_EQ(runTool(QStringLiteral("tiffinfo"), {path}).exitCode, 0);
@@ -107,7 +107,7 @@ TEST(TiffStackWriter, WritesBigTiffThatReadsBack)
 
 TEST(TiffStackWriter, ChoosesTheContainerBySizeAndChecksItsInput)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     // 10,000 frames of 600 x 600 16-bit pixels: 7.2 GB.
     const TiffStackWriterConfig large{dir.file(QStringLiteral("large.tif")), 600, 600, 16, 10000};
     TiffStackWriter automatic;

@@ -8,7 +8,7 @@
 
 #include <tiffio.h>
 
-namespace zarvi::testing {
+namespace zarvi::test {
 
 /// A test frame whose pixels all differ from their neighbours and from the same pixel
 /// of other frames, covering the whole range of the bit depth.
@@ -65,4 +65,4 @@ inline bool writeGreyPage(const QString& path, int width, int height, int k)
     return writeTiffPage(path, PageLayout{width, height}, frame.data());
 }
 
-} // namespace zarvi::testing
+} // namespace zarvi::test

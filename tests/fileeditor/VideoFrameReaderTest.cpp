@@ -11,8 +11,8 @@
 namespace zarvi {
 namespace {
 
-using testing::haveTool;
-using testing::runTool;
+using test::haveTool;
+using test::runTool;
 
 constexpr int Width = 64;
 constexpr int Height = 48;
@@ -43,7 +43,7 @@ cv::Mat greyFrame(int k)
 }
 
 /// Writes the frames as PNG files and encodes them with the ffmpeg program.
-bool encode(const testing::TempDir& dir, const std::vector<cv::Mat>& frames, const QStringList& options,
+bool encode(const test::TempDir& dir, const std::vector<cv::Mat>& frames, const QStringList& options,
             const QString& video, int rate)
 {
     for (std::size_t k = 0; k < frames.size(); ++k) {
@@ -59,7 +59,7 @@ bool encode(const testing::TempDir& dir, const std::vector<cv::Mat>& frames, con
                                               "-i",
                                               dir.file(QStringLiteral("f%03d.png"))} +
                                   options + QStringList{video};
-    const testing::ToolRun run = runTool(QStringLiteral("ffmpeg"), arguments);
+    const test::ToolRun run = runTool(QStringLiteral("ffmpeg"), arguments);
     EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
     return run.exitCode == 0;
 }
@@ -81,7 +81,7 @@ TEST(VideoFrameReader, ReadsLosslessVideoFrameForFrameWithContainerTimes)
 {
     if (!haveTool(QStringLiteral("ffmpeg")))
         GTEST_SKIP() << "ffmpeg is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     std::vector<cv::Mat> colour;
     for (int k = 0; k < Frames; ++k)
         colour.push_back(colourFrame(k));
@@ -118,7 +118,7 @@ TEST(VideoFrameReader, ReadsGreyFramesUnchanged)
 {
     if (!haveTool(QStringLiteral("ffmpeg")))
         GTEST_SKIP() << "ffmpeg is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     std::vector<cv::Mat> grey;
     for (int k = 0; k < Frames; ++k)
         grey.push_back(greyFrame(k));
@@ -141,7 +141,7 @@ TEST(VideoFrameReader, TakesTimesFromAnMp4Container)
 {
     if (!haveTool(QStringLiteral("ffmpeg")))
         GTEST_SKIP() << "ffmpeg is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     std::vector<cv::Mat> colour;
     for (int k = 0; k < Frames; ++k)
         colour.push_back(colourFrame(k));
@@ -159,9 +159,9 @@ TEST(VideoFrameReader, TimesMpegProgramStreamFramesWithoutStatedCount)
 {
     if (!haveTool(QStringLiteral("ffmpeg")))
         GTEST_SKIP() << "ffmpeg is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     const QString video = dir.file(QStringLiteral("clip.mpeg"));
-    const testing::ToolRun run = runTool(
+    const test::ToolRun run = runTool(
         QStringLiteral("ffmpeg"), {"-v", "error", "-y", "-f", "lavfi", "-i", "testsrc=size=64x48:rate=25",
                                    "-frames:v", "37", "-c:v", "mpeg2video", "-q:v", "2", video});
     ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
@@ -184,7 +184,7 @@ TEST(VideoFrameReader, ReportsTruncatedAndUnreadableFiles)
 {
     if (!haveTool(QStringLiteral("ffmpeg")))
         GTEST_SKIP() << "ffmpeg is not installed";
-    testing::TempDir dir;
+    test::TempDir dir;
     std::vector<cv::Mat> colour;
     for (int k = 0; k < Frames; ++k)
         colour.push_back(colourFrame(k));
@@ -209,7 +209,7 @@ TEST(VideoFrameReader, ReportsTruncatedAndUnreadableFiles)
     EXPECT_EQ(stamps.times.size(), frames.size());
 
     const QString text = dir.file(QStringLiteral("notes.avi"));
-    testing::writeText(text, "this is not a video");
+    test::writeText(text, "this is not a video");
     EXPECT_TRUE(
         reader.open(VideoFrameReaderConfig{text}).error.contains(QStringLiteral("could not be opened")));
     EXPECT_TRUE(reader.open(VideoFrameReaderConfig{dir.file(QStringLiteral("missing.avi"))})
