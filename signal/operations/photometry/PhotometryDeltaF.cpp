@@ -2,7 +2,7 @@
 
 #include "definitions/SignalOperationDefinitions.h"
 #include "signal/operations/SampleRate.h"
-#include "signal/operations/SubrangeFeedback.h"
+#include "framework/Feedback.h"
 #include "signal/operations/decimation/Decimation.h"
 #include "signal/operations/filter/FilterDesign.h"
 #include "signal/operations/filter/ZeroPhaseFilter.h"
@@ -38,11 +38,11 @@ void setLabel(Feedback* feedback, const QString& label)
 KernelOutcome forBoth(Signal& isosbestic, Signal& biosensor, Feedback* feedback,
                       const std::function<KernelOutcome(Signal&, Feedback*)>& stage)
 {
-    SubrangeFeedback first(feedback, 0, 50);
+    ScaledFeedback first(feedback, 0, 50);
     const KernelOutcome outcome = stage(isosbestic, feedback ? &first : nullptr);
     if (!outcome.ok())
         return outcome;
-    SubrangeFeedback second(feedback, 50, 100);
+    ScaledFeedback second(feedback, 50, 100);
     return stage(biosensor, feedback ? &second : nullptr);
 }
 
@@ -112,12 +112,12 @@ KernelOutcome smooth(Signal& s, const PhotometryDeltaF::Config& config, Feedback
 KernelOutcome subtractSlope(Signal& s, const SlopeBaseline::Config& config, std::vector<double>& slope,
                             Feedback* feedback)
 {
-    SubrangeFeedback baselinePart(feedback, 0, 90);
+    ScaledFeedback baselinePart(feedback, 0, 90);
     VectorResult baseline =
         SlopeBaseline::compute(config, s.values, s.time, feedback ? &baselinePart : nullptr);
     if (!baseline.outcome.ok())
         return baseline.outcome;
-    SubrangeFeedback subtractPart(feedback, 90, 100);
+    ScaledFeedback subtractPart(feedback, 90, 100);
     ProgressTracker progress(feedback ? &subtractPart : nullptr, s.values.size());
     for (std::size_t start = 0; start < s.values.size(); start += BlockSize) {
         if (progress.isCanceled())
