@@ -120,12 +120,22 @@ public:
     QString lastError() const { return m_lastError; }
 
 protected:
+    /// Switches off HDF5's printing of its error stack for the calling thread. The
+    /// thread-safe library keeps that setting per thread, so every entry point that
+    /// may run on a new thread calls this (it is cheap after the first call).
+    static void silenceLibraryErrors();
+    /// A file, group or dataset identifier that is still open; otherwise sets lastError().
+    bool isValidLocation(hid_t location) const;
     bool isValidDataset(hid_t dataset) const;
     bool checkReadable(hid_t dataset, const std::vector<hsize_t>& count, std::size_t elementBytes,
                        hsize_t& elements);
     bool readRaw(hid_t dataset, ElementKind kind, const std::vector<hsize_t>& start,
                  const std::vector<hsize_t>& count, void* out);
     void setError(const QString& text) const { m_lastError = text; }
+    /// Sets text as lastError(), followed by the library's own reason when it gave one.
+    void setLibraryError(const QString& text) const;
+    /// The path of an open object inside its file, for messages.
+    static QString pathOf(hid_t object);
     /// Converts a path to the UTF-8 bytes the library expects for object names.
     static QByteArray objectName(const QString& path) { return path.toUtf8(); }
 

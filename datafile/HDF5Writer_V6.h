@@ -58,7 +58,9 @@ public:
 
     /// Replaces any attribute of that name. QString, int/bool (32-bit), qlonglong
     /// (64-bit), double/float (64-bit float), QStringList, QVariantList of numbers or
-    /// strings, QList<int> and QList<double>; other kinds write nothing and fail.
+    /// strings, QList<int>, QList<qlonglong> and QList<double>; other kinds write
+    /// nothing, fail and leave an existing attribute untouched. An empty list is
+    /// written as a 1-D attribute of 0 elements.
     bool writeAttribute(hid_t location, const QString& name, const QVariant& value);
     bool deleteAttribute(hid_t location, const QString& name);
     bool renameAttribute(hid_t location, const QString& oldName, const QString& newName);

@@ -1,14 +1,19 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace zarvi {
 
-/// Holds the names and parameter keys of the signal operations.
-/// Keys are never translated. Constants only, safe from any thread.
+/// Holds the names, parameter keys, method names, labels and messages of the signal
+/// operations. Keys and method names are never translated; labels and messages go
+/// through tr. Constants only, safe from any thread.
 class SignalOperationDefinitions
 {
+    Q_DECLARE_TR_FUNCTIONS(SignalOperationDefinitions)
+
 public:
+    // Output names.
     static inline const QString AlignedSignals = QStringLiteral("AlignedSignals");
     static inline const QString ArithmeticSignals = QStringLiteral("ArithmeticSignals");
     static inline const QString ArtifactCorrectedSignals = QStringLiteral("ArtifactCorrectedSignals");
@@ -23,6 +28,209 @@ public:
     static inline const QString SplitSignals = QStringLiteral("SplitSignals");
     static inline const QString StandardizedSignals = QStringLiteral("StandardizedSignals");
     static inline const QString ROISignalsOutput = QStringLiteral("ROISignals");
+
+    // Operation names (the value of "Operations").
+    static inline const QString Filter = QStringLiteral("Filter");
+    static inline const QString SmoothSignals = QStringLiteral("Smooth Signals");
+    static inline const QString Decimation = QStringLiteral("Decimation");
+    static inline const QString PhotometryDeltaF = QStringLiteral("Photometry deltaF/F");
+
+    // Filter parameter keys.
+    static inline const QString FilterType = QStringLiteral("FilterType");
+    static inline const QString LowCutoffFrequency = QStringLiteral("LowCutoffFrequency");
+    static inline const QString HighCutoffFrequency = QStringLiteral("HighCutoffFrequency");
+    static inline const QString FilterName = QStringLiteral("FilterName");
+
+    // Filter types and families.
+    static inline const QString LowPass = QStringLiteral("LowPass");
+    static inline const QString HighPass = QStringLiteral("HighPass");
+    static inline const QString BandPass = QStringLiteral("BandPass");
+    static inline const QString BandStop = QStringLiteral("BandStop");
+    static inline const QString Butterworth = QStringLiteral("Butterworth");
+    static inline const QString Bessel = QStringLiteral("Bessel");
+    static inline const QString ChebyshevI = QStringLiteral("ChebyshevI");
+    static inline const QString ChebyshevII = QStringLiteral("ChebyshevII");
+
+    // Smoothing and decimation parameter keys.
+    static inline const QString SmoothMethod = QStringLiteral("SmoothMethod");
+    static inline const QString SmoothTimeFrame = QStringLiteral("SmoothTimeFrame(sec)");
+    static inline const QString SmoothFrequency = QStringLiteral("SmoothFrequency(Hz)");
+    static inline const QString DecimationFactor = QStringLiteral("DecimationFactor");
+
+    // ΔF/F parameter keys.
+    static inline const QString IsosbesticName = QStringLiteral("IsosbesticName");
+    static inline const QString BiosensorName = QStringLiteral("BiosensorName");
+    static inline const QString DiscardStart = QStringLiteral("DiscardStart(sec)");
+    static inline const QString DiscardEnd = QStringLiteral("DiscardEnd(sec)");
+    static inline const QString RemoveSlopeMethod = QStringLiteral("RemoveSlopeMethod");
+    static inline const QString SlopeLambda = QStringLiteral("SlopeLambda");
+    static inline const QString SlopeRatio = QStringLiteral("SlopeRatio");
+    static inline const QString SlopeTimeWindow = QStringLiteral("SlopeTimeWindow(sec)");
+    static inline const QString SlopeOrder = QStringLiteral("SlopeOrder");
+    static inline const QString StandardizeMethod = QStringLiteral("StandardizeMethod");
+    static inline const QString ResidualThreshold = QStringLiteral("ResidualThreshold");
+
+    // Method names. "Running Average" names both a smoothing and a slope method.
+    static inline const QString RunningAverage = QStringLiteral("Running Average");
+    static inline const QString LowPassButterworthFilter = QStringLiteral("Low-pass Butterworth Filter");
+    static inline const QString Arpls = QStringLiteral("arPLS");
+    static inline const QString Polynomial = QStringLiteral("Polynomial");
+    static inline const QString StandardZScore = QStringLiteral("Standard Z Score");
+    static inline const QString ModifiedZScore = QStringLiteral("Modified Z Score");
+
+    // Progress labels.
+    static QString applyingFilterLabel() { return tr("Applying filter..."); }
+    static QString calculatingFilterResponseLabel() { return tr("Calculating filter response..."); }
+    static QString decimatingSignalLabel() { return tr("Decimating signal..."); }
+    static QString discardingBeginningLabel() { return tr("Discarding the beginning of the signals..."); }
+    static QString discardingEndLabel() { return tr("Discarding the end of the signals..."); }
+    static QString smoothingSignalsLabel() { return tr("Smoothing signals..."); }
+    static QString removingSlopeLabel() { return tr("Removing slope..."); }
+    static QString fittingSignalsLabel() { return tr("Fitting signals..."); }
+    static QString calculatingFittedIsosbesticLabel()
+    {
+        return tr("Calculating fitted isosbestic signal...");
+    }
+    static QString calculatingRegressionLineLabel() { return tr("Calculating regression line..."); }
+
+    // Plot axes, curves and series.
+    static QString frequencyAxisLabel() { return tr("Frequency (Hz)"); }
+    static QString amplitudeAxisLabel() { return tr("Amplitude (dB)"); }
+    static QString signalFftLabel() { return tr("Signal FFT"); }
+    static QString filterResponseLabel() { return tr("Filter Respone"); }
+    static QString filteredSignalLabel() { return tr("Filtered Signal"); }
+    static QString smoothedSignalLabel() { return tr("Smoothed Signal"); }
+    static QString decimatedSignalLabel() { return tr("Decimated Signal"); }
+    static QString isosbesticLabel() { return tr("Isosbestic"); }
+    static QString biosensorLabel() { return tr("Biosensor"); }
+    static QString biosensorZScoreLabel() { return tr("Biosensor (z-score)"); }
+    static QString isosbesticFittedLabel() { return tr("Isosbestic (fitted)"); }
+    static QString slopeLabel() { return tr("Slope"); }
+    static QString inliersLabel() { return tr("Inliers"); }
+    static QString outliersLabel() { return tr("Outliers"); }
+
+    // Tooltips.
+    static QString decimationFactorTooltip()
+    {
+        return tr("Decimation factor is the integer factor (M) by which the sampling rate is reduced. For "
+                  "example, if the decimation factor is M, the operation keeps only M<sup>th</sup> sample.");
+    }
+    static QString isosbesticNameTooltip()
+    {
+        return tr("Select the sensor used for recording isosbestic fluorescence signals.");
+    }
+    static QString biosensorNameTooltip()
+    {
+        return tr("Select the sensor used for recording biosensor fluorescence signals.");
+    }
+    static QString discardStartTooltip()
+    {
+        return tr("Set time frame that is removed from the beginning of the signals.");
+    }
+    static QString discardEndTooltip()
+    {
+        return tr("Set time frame (negative value) that is removed from the end of the signals.");
+    }
+    static QString slopeOrderTooltip()
+    {
+        return tr("Parameter for polynomial fit. It indicates the highest power of the variable in the "
+                  "polynomial equation.");
+    }
+    static QString standardizeTooltip()
+    {
+        return tr("If checked, signals are standirdized before fitting. Strongly recommended.");
+    }
+    static QString previewSignalTooltip() { return tr("Select name of biosensor signal for preview."); }
+    static QString previewPlotsTooltip()
+    {
+        return tr("The <i>top two plots</i> show isosbestic and biosensor signals, raw data, or decimated "
+                  "and/or smoothed if decimation and/or smoothing were selected.<br>The blue lines "
+                  "represent slopes ");
+    }
+
+    // Validation and failure messages.
+    static QString lowAboveNyquistMessage()
+    {
+        return tr("*Low value must be less than half of the sample rate.");
+    }
+    static QString highAboveNyquistMessage()
+    {
+        return tr("*High value must be less than half of the sample rate.");
+    }
+    static QString lowNotBelowHighMessage() { return tr("*Low value must be lower than high value."); }
+    static QString wrongFilterFrequenciesMessage() { return tr("Wrong low-high filter frequencies."); }
+    static QString smoothingCutoffTooHighMessage()
+    {
+        return tr(
+            "*The Cutoff Frequency of the %1 operation must be less than half of the sample rate of the "
+            "decimated signals. Otherwise, %1 operation won't be executed.");
+    }
+    static QString badDecimationFactorMessage() { return tr("Bad value for decimation factor."); }
+    static QString parameterMissingMessage() { return tr("Parameter <b>%1</b> is missing."); }
+    static QString matchingSignalsNotFoundMessage()
+    {
+        return tr("Matching signals from sensors <b>%1</b> and <b>%2</b> were not found in the file.");
+    }
+    static QString notFiberPhotometryTitle() { return tr("Error Not Fiber Photometry"); }
+    static QString notFiberPhotometryMessage()
+    {
+        return tr("The operation is designed for fiber photometry recordings that contain 2 channels "
+                  "(isosbestic and biosensor signals). Load a different file or make sure to load all "
+                  "signals from file.");
+    }
+    static QString noIsosbesticSignalTitle() { return tr("Error No Isosbestic Signal"); }
+    static QString noIsosbesticSignalMessage()
+    {
+        return tr("For the selected signal %1, isosbestic signal was not found. Load all data or select "
+                  "different signal.");
+    }
+
+    // Messages of the kernels themselves.
+    static QString unknownFilterTypeMessage() { return tr("Error: unknown filter type <b>%1</b>."); }
+    static QString windowTooShortMessage()
+    {
+        return tr("Error: the averaging window is shorter than one sample.");
+    }
+    static QString lineFitTooFewSamplesMessage()
+    {
+        return tr("Error: the line fit needs at least two samples of each signal.");
+    }
+    static QString lineFitConstantSignalMessage()
+    {
+        return tr("Error: the line fit cannot use a constant isosbestic or biosensor signal.");
+    }
+    static QString lineFitNoPairMessage()
+    {
+        return tr("Error: no pair of samples gives a line with a non-negative slope; the signals cannot be "
+                  "fitted.");
+    }
+    static QString badArplsParametersMessage()
+    {
+        return tr("Error: arPLS needs a positive smoothness (lambda) and a positive convergence ratio.");
+    }
+    static QString valuesTimeMismatchMessage()
+    {
+        return tr("Error: the values and the time vector of a signal have different lengths.");
+    }
+    static QString unknownSlopeMethodMessage() { return tr("Error: unknown slope method <b>%1</b>."); }
+    static QString badSlopeOrderMessage()
+    {
+        return tr("Error: the polynomial order <b>%1</b> needs more samples than the signal holds.");
+    }
+    static QString unknownStandardizeMethodMessage()
+    {
+        return tr("Error: unknown standardization method <b>%1</b>.");
+    }
+    static QString constantSignalStandardizeMessage()
+    {
+        return tr("Error: a signal without spread cannot be standardized.");
+    }
+    static QString signalLengthMismatchMessage()
+    {
+        return tr("Error: the isosbestic signal has <b>%1</b> samples and the biosensor signal <b>%2</b>; "
+                  "they must have the same length.");
+    }
+    static QString emptySignalMessage() { return tr("Error: a signal has no samples left to process."); }
 };
 
 } // namespace zarvi

@@ -11,9 +11,9 @@ OperationRegistry::OperationRegistry()
     registerBuiltInOperations(*this);
 }
 
-const OperationRegistry& OperationRegistry::instance()
+OperationRegistry& OperationRegistry::instance()
 {
-    static const OperationRegistry registry;
+    static OperationRegistry registry;
     return registry;
 }
 

@@ -20,6 +20,7 @@ enum class OperationFamily
 {
     Signal,
     Image,
+    VoluImages,
     Analysis,
     FileEditor
 };
@@ -35,12 +36,13 @@ struct OperationDescriptor
 };
 
 /// Every operation the program offers, declared once and used by the dialogs,
-/// the command-line runner and saved pipelines alike. Filled on first use;
-/// read-only afterwards, so safe from any thread.
+/// the command-line runner and saved pipelines alike. Filled on first use and
+/// read-only once runs start, so safe from any thread then.
 class OperationRegistry
 {
 public:
-    static const OperationRegistry& instance();
+    /// The registry, with the built-in operations; more may be added at start-up, before any run.
+    static OperationRegistry& instance();
 
     const OperationDescriptor* find(const QString& name) const;
     QStringList names(OperationFamily family) const;

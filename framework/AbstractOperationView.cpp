@@ -1,0 +1,139 @@
+#include "framework/AbstractOperationView.h"
+
+#include "definitions/FileDefinitions.h"
+#include "definitions/ZarviMainDefinitions.h"
+#include "framework/AbstractOperationProcess.h"
+#include "framework/OperationRegistry.h"
+
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QThread>
+
+namespace zarvi {
+
+namespace {
+
+void showMessageBox(const QString& title, const QString& message, const QString& details, int icon)
+{
+    QMessageBox box(static_cast<QMessageBox::Icon>(icon), title, message, QMessageBox::Ok);
+    box.setTextFormat(Qt::RichText);
+    if (!details.isEmpty())
+        box.setDetailedText(details);
+    box.exec();
+}
+
+} // namespace
+
+AbstractOperationView::AbstractOperationView(const QString& operationName, QWidget* parent)
+    : QWidget(parent), m_operationName(operationName), m_presentMessage(showMessageBox)
+{
+    m_progressDialog = std::make_shared<QProgressDialog>();
+    m_progressDialog->setWindowTitle(ZarviMainDefinitions::progressTitle());
+    m_progressDialog->setWindowModality(Qt::ApplicationModal);
+    m_progressDialog->setMinimumDuration(0);
+    m_progressDialog->setAutoClose(false);
+    m_progressDialog->setAutoReset(false);
+    m_progressDialog->setRange(0, 100);
+    // Created closed: stop the dialog's own show timer until a run starts.
+    m_progressDialog->reset();
+    m_progressDialog->hide();
+    connect(m_progressDialog.get(), &QProgressDialog::canceled, this, [this] {
+        if (!m_running)
+            return;
+        m_cancelRequested = true;
+        emit sendCancelProcess();
+    });
+}
+
+AbstractOperationView::~AbstractOperationView()
+{
+    if (m_thread && m_thread->isRunning() && !m_thread->isInterruptionRequested()) {
+        m_thread->requestInterruption();
+        m_thread->quit();
+        m_thread->wait();
+    }
+    m_thread.reset();
+    m_process.reset();
+    m_progressDialog.reset();
+}
+
+void AbstractOperationView::setupProcess(const QString& filepath, const QStringList& datapaths)
+{
+    m_filepath = filepath;
+    m_datapaths = datapaths;
+    if (m_process)
+        return;
+    const OperationDescriptor* descriptor = OperationRegistry::instance().find(m_operationName);
+    if (!descriptor)
+        return;
+    m_process = descriptor->createProcess();
+    m_thread = std::make_shared<QThread>();
+    m_process->moveToThread(m_thread.get());
+    m_thread->start(QThread::InheritPriority);
+
+    AbstractOperationProcess* process = m_process.get();
+    connect(this, &AbstractOperationView::sendStartProcess, process,
+            &AbstractOperationProcess::onStartProcessRequested, Qt::QueuedConnection);
+    // The worker is busy for the whole run, so a queued cancel would arrive only
+    // after it; the slot merely raises an atomic flag and is safe to call directly.
+    connect(this, &AbstractOperationView::sendCancelProcess, process,
+            &AbstractOperationProcess::onCancelProcessRequested, Qt::DirectConnection);
+    connect(process, &AbstractOperationProcess::sendProgressToView, this,
+            &AbstractOperationView::onProgressReceived, Qt::QueuedConnection);
+    connect(process, &AbstractOperationProcess::sendMessageToView, this,
+            &AbstractOperationView::onMessageReceived, Qt::QueuedConnection);
+    connect(process, &AbstractOperationProcess::sendProcessFinished, this,
+            &AbstractOperationView::onProcessFinished, Qt::QueuedConnection);
+    connect(process, &AbstractOperationProcess::sendProgressLabelToView, this,
+            &AbstractOperationView::onProgressLabelReceived, Qt::QueuedConnection);
+}
+
+bool AbstractOperationView::run()
+{
+    if (m_running || !m_process)
+        return false;
+    QVariantMap parameters;
+    if (!buildParameters(parameters))
+        return false;
+    parameters.insert(FileDefinitions::Operations, m_operationName);
+    parameters.insert(FileDefinitions::Filepath, m_filepath);
+    parameters.insert(FileDefinitions::SourceDatapaths, m_datapaths);
+    m_running = true;
+    m_cancelRequested = false;
+    m_progressDialog->setLabelText(QString());
+    m_progressDialog->setValue(0);
+    m_progressDialog->show();
+    emit sendStartProcess(parameters);
+    return true;
+}
+
+void AbstractOperationView::onProgressReceived(int progress, bool setApplicationModal)
+{
+    m_progressDialog->setWindowModality(setApplicationModal ? Qt::ApplicationModal : Qt::NonModal);
+    m_progressDialog->setValue(progress);
+    emit sendProgress(progress, setApplicationModal);
+}
+
+void AbstractOperationView::onProgressLabelReceived(const QString& label)
+{
+    m_progressDialog->setLabelText(label);
+}
+
+void AbstractOperationView::onMessageReceived(const QString& title, const QString& message, const QString& details,
+                                              int icon)
+{
+    m_presentMessage(title, message, details, icon);
+}
+
+void AbstractOperationView::onProcessFinished(const QString& filepath, const QStringList& datapaths,
+                                              const QStringList& errors)
+{
+    m_running = false;
+    m_progressDialog->hide();
+    if (!errors.isEmpty() && !m_cancelRequested)
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), errors.join(QStringLiteral("<br>")), QString(),
+                         QMessageBox::Critical);
+    emit sendProcessFinished(filepath, datapaths, errors);
+}
+
+} // namespace zarvi

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <QStringList>
+#include <QVariantMap>
+#include <QWidget>
+
+#include <functional>
+#include <memory>
+
+class QProgressDialog;
+class QThread;
+
+namespace zarvi {
+
+class AbstractOperationProcess;
+
+/// The parameter half of an operation, on the GUI thread inside its dialog. It
+/// owns its process, the worker thread the process lives on and the progress
+/// dialog (all through shared pointers), turns its widgets into a parameter map,
+/// and talks to the process only through signals. Destroying the view while a
+/// run is under way interrupts the worker and waits for it.
+class AbstractOperationView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Shows a message box; tests replace it to collect the texts instead.
+    using MessagePresenter =
+        std::function<void(const QString& title, const QString& message, const QString& details, int icon)>;
+
+    AbstractOperationView(const QString& operationName, QWidget* parent = nullptr);
+    ~AbstractOperationView() override;
+
+    QString operationName() const { return m_operationName; }
+    /// Creates the process on a new worker thread; the view works on `datapaths` of `filepath`.
+    void setupProcess(const QString& filepath, const QStringList& datapaths);
+    QString filepath() const { return m_filepath; }
+    QStringList datapaths() const { return m_datapaths; }
+    bool isRunning() const { return m_running; }
+    QProgressDialog* progressDialog() const { return m_progressDialog.get(); }
+    void setMessagePresenter(MessagePresenter presenter) { m_presentMessage = std::move(presenter); }
+
+    /// Validates the widgets, builds the parameter map and starts the run.
+    /// False when validation refused (the reason is shown beside the fields).
+    bool run();
+
+signals:
+    void sendStartProcess(const QVariantMap& parameters);
+    void sendCancelProcess();
+    void sendProgress(int progress, bool setApplicationModal);
+    void sendProcessFinished(const QString& filepath, const QStringList& datapaths, const QStringList& errors);
+    void sendAskToCloseAllDatasets();
+
+public slots:
+    void onProgressReceived(int progress, bool setApplicationModal);
+    void onMessageReceived(const QString& title, const QString& message, const QString& details, int icon);
+    void onProcessFinished(const QString& filepath, const QStringList& datapaths, const QStringList& errors);
+
+protected:
+    /// Fills the operation's own keys ("Operations" is added by the view); false
+    /// when a field is invalid, after showing why beside it.
+    virtual bool buildParameters(QVariantMap& parameters) = 0;
+
+private:
+    void onProgressLabelReceived(const QString& label);
+
+    QString m_operationName;
+    QString m_filepath;
+    QStringList m_datapaths;
+    std::shared_ptr<AbstractOperationProcess> m_process;
+    std::shared_ptr<QThread> m_thread;
+    std::shared_ptr<QProgressDialog> m_progressDialog;
+    MessagePresenter m_presentMessage;
+    bool m_running = false;
+    bool m_cancelRequested = false;
+};
+
+} // namespace zarvi

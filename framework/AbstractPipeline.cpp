@@ -1,0 +1,141 @@
+#include "framework/AbstractPipeline.h"
+
+#include "definitions/ZarviMainDefinitions.h"
+#include "framework/AbstractOperationView.h"
+#include "framework/OperationDialog.h"
+#include "framework/OperationViewFactory.h"
+#include "framework/PipelineFile.h"
+
+#include <QFileDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace zarvi {
+
+AbstractPipeline::AbstractPipeline(OperationFamily family, QWidget* parent) : QWidget(parent), m_family(family) {}
+
+AbstractPipeline::~AbstractPipeline() = default;
+
+void AbstractPipeline::buildOperationList()
+{
+    auto* layout = new QVBoxLayout(this);
+    m_selectionLabel = new QLabel(this);
+    m_selectionLabel->setWordWrap(true);
+    layout->addWidget(m_selectionLabel);
+    for (const QString& name : operationNames()) {
+        auto* button = new QPushButton(name, this);
+        button->setObjectName(QStringLiteral("pb_") + QString(name).remove(QLatin1Char(' ')).remove(QLatin1Char('/')));
+        button->setProperty("operation", name);
+        connect(button, &QPushButton::clicked, this, &AbstractPipeline::onOperationButtonClicked);
+        layout->addWidget(button);
+    }
+    auto* load = new QPushButton(tr("Load Pipeline..."), this);
+    load->setObjectName(QStringLiteral("pb_loadPipeline"));
+    connect(load, &QPushButton::clicked, this, &AbstractPipeline::onLoadPipelineClicked);
+    layout->addWidget(load);
+    layout->addStretch();
+}
+
+QStringList AbstractPipeline::operationNames() const
+{
+    return OperationRegistry::instance().names(m_family);
+}
+
+void AbstractPipeline::setData(const QString& filepath, const QStringList& datapaths)
+{
+    m_filepath = filepath;
+    m_datapaths = datapaths;
+    if (m_selectionLabel)
+        m_selectionLabel->setText(datapaths.isEmpty() ? tr("Select datasets to process.")
+                                                  : tr("%n dataset(s) selected.", nullptr, datapaths.size()));
+    setEnabled(!filepath.isEmpty());
+}
+
+OperationDialog* AbstractPipeline::createDialog(AbstractOperationView* view)
+{
+    return new OperationDialog(view, this);
+}
+
+OperationDialog* AbstractPipeline::openOperation(const QString& name)
+{
+    std::unique_ptr<AbstractOperationView> view = OperationViewFactory::create(name);
+    if (!view)
+        return nullptr;
+    view->setupProcess(m_filepath, m_datapaths);
+    connect(view.get(), &AbstractOperationView::sendProcessFinished, this, &AbstractPipeline::onPipelineFinished);
+    connect(view.get(), &AbstractOperationView::sendAskToCloseAllDatasets, this,
+            &AbstractPipeline::sendCloseAllDatasetsRequest);
+    OperationDialog* dialog = createDialog(view.release()); // the dialog's layout now owns the view
+    dialog->show();
+    return dialog;
+}
+
+void AbstractPipeline::onOperationButtonClicked()
+{
+    if (const QObject* button = sender())
+        openOperation(button->property("operation").toString());
+}
+
+void AbstractPipeline::onCancelPipelineReceived()
+{
+    if (m_runner)
+        m_runner->requestCancel();
+}
+
+void AbstractPipeline::onProgressReceived(int progress)
+{
+    if (m_pipelineProgress)
+        m_pipelineProgress->setValue(progress);
+}
+
+void AbstractPipeline::onLoadPipelineClicked()
+{
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Load Pipeline"), QString(), tr("Pipeline (*.json)"));
+    if (path.isEmpty())
+        return;
+    const RunResult result = runSavedPipeline(path);
+    if (!result.succeeded() && !result.canceled)
+        QMessageBox::critical(this, ZarviMainDefinitions::errorOperationTitle(),
+                              result.errors.join(QStringLiteral("<br>")));
+}
+
+RunResult AbstractPipeline::runSavedPipeline(const QString& path)
+{
+    RunResult result;
+    QList<QVariantMap> steps;
+    QString error;
+    if (!PipelineFile::read(path, steps, error)) {
+        result.errors << error;
+        return result;
+    }
+    m_runner = std::make_unique<OperationRunner>();
+    m_pipelineProgress = std::make_unique<QProgressDialog>();
+    m_pipelineProgress->setWindowTitle(ZarviMainDefinitions::pipelineProgressTitle());
+    m_pipelineProgress->setWindowModality(Qt::ApplicationModal);
+    m_pipelineProgress->setMinimumDuration(0);
+    m_pipelineProgress->setAutoClose(false);
+    m_pipelineProgress->setRange(0, 100);
+    connect(m_pipelineProgress.get(), &QProgressDialog::canceled, this, &AbstractPipeline::onCancelPipelineReceived);
+    m_runner->onProgress = [this](int progress) { onProgressReceived(progress); };
+    m_runner->onLabel = [this](const QString& label) { m_pipelineProgress->setLabelText(label); };
+    m_pipelineProgress->show();
+    result = m_runner->runPipeline(steps, m_filepath, m_datapaths);
+    m_pipelineProgress.reset();
+    m_runner.reset();
+    onPipelineFinished(result.filepath, result.datapaths, result.errors);
+    return result;
+}
+
+void AbstractPipeline::onPipelineFinished(const QString& processedFile, const QStringList& processedData,
+                                          const QStringList& errors)
+{
+    Q_UNUSED(errors);
+    // Even a failed run may have been rolled back after touching the file: re-read it.
+    emit sendOperationProcessFinished(processedFile, processedData);
+}
+
+} // namespace zarvi

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QDialog>
+
+class QPushButton;
+
+namespace zarvi {
+
+class AbstractOperationView;
+
+/// The window an operation's parameters are set in: its view above a "Run" and a
+/// "Close" button. Run is disabled while the operation runs. GUI thread; deletes
+/// itself when closed.
+class OperationDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    OperationDialog(AbstractOperationView* view, QWidget* parent = nullptr);
+    AbstractOperationView* view() const { return m_view; }
+
+private:
+    AbstractOperationView* m_view;
+    QPushButton* m_runButton;
+};
+
+/// Dialog of the signal operations.
+class SignalOperationDialog : public OperationDialog
+{
+    Q_OBJECT
+
+public:
+    using OperationDialog::OperationDialog;
+};
+
+/// Dialog of the analysis operations.
+class AnalysisOperationDialog : public OperationDialog
+{
+    Q_OBJECT
+
+public:
+    using OperationDialog::OperationDialog;
+};
+
+} // namespace zarvi

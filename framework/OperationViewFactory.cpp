@@ -1,0 +1,23 @@
+#include "framework/OperationViewFactory.h"
+
+#include "definitions/SignalOperationDefinitions.h"
+#include "framework/AbstractOperationView.h"
+#include "signal/operations/decimation/DecimationView.h"
+
+#include <functional>
+#include <map>
+
+namespace zarvi {
+
+std::unique_ptr<AbstractOperationView> OperationViewFactory::create(const QString& operationName)
+{
+    using SD = SignalOperationDefinitions;
+    using Maker = std::function<std::unique_ptr<AbstractOperationView>()>;
+    static const std::map<QString, Maker> makers{
+        {SD::Decimation, [] { return std::make_unique<DecimationView>(); }},
+    };
+    const auto it = makers.find(operationName);
+    return it == makers.end() ? nullptr : it->second();
+}
+
+} // namespace zarvi

@@ -1,0 +1,65 @@
+#include "signal/operations/filter/FilterDesign.h"
+
+#include "definitions/SignalOperationDefinitions.h"
+#include "signal/operations/SampleRate.h"
+
+#include <algorithm>
+
+namespace zarvi {
+
+using Defs = SignalOperationDefinitions;
+
+FilterDesign::Result FilterDesign::design(const QString& filterType, std::span<const double> cutoffs,
+                                          double sampleRate, std::span<const double> time)
+{
+    const std::optional<FilterKind> kind = kindFromName(filterType);
+    if (!kind)
+        return {Butterworth{}, KernelOutcome::failed(Defs::unknownFilterTypeMessage().arg(filterType))};
+
+    const double rate = sampleRate == RateFromTime ? sampleRateOf(time) : sampleRate;
+    const KernelOutcome wrong = KernelOutcome::failed(Defs::wrongFilterFrequenciesMessage());
+    Result result{Butterworth(*kind), KernelOutcome::completed()};
+    if (cutoffs.empty())
+        return {result.filter, wrong};
+    const bool outside = std::any_of(cutoffs.begin(), cutoffs.end(),
+                                     [rate](double f) { return !(f > 0.0 && f < rate / 2.0); });
+    if (outside)
+        return {result.filter, wrong};
+
+    bool designed = false;
+    if (*kind == FilterKind::LowPass || *kind == FilterKind::HighPass) {
+        designed = result.filter.setup(rate, cutoffs.back());
+    } else {
+        const double low = cutoffs.front();
+        const double high = cutoffs.back();
+        designed = low < high && result.filter.setup(rate, (low + high) / 2.0, high - low);
+    }
+    if (!designed)
+        result.outcome = wrong;
+    return result;
+}
+
+std::vector<double> FilterDesign::cutoffsFromParameters(const QVariantMap& parameters)
+{
+    std::vector<double> cutoffs;
+    for (const QString& key : {Defs::LowCutoffFrequency, Defs::HighCutoffFrequency}) {
+        if (parameters.contains(key))
+            cutoffs.push_back(parameters.value(key).toDouble());
+    }
+    return cutoffs;
+}
+
+std::optional<FilterKind> FilterDesign::kindFromName(const QString& filterType)
+{
+    if (filterType == Defs::LowPass)
+        return FilterKind::LowPass;
+    if (filterType == Defs::HighPass)
+        return FilterKind::HighPass;
+    if (filterType == Defs::BandPass)
+        return FilterKind::BandPass;
+    if (filterType == Defs::BandStop)
+        return FilterKind::BandStop;
+    return std::nullopt;
+}
+
+} // namespace zarvi

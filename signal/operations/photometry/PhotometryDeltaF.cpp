@@ -1,0 +1,258 @@
+#include "signal/operations/photometry/PhotometryDeltaF.h"
+
+#include "definitions/SignalOperationDefinitions.h"
+#include "signal/operations/SampleRate.h"
+#include "signal/operations/SubrangeFeedback.h"
+#include "signal/operations/decimation/Decimation.h"
+#include "signal/operations/filter/FilterDesign.h"
+#include "signal/operations/filter/ZeroPhaseFilter.h"
+#include "signal/operations/smooth/RunningAverage.h"
+#include "signal/operations/standardize/ZScore.h"
+
+#include <algorithm>
+#include <array>
+#include <functional>
+
+namespace zarvi {
+
+namespace {
+
+using Defs = SignalOperationDefinitions;
+using Signal = PhotometryDeltaF::Signal;
+constexpr std::size_t BlockSize = std::size_t{1} << 16;
+
+/// A parameter counts as given when it is present and not an empty text.
+bool given(const QVariantMap& parameters, const QString& key)
+{
+    return parameters.contains(key) && !parameters.value(key).toString().isEmpty();
+}
+
+void setLabel(Feedback* feedback, const QString& label)
+{
+    if (feedback)
+        feedback->setLabel(label);
+}
+
+/// Runs one stage on both signals, the isosbestic filling the first half of the
+/// progress bar and the biosensor the second; stops at the first failure.
+KernelOutcome forBoth(Signal& isosbestic, Signal& biosensor, Feedback* feedback,
+                      const std::function<KernelOutcome(Signal&, Feedback*)>& stage)
+{
+    SubrangeFeedback first(feedback, 0, 50);
+    const KernelOutcome outcome = stage(isosbestic, feedback ? &first : nullptr);
+    if (!outcome.ok())
+        return outcome;
+    SubrangeFeedback second(feedback, 50, 100);
+    return stage(biosensor, feedback ? &second : nullptr);
+}
+
+void eraseFront(Signal& s, std::size_t count)
+{
+    s.values.erase(s.values.begin(), s.values.begin() + count);
+    s.time.erase(s.time.begin(), s.time.begin() + count);
+}
+
+void keepFront(Signal& s, std::size_t count)
+{
+    s.values.resize(count);
+    s.time.resize(count);
+}
+
+/// Removes the samples less than `seconds` after the first one.
+KernelOutcome discardStart(Signal& s, double seconds, Feedback* feedback)
+{
+    if (feedback && feedback->isCanceled())
+        return KernelOutcome::cancelled();
+    if (!s.time.empty()) {
+        const auto first = std::lower_bound(s.time.begin(), s.time.end(), s.time.front() + seconds);
+        eraseFront(s, static_cast<std::size_t>(first - s.time.begin()));
+    }
+    return KernelOutcome::completed();
+}
+
+/// Removes the samples later than the last time plus `seconds` (a negative offset).
+KernelOutcome discardEnd(Signal& s, double seconds, Feedback* feedback)
+{
+    if (feedback && feedback->isCanceled())
+        return KernelOutcome::cancelled();
+    if (!s.time.empty()) {
+        const auto end = std::upper_bound(s.time.begin(), s.time.end(), s.time.back() + seconds);
+        keepFront(s, static_cast<std::size_t>(end - s.time.begin()));
+    }
+    return KernelOutcome::completed();
+}
+
+KernelOutcome decimate(Signal& s, int factor, Feedback* feedback)
+{
+    Decimation::Result kept = Decimation::apply(s.values, s.time, factor, feedback);
+    if (kept.outcome.ok()) {
+        s.values = std::move(kept.values);
+        s.time = std::move(kept.time);
+    }
+    return kept.outcome;
+}
+
+KernelOutcome smooth(Signal& s, const PhotometryDeltaF::Config& config, Feedback* feedback)
+{
+    if (config.smoothMethod == Defs::RunningAverage) {
+        VectorResult smoothed = RunningAverage::compute(s.values, s.time, config.smoothTimeFrame, feedback);
+        if (smoothed.outcome.ok())
+            s.values = std::move(smoothed.values);
+        return smoothed.outcome;
+    }
+    const std::array<double, 1> cutoff{config.smoothFrequency};
+    FilterDesign::Result design =
+        FilterDesign::design(Defs::LowPass, cutoff, FilterDesign::RateFromTime, s.time);
+    if (!design.outcome.ok())
+        return design.outcome;
+    return ZeroPhaseFilter::apply(design.filter, s.values, feedback);
+}
+
+/// Subtracts the slope of the chosen method and keeps it in `slope`.
+KernelOutcome subtractSlope(Signal& s, const SlopeBaseline::Config& config, std::vector<double>& slope,
+                            Feedback* feedback)
+{
+    SubrangeFeedback baselinePart(feedback, 0, 90);
+    VectorResult baseline =
+        SlopeBaseline::compute(config, s.values, s.time, feedback ? &baselinePart : nullptr);
+    if (!baseline.outcome.ok())
+        return baseline.outcome;
+    SubrangeFeedback subtractPart(feedback, 90, 100);
+    ProgressTracker progress(feedback ? &subtractPart : nullptr, s.values.size());
+    for (std::size_t start = 0; start < s.values.size(); start += BlockSize) {
+        if (progress.isCanceled())
+            return KernelOutcome::cancelled();
+        const std::size_t end = std::min(start + BlockSize, s.values.size());
+        for (std::size_t i = start; i < end; ++i)
+            s.values[i] -= baseline.values[i];
+        progress.update(end);
+    }
+    slope = std::move(baseline.values);
+    return KernelOutcome::completed();
+}
+
+PhotometryDeltaF::Result failure(KernelOutcome outcome)
+{
+    PhotometryDeltaF::Result result;
+    result.outcome = std::move(outcome);
+    return result;
+}
+
+} // namespace
+
+PhotometryDeltaF::Config PhotometryDeltaF::Config::fromParameters(const QVariantMap& parameters)
+{
+    Config config;
+    if (given(parameters, Defs::DiscardStart))
+        config.discardStart = parameters.value(Defs::DiscardStart).toDouble();
+    if (given(parameters, Defs::DiscardEnd))
+        config.discardEnd = parameters.value(Defs::DiscardEnd).toDouble();
+    config.decimationFactor = parameters.value(Defs::DecimationFactor).toInt();
+    config.smoothMethod = parameters.value(Defs::SmoothMethod).toString();
+    config.smoothTimeFrame = parameters.value(Defs::SmoothTimeFrame).toDouble();
+    config.smoothFrequency = parameters.value(Defs::SmoothFrequency).toDouble();
+    config.slope.method = parameters.value(Defs::RemoveSlopeMethod).toString();
+    config.slope.lambda = parameters.value(Defs::SlopeLambda).toDouble();
+    config.slope.ratio = parameters.value(Defs::SlopeRatio).toDouble();
+    config.slope.timeWindow = parameters.value(Defs::SlopeTimeWindow).toDouble();
+    config.slope.order = parameters.value(Defs::SlopeOrder).toInt();
+    config.standardizeMethod = parameters.value(Defs::StandardizeMethod).toString();
+    config.residualThreshold = parameters.value(Defs::ResidualThreshold).toDouble();
+    return config;
+}
+
+PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal isosbestic, Signal biosensor,
+                                                   Feedback* feedback)
+{
+    for (const Signal* s : {&isosbestic, &biosensor}) {
+        if (s->values.size() != s->time.size())
+            return failure(KernelOutcome::failed(Defs::valuesTimeMismatchMessage()));
+    }
+    KernelOutcome outcome;
+    // Runs a stage on both signals under its progress label (none when empty).
+    const auto run = [&](const QString& label, const auto& stage) {
+        if (!label.isEmpty())
+            setLabel(feedback, label);
+        outcome = forBoth(isosbestic, biosensor, feedback, stage);
+        return outcome.ok();
+    };
+
+    if (config.discardStart && !run(Defs::discardingBeginningLabel(), [&](Signal& s, Feedback* f) {
+            return discardStart(s, *config.discardStart, f);
+        }))
+        return failure(outcome);
+    if (config.discardEnd && !run(Defs::discardingEndLabel(), [&](Signal& s, Feedback* f) {
+            return discardEnd(s, *config.discardEnd, f);
+        }))
+        return failure(outcome);
+    if (isosbestic.values.empty() || biosensor.values.empty())
+        return failure(KernelOutcome::failed(Defs::emptySignalMessage()));
+
+    if (config.decimationFactor != 0 && !run(Defs::decimatingSignalLabel(), [&](Signal& s, Feedback* f) {
+            return decimate(s, config.decimationFactor, f);
+        }))
+        return failure(outcome);
+
+    Result result;
+    const bool lowPass = config.smoothMethod == Defs::LowPassButterworthFilter;
+    const bool smoothing = config.smoothMethod == Defs::RunningAverage || lowPass;
+    const double decimatedRate = sampleRateOf(biosensor.time);
+    if (lowPass && !(config.smoothFrequency < decimatedRate / 2.0)) {
+        result.warnings << Defs::smoothingCutoffTooHighMessage().arg(Defs::SmoothSignals);
+    } else if (smoothing && !run(Defs::smoothingSignalsLabel(),
+                                 [&](Signal& s, Feedback* f) { return smooth(s, config, f); })) {
+        return failure(outcome);
+    }
+    if (config.keepPreviewData) {
+        result.isosbestic = isosbestic;
+        result.biosensor = biosensor;
+    }
+
+    const bool slopeRemoved = !config.slope.method.isEmpty();
+    if (slopeRemoved) {
+        std::vector<double>* slopes[] = {&result.isosbesticSlope, &result.biosensorSlope};
+        int which = 0;
+        if (!run(Defs::removingSlopeLabel(),
+                 [&](Signal& s, Feedback* f) { return subtractSlope(s, config.slope, *slopes[which++], f); }))
+            return failure(outcome);
+        if (!config.keepPreviewData) {
+            result.isosbesticSlope.clear();
+            result.biosensorSlope.clear();
+        }
+    }
+    const bool standardized = !config.standardizeMethod.isEmpty();
+    if (standardized && !run(QString(), [&](Signal& s, Feedback* f) {
+            return ZScore::apply(config.standardizeMethod, s.values, f);
+        }))
+        return failure(outcome);
+
+    setLabel(feedback, Defs::fittingSignalsLabel());
+    result.fit = RansacLineFit::fit(isosbestic.values, biosensor.values, config.residualThreshold, feedback);
+    if (!result.fit.outcome.ok())
+        return failure(result.fit.outcome);
+
+    setLabel(feedback, Defs::calculatingFittedIsosbesticLabel());
+    const std::size_t n = biosensor.values.size();
+    std::vector<double> fitted(n);
+    for (std::size_t i = 0; i < n; ++i)
+        fitted[i] = result.fit.slope * isosbestic.values[i] + result.fit.intercept;
+
+    // Detrended or standardised signals sit near zero, so only raw signals are divided.
+    const bool ratio = !slopeRemoved && !standardized;
+    result.deltaF.resize(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        const double difference = biosensor.values[i] - fitted[i];
+        result.deltaF[i] = ratio ? difference / fitted[i] : difference;
+    }
+    result.time = std::move(biosensor.time);
+    if (config.keepPreviewData) {
+        result.isosbesticForFit = std::move(isosbestic.values);
+        result.biosensorForFit = std::move(biosensor.values);
+        result.fittedIsosbestic = std::move(fitted);
+    } else {
+        result.fit.residuals.clear();
+    }
+    return result;
+}
+
+} // namespace zarvi

@@ -1,0 +1,144 @@
+#include "signal/operations/photometry/RansacLineFit.h"
+
+#include "definitions/SignalOperationDefinitions.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <utility>
+
+namespace zarvi {
+
+namespace {
+
+using Defs = SignalOperationDefinitions;
+
+/// Draws an index in [0, n - 1] from the top 15 bits of rand(), the 0..32767 range
+/// the fit was designed with. A draw of 32767 gives exactly n - 1.
+std::size_t drawIndex(std::size_t n)
+{
+    const int draw = (std::rand() >> 16) & 0x7FFF;
+    return static_cast<std::size_t>(draw / 32767.0 * static_cast<double>(n - 1));
+}
+
+double standardDeviation(std::span<const double> v)
+{
+    double mean = 0.0;
+    for (const double value : v)
+        mean += value;
+    mean /= static_cast<double>(v.size());
+    double squares = 0.0;
+    for (const double value : v)
+        squares += (value - mean) * (value - mean);
+    return std::sqrt(squares / static_cast<double>(v.size() - 1));
+}
+
+/// Counts the points with |a x + b y + c| < threshold. The fixed-width inner loop
+/// with one accumulator per lane lets the compiler vectorise it at -O2.
+std::size_t countInliers(const double* __restrict x, const double* __restrict y, std::size_t n, double a,
+                         double b, double c, double threshold)
+{
+    constexpr std::size_t Lanes = 8;
+    std::array<double, Lanes> lanes{};
+    std::size_t i = 0;
+    for (; i + Lanes <= n; i += Lanes) {
+        for (std::size_t k = 0; k < Lanes; ++k)
+            lanes[k] += std::fabs(a * x[i + k] + b * y[i + k] + c) < threshold ? 1.0 : 0.0;
+    }
+    double total = 0.0;
+    for (const double lane : lanes)
+        total += lane;
+    std::size_t count = static_cast<std::size_t>(total);
+    for (; i < n; ++i)
+        count += std::fabs(a * x[i] + b * y[i] + c) < threshold ? 1 : 0;
+    return count;
+}
+
+long long requiredIterations(std::size_t bestCount, std::size_t n)
+{
+    if (bestCount == 0)
+        return RansacLineFit::MinIterations;
+    const double w = static_cast<double>(bestCount) / static_cast<double>(n);
+    const double needed = std::log(0.001) / std::log(1.0 - w * w);
+    // A tiny inlier fraction asks for more iterations than a counter holds; cancel ends those.
+    const double capped = std::min(needed, 1e18);
+    return std::max(RansacLineFit::MinIterations, static_cast<long long>(capped));
+}
+
+RansacLineFit::Result withOutcome(KernelOutcome outcome)
+{
+    RansacLineFit::Result result;
+    result.outcome = std::move(outcome);
+    return result;
+}
+
+} // namespace
+
+RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<const double> y,
+                                         double residualThreshold, Feedback* feedback)
+{
+    if (feedback)
+        feedback->setLabel(Defs::calculatingRegressionLineLabel());
+    const std::size_t n = x.size();
+    if (y.size() != n)
+        return withOutcome(KernelOutcome::failed(Defs::signalLengthMismatchMessage().arg(n).arg(y.size())));
+    if (n < 2)
+        return withOutcome(KernelOutcome::failed(Defs::lineFitTooFewSamplesMessage()));
+    const double sx = standardDeviation(x);
+    const double sy = standardDeviation(y);
+    if (!(sx > 0.0) || !(sy > 0.0))
+        return withOutcome(KernelOutcome::failed(Defs::lineFitConstantSignalMessage()));
+    const double maxSlope = sy / sx;
+
+    Result result;
+    ProgressTracker progress(feedback, 100);
+    std::size_t bestCount = 0;
+    long long required = MinIterations;
+    while (result.iterations < required) {
+        if (progress.isCanceled())
+            return withOutcome(KernelOutcome::cancelled());
+        double a = 0.0;
+        double b = 0.0;
+        double c = 0.0;
+        for (long long attempt = 1;; ++attempt) {
+            const std::size_t i1 = drawIndex(n);
+            const std::size_t i2 = drawIndex(n);
+            const double x1 = x[i1], y1 = y[i1], x2 = x[i2], y2 = y[i2];
+            a = y1 - y2;
+            b = x2 - x1;
+            c = -(x2 - x1) * y1 - x1 * (y1 - y2);
+            const bool tooClose = std::fabs(x1 - x2) < 0.5 * sx && std::fabs(y1 - y2) < 0.5 * sy;
+            const double slope = -a / b;
+            if (!tooClose && slope >= 0.0 && slope <= maxSlope)
+                break;
+            if (attempt >= MaxDrawsPerModel)
+                return withOutcome(KernelOutcome::failed(Defs::lineFitNoPairMessage()));
+            if (attempt % 4096 == 0 && progress.isCanceled())
+                return withOutcome(KernelOutcome::cancelled());
+        }
+        const std::size_t count = countInliers(x.data(), y.data(), n, a, b, c, residualThreshold);
+        if (count >= bestCount) {
+            bestCount = count;
+            result.a = a;
+            result.b = b;
+            result.c = c;
+        }
+        ++result.iterations;
+        required = requiredIterations(bestCount, n);
+        progress.update(static_cast<std::size_t>(100.0 * result.iterations / required));
+    }
+
+    result.slope = -result.a / result.b;
+    result.intercept = -result.c / result.b;
+    result.inlierCount = bestCount;
+    result.residuals.resize(n);
+    result.inliers.resize(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        result.residuals[i] = std::fabs(result.a * x[i] + result.b * y[i] + result.c);
+        result.inliers[i] = result.residuals[i] < residualThreshold ? 1 : 0;
+    }
+    return result;
+}
+
+} // namespace zarvi

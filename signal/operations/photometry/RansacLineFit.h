@@ -1,0 +1,54 @@
+#pragma once
+
+#include "framework/Feedback.h"
+#include "signal/operations/KernelOutcome.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <vector>
+
+namespace zarvi {
+
+/// Robust, non-negative straight-line fit of the isosbestic signal x onto the
+/// biosensor signal y by random sample consensus. Draws with the C library rand()
+/// without reseeding, so repeated runs may differ. Runs on the operation's worker
+/// thread (or the preview's); rand() makes concurrent fits share one generator.
+class RansacLineFit
+{
+public:
+    /// The fewest iterations a fit runs, and the count while no inlier has been found.
+    static constexpr long long MinIterations = 1000;
+    /// Consecutive inadmissible draws after which the fit gives up.
+    static constexpr long long MaxDrawsPerModel = 1'000'000;
+
+    struct Result
+    {
+        /// The best line a x + b y + c = 0, through two of the samples.
+        double a = 0.0;
+        double b = 0.0;
+        double c = 0.0;
+        /// The same line as y = slope x + intercept; the slope is never negative.
+        double slope = 0.0;
+        double intercept = 0.0;
+        /// |a x + b y + c| per sample for the best line.
+        std::vector<double> residuals;
+        /// 1 where the residual is below the threshold.
+        std::vector<std::uint8_t> inliers;
+        std::size_t inlierCount = 0;
+        long long iterations = 0;
+        KernelOutcome outcome;
+    };
+
+    /// Fits y against x. A pair of samples forms a model unless the two points lie
+    /// within half a standard deviation of each other in both x and y, or the slope is
+    /// outside [0, sd(y) / sd(x)]. Residuals are left unnormalised by the length of
+    /// (a, b): the same line through samples twice as far apart doubles them. The best
+    /// model is the last one with the most inliers; the iteration count is
+    /// max(1000, int(log(0.001) / log(1 - w^2))) with w the best inlier fraction,
+    /// recomputed after every model. Reports "Calculating regression line...".
+    static Result fit(std::span<const double> x, std::span<const double> y, double residualThreshold,
+                      Feedback* feedback);
+};
+
+} // namespace zarvi

@@ -1,0 +1,76 @@
+#include "signal/operations/smooth/RunningAverage.h"
+
+#include "definitions/SignalOperationDefinitions.h"
+#include "signal/operations/SampleRate.h"
+
+namespace zarvi {
+
+namespace {
+
+/// Reflects an index about both ends of a signal of n samples. Windows longer than
+/// the signal reflect more than once, so every index lands inside.
+inline std::size_t mirrored(long long k, long long n)
+{
+    if (k >= 0 && k < n)
+        return static_cast<std::size_t>(k);
+    if (n == 1)
+        return 0;
+    const long long period = 2 * n - 2;
+    long long m = k % period;
+    if (m < 0)
+        m += period;
+    return static_cast<std::size_t>(m < n ? m : period - m);
+}
+
+} // namespace
+
+VectorResult RunningAverage::compute(std::span<const double> values, std::span<const double> time,
+                                     double windowSeconds, Feedback* feedback)
+{
+    const double samples = sampleRateOf(time) * windowSeconds;
+    if (!(samples >= 1.0))
+        return {{}, KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage())};
+    return computeSamples(values, static_cast<long long>(samples), feedback);
+}
+
+VectorResult RunningAverage::computeSamples(std::span<const double> values, long long window,
+                                            Feedback* feedback)
+{
+    VectorResult result;
+    if (window >= 1)
+        result.values.resize(values.size());
+    result.outcome = computeInto(values, window, result.values, feedback);
+    if (!result.outcome.ok())
+        result.values.clear();
+    return result;
+}
+
+KernelOutcome RunningAverage::computeInto(std::span<const double> values, long long window,
+                                          std::span<double> output, Feedback* feedback)
+{
+    if (window < 1)
+        return KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage());
+    const long long n = static_cast<long long>(values.size());
+    if (n == 0)
+        return KernelOutcome::completed();
+
+    const long long half = window / 2;
+    const double divisor = static_cast<double>(window);
+    double sum = 0.0;
+    for (long long k = -half; k <= half; ++k)
+        sum += values[mirrored(k, n)];
+    output[0] = sum / divisor;
+
+    ProgressTracker progress(feedback, values.size());
+    for (long long i = 1; i < n; ++i) {
+        if (progress.isCanceled())
+            return KernelOutcome::cancelled();
+        sum += values[mirrored(i + half, n)] - values[mirrored(i - half - 1, n)];
+        output[static_cast<std::size_t>(i)] = sum / divisor;
+        progress.update(static_cast<std::size_t>(i));
+    }
+    progress.update(values.size());
+    return KernelOutcome::completed();
+}
+
+} // namespace zarvi

@@ -1,0 +1,166 @@
+#include "DataFileTestSupport.h"
+#include "common/TempDir.h"
+#include "datafile/HDF5Reader_V6.h"
+#include "datafile/HDF5Writer_V6.h"
+
+#include <limits>
+#include <numeric>
+
+using namespace zarvi;
+using zarvi::testing::TempDir;
+
+TEST(HDF5Dataset, StreamChunksFollowTheExpectedLength)
+{
+    TempDir dir;
+    HDF5Writer_V6 writer;
+    const hid_t file = writer.create(dir.file(QStringLiteral("streams.orvel")));
+    ASSERT_GE(file, 0);
+
+    const hid_t shortStream = writer.create1D(file, ElementKind::Float64, QStringLiteral("Short"), 1000);
+    EXPECT_EQ(writer.chunkDimensions(shortStream), std::vector<hsize_t>{1000});
+    EXPECT_EQ(writer.dimensions(shortStream), std::vector<hsize_t>{0});
+    EXPECT_EQ(writer.maximumDimensions(shortStream), std::vector<hsize_t>{H5S_UNLIMITED});
+    const hid_t empty = writer.create1D(file, ElementKind::Float64, QStringLiteral("Empty"), 0);
+    EXPECT_EQ(writer.chunkDimensions(empty), std::vector<hsize_t>{1});
+
+    const hid_t longStream = writer.create1D(file, ElementKind::Float64, QStringLiteral("Long"), 100000);
+    EXPECT_EQ(writer.chunkDimensions(longStream), std::vector<hsize_t>{65536});
+    std::vector<double> values(100000);
+    std::iota(values.begin(), values.end(), 0.0);
+    // Appended in two unequal parts: the second lands at the old end.
+    ASSERT_TRUE(writer.append(longStream, values.data(), {70000}));
+    ASSERT_TRUE(writer.append(longStream, values.data() + 70000, {30000}));
+    EXPECT_EQ(writer.dimensions(longStream), std::vector<hsize_t>{100000});
+    std::vector<double> range;
+    ASSERT_TRUE(writer.read(longStream, {69998}, {4}, range));
+    EXPECT_EQ(range, (std::vector<double>{69998, 69999, 70000, 70001}));
+    for (const hid_t id : {shortStream, empty, longStream})
+        writer.closeDataset(id);
+}
+
+TEST(HDF5Dataset, DeflateLevelIsStoredOnlyWhenAskedFor)
+{
+    TempDir dir;
+    HDF5Writer_V6 writer;
+    const hid_t file = writer.create(dir.file(QStringLiteral("deflate.orvel")));
+    const std::vector<double> zeros(4096, 0.0);
+    for (const int level : {0, 4}) {
+        const hid_t d = writer.createDataset(file, ElementKind::Float64, QStringLiteral("D%1").arg(level), 1,
+                                             {H5S_UNLIMITED}, {1024}, {0}, level);
+        ASSERT_GE(d, 0) << writer.lastError().toStdString();
+        EXPECT_EQ(writer.chunkDimensions(d), std::vector<hsize_t>{1024});
+        EXPECT_EQ(writer.deflateLevel(d), level);
+        ASSERT_TRUE(writer.append(d, zeros.data(), {zeros.size()}));
+        ASSERT_TRUE(writer.flush());
+        if (level == 0)
+            EXPECT_EQ(writer.storageSize(d), zeros.size() * sizeof(double));
+        else
+            EXPECT_LT(writer.storageSize(d), zeros.size() * sizeof(double) / 10);
+        writer.closeDataset(d);
+    }
+    EXPECT_LT(writer.createDataset(file, ElementKind::Float64, QStringLiteral("Bad"), 1, {H5S_UNLIMITED}, {8},
+                                   {0}, 10),
+              0);
+}
+
+TEST(HDF5Dataset, ImageStackStartsEmptyAndGrowsByFrames)
+{
+    TempDir dir;
+    const QString path = dir.file(QStringLiteral("stack.orvel"));
+    constexpr hsize_t height = 4, width = 3;
+    const auto frameValue = [](hsize_t frame, hsize_t y, hsize_t x) {
+        return static_cast<std::uint16_t>(1000 * frame + 10 * y + x);
+    };
+    {
+        HDF5Writer_V6 writer;
+        const hid_t file = writer.create(path);
+        const hid_t stack = writer.createImageStack(file, QStringLiteral("ImageStack"), 4, 3, 28, 12, 0);
+        ASSERT_GE(stack, 0) << writer.lastError().toStdString();
+        EXPECT_EQ(writer.dimensions(stack), (std::vector<hsize_t>{height, width, 0}));
+        EXPECT_EQ(writer.maximumDimensions(stack), (std::vector<hsize_t>{height, width, H5S_UNLIMITED}));
+        EXPECT_EQ(writer.chunkDimensions(stack), (std::vector<hsize_t>{height, width, 1}));
+        std::vector<std::uint16_t> nothing;
+        EXPECT_TRUE(writer.read(stack, nothing));
+        EXPECT_TRUE(nothing.empty());
+
+        // Frame 0 alone, then frames 1 and 2 in one block (frames are the fastest axis).
+        std::vector<std::uint16_t> frame0(height * width), frames12(height * width * 2);
+        for (hsize_t y = 0; y < height; ++y)
+            for (hsize_t x = 0; x < width; ++x) {
+                frame0[y * width + x] = frameValue(0, y, x);
+                for (hsize_t k = 0; k < 2; ++k)
+                    frames12[(y * width + x) * 2 + k] = frameValue(k + 1, y, x);
+            }
+        ASSERT_TRUE(writer.append(stack, frame0.data(), {height, width, 1}));
+        ASSERT_TRUE(writer.append(stack, frames12.data(), {height, width, 2}));
+        EXPECT_FALSE(writer.append(stack, frame0.data(), {height, width - 1, 1}));
+        EXPECT_EQ(writer.dimensions(stack), (std::vector<hsize_t>{height, width, 3}));
+    }
+    HDF5Reader_V6 reader;
+    const hid_t file = reader.open(path);
+    const hid_t stack = reader.openDataset(file, QStringLiteral("ImageStack"));
+    ASSERT_GE(stack, 0);
+    EXPECT_EQ(reader.readAllAttributes(stack),
+              (QVariantMap{{"BitCount", 12}, {"Format", 28}, {"Height", 4}, {"Width", 3}}));
+    const ElementType type = reader.elementType(stack);
+    EXPECT_EQ(type.elementClass, ElementClass::Integer);
+    EXPECT_EQ(type.size, 2u);
+    EXPECT_FALSE(type.isSigned);
+
+    std::vector<std::uint16_t> frame(height * width);
+    ASSERT_TRUE(reader.read(stack, {0, 0, 1}, {height, width, 1}, frame.data()));
+    std::vector<double> frameAsDouble;
+    ASSERT_TRUE(reader.read(stack, {0, 0, 2}, {height, width, 1}, frameAsDouble));
+    for (hsize_t y = 0; y < height; ++y)
+        for (hsize_t x = 0; x < width; ++x) {
+            EXPECT_EQ(frame[y * width + x], frameValue(1, y, x));
+            EXPECT_EQ(frameAsDouble[y * width + x], frameValue(2, y, x));
+        }
+}
+
+template <typename T> class HDF5ElementKind : public ::testing::Test
+{
+};
+using AllElementTypes = ::testing::Types<std::int8_t, std::uint8_t, std::int16_t, std::uint16_t, std::int32_t,
+                                         std::uint32_t, std::int64_t, std::uint64_t, float, double>;
+TYPED_TEST_SUITE(HDF5ElementKind, AllElementTypes);
+
+TYPED_TEST(HDF5ElementKind, RoundTripsWholeAndByBlock)
+{
+    using T = TypeParam;
+    constexpr hsize_t rows = 4, columns = 5;
+    std::vector<T> values(rows * columns);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        values[i] = static_cast<T>(3 * i + 1);
+    values[0] = std::numeric_limits<T>::lowest();
+    values[1] = std::numeric_limits<T>::max();
+
+    TempDir dir;
+    const QString path = dir.file(QStringLiteral("kinds.orvel"));
+    {
+        HDF5Writer_V6 writer;
+        const hid_t file = writer.create(path);
+        const hid_t d = writer.createDataset(file, elementKindOf<T>(), QStringLiteral("D"), 2,
+                                             {rows, columns}, {2, columns}, {rows, columns}, 0);
+        ASSERT_GE(d, 0) << writer.lastError().toStdString();
+        ASSERT_TRUE(writer.write(d, values.data(), {0, 0}, {rows, columns}));
+    }
+    HDF5Reader_V6 reader;
+    const hid_t d = reader.openDataset(reader.open(path), QStringLiteral("D"));
+    ASSERT_GE(d, 0) << reader.lastError().toStdString();
+    const ElementType type = reader.elementType(d);
+    EXPECT_EQ(type.elementClass, std::is_floating_point_v<T> ? ElementClass::Float : ElementClass::Integer);
+    EXPECT_EQ(type.size, sizeof(T));
+    EXPECT_EQ(type.isSigned, std::is_signed_v<T>);
+
+    std::vector<T> whole;
+    ASSERT_TRUE(reader.read(d, whole));
+    EXPECT_EQ(whole, values);
+
+    std::vector<T> block;
+    ASSERT_TRUE(reader.read(d, {1, 2}, {2, 3}, block));
+    ASSERT_EQ(block.size(), 6u);
+    for (hsize_t r = 0; r < 2; ++r)
+        for (hsize_t c = 0; c < 3; ++c)
+            EXPECT_EQ(block[r * 3 + c], values[(1 + r) * columns + 2 + c]);
+}

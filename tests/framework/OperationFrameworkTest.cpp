@@ -1,0 +1,171 @@
+#include "TestOperations.h"
+#include "common/TempDir.h"
+
+#include "datafile/HDF5Reader_V6.h"
+#include "datafile/HDF5Writer_V6.h"
+#include "datafile/SignalDataset.h"
+#include "definitions/FileDefinitions.h"
+#include "framework/OperationRunner.h"
+#include "framework/PipelineFile.h"
+
+#include <QCoreApplication>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+using namespace zarvi;
+
+namespace {
+
+constexpr const char* inputGroup = "DataAcquisition/Rig/Signals/Series2/Green";
+
+QString writeRamp(const QString& path, std::size_t n)
+{
+    HDF5Writer_V6 file;
+    EXPECT_GE(file.create(path), 0);
+    Signal signal;
+    for (std::size_t i = 0; i < n; ++i) {
+        signal.time.push_back(i * 0.001);
+        signal.values.push_back(static_cast<double>(i));
+    }
+    signal.unit = QStringLiteral("V");
+    QString error;
+    EXPECT_TRUE(SignalDataset::write(file, QString::fromLatin1(inputGroup), signal, {}, error)) << error.toStdString();
+    return SignalDataset::valuesPath(QString::fromLatin1(inputGroup));
+}
+
+QVariantMap scale(double factor, int pauseMs = 0)
+{
+    return {{FileDefinitions::Operations, testing::slowOperation},
+            {QStringLiteral("Factor"), factor},
+            {QStringLiteral("PauseMs"), pauseMs}};
+}
+
+class OperationFrameworkTest : public ::testing::Test
+{
+protected:
+    void SetUp() override { testing::registerTestOperations(); }
+    testing::TempDir dir;
+};
+
+TEST_F(OperationFrameworkTest, RunWritesNumberedOutputWithParametersAndRisingProgress)
+{
+    const QString file = dir.file(QStringLiteral("a.orvel"));
+    const QString input = writeRamp(file, 5000);
+    OperationRunner runner;
+    std::vector<int> progress;
+    runner.onProgress = [&](int p) { progress.push_back(p); };
+
+    const RunResult first = runner.run(scale(2.0), file, {input});
+    ASSERT_TRUE(first.succeeded()) << first.errors.join(' ').toStdString();
+    ASSERT_FALSE(progress.empty());
+    EXPECT_TRUE(std::is_sorted(progress.begin(), progress.end()));
+    EXPECT_EQ(progress.back(), 100);
+    EXPECT_EQ(first.datapaths,
+              QStringList{QStringLiteral("DataProcessed/Rig/Signals/Series2/ScaledSignals1/Green/Signal")});
+
+    const RunResult second = runner.run(scale(3.0), file, {input});
+    ASSERT_TRUE(second.succeeded());
+    EXPECT_EQ(second.datapaths.first(), QStringLiteral("DataProcessed/Rig/Signals/Series2/ScaledSignals2/Green/Signal"));
+
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(file), 0);
+    Signal out;
+    QString error;
+    ASSERT_TRUE(SignalDataset::read(reader, first.datapaths.first(), out, error));
+    EXPECT_EQ(out.values[4999], 2.0 * 4999);
+    EXPECT_EQ(out.unit, QStringLiteral("V"));
+    const hid_t dataset = reader.openDataset(reader.fileId(), first.datapaths.first());
+    const QVariantMap attributes = reader.readAllAttributes(dataset);
+    reader.closeDataset(dataset);
+    EXPECT_EQ(attributes.value(FileDefinitions::Operations).toString(), testing::slowOperation);
+    EXPECT_EQ(attributes.value(QStringLiteral("Factor")).toDouble(), 2.0);
+    EXPECT_EQ(attributes.value(FileDefinitions::SourceDatapath).toString(), input);
+    const hid_t group = reader.openGroup(reader.fileId(), QStringLiteral("DataProcessed/Rig/Signals/Series2/ScaledSignals1"));
+    EXPECT_EQ(reader.readAttribute(group, FileDefinitions::SourceDatapaths).toStringList(), QStringList{input});
+    reader.closeGroup(group);
+}
+
+TEST_F(OperationFrameworkTest, ErrorsAndBadParametersReachTheResultAndWriteNothing)
+{
+    const QString file = dir.file(QStringLiteral("b.orvel"));
+    const QString input = writeRamp(file, 100);
+    OperationRunner runner;
+
+    QVariantMap failing = scale(1.0);
+    failing.insert(QStringLiteral("FailWith"), QStringLiteral("Something went wrong: error 7."));
+    RunResult result = runner.run(failing, file, {input});
+    EXPECT_EQ(result.errors, QStringList{QStringLiteral("Something went wrong: error 7.")});
+    EXPECT_TRUE(result.datapaths.isEmpty());
+
+    QVariantMap unknownKey = scale(1.0);
+    unknownKey.insert(QStringLiteral("Factr"), 2.0);
+    result = runner.run(unknownKey, file, {input});
+    ASSERT_EQ(result.errors.size(), 1);
+    EXPECT_TRUE(result.errors.first().contains(QStringLiteral("<b>Factr</b>")));
+
+    QVariantMap badValue = scale(1.0);
+    badValue.insert(QStringLiteral("PauseMs"), 1.5);
+    EXPECT_FALSE(runner.run(badValue, file, {input}).succeeded());
+
+    result = runner.run(scale(1.0), file, {QStringLiteral("DataAcquisition/Rig/Signals/Series2/Missing/Signal")});
+    EXPECT_FALSE(result.succeeded());
+    result = runner.run(scale(1.0), file, {});
+    EXPECT_EQ(result.errors, QStringList{QStringLiteral("No datasets set to the operation")});
+
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(file), 0);
+    EXPECT_FALSE(reader.exists(reader.fileId(), QStringLiteral("DataProcessed/Rig/Signals/Series2/ScaledSignals1")));
+}
+
+TEST_F(OperationFrameworkTest, CancelInTheMiddleStopsAndLeavesNoPartialOutput)
+{
+    const QString file = dir.file(QStringLiteral("c.orvel"));
+    const QString input = writeRamp(file, 10000);
+    OperationRunner runner;
+    int highest = 0;
+    runner.onProgress = [&](int p) {
+        highest = p;
+        if (p >= 60)
+            runner.requestCancel();
+    };
+    // Two inputs: the first is written before the cancel lands in the second half.
+    const RunResult result = runner.run(scale(2.0, 20), file, {input, input});
+    EXPECT_TRUE(result.canceled);
+    EXPECT_FALSE(result.succeeded());
+    EXPECT_LT(highest, 100);
+
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(file), 0);
+    EXPECT_FALSE(reader.exists(reader.fileId(), QStringLiteral("DataProcessed/Rig/Signals/Series2/ScaledSignals1")));
+}
+
+TEST_F(OperationFrameworkTest, PipelineFeedsEachStepTheOutputsOfTheStepBefore)
+{
+    const QString file = dir.file(QStringLiteral("d.orvel"));
+    const QString input = writeRamp(file, 1000);
+    const QString pipeline = dir.file(QStringLiteral("pipeline.json"));
+    QString error;
+    ASSERT_TRUE(PipelineFile::write(pipeline, {scale(2.0), scale(5.0)}, error));
+    QList<QVariantMap> steps;
+    ASSERT_TRUE(PipelineFile::read(pipeline, steps, error));
+
+    OperationRunner runner;
+    const RunResult result = runner.runPipeline(steps, file, {input});
+    ASSERT_TRUE(result.succeeded()) << result.errors.join(' ').toStdString();
+    ASSERT_EQ(result.datapaths.size(), 1);
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(file), 0);
+    Signal out;
+    ASSERT_TRUE(SignalDataset::read(reader, result.datapaths.first(), out, error));
+    EXPECT_EQ(out.values[10], 100.0);
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    ::testing::InitGoogleTest(&argc, argv);
+    return RUN_ALL_TESTS();
+}
