@@ -7,13 +7,20 @@
 #include <QHeaderView>
 #include <QSet>
 
+#include <algorithm>
+
 namespace zarvi {
+
+namespace {
+constexpr int HeaderPadding = 36;
+constexpr int CellPadding = 16;
+} // namespace
 
 AttributesTable::AttributesTable(QWidget* parent) : QTableWidget(parent)
 {
     setColumnCount(2);
     setHorizontalHeaderLabels({DatasetDefinitions::attributeHeader(), DatasetDefinitions::valueHeader()});
-    horizontalHeader()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
+    horizontalHeader()->setSectionResizeMode(0, QHeaderView::Interactive);
     horizontalHeader()->setStretchLastSection(true);
     verticalHeader()->setVisible(false);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -43,6 +50,13 @@ void AttributesTable::showHistory(const DataFileTreeWidget& tree, const QString&
         while (next.startsWith(QLatin1Char('/')))
             next.remove(0, 1);
     }
+    // The key column fits the keys and its title (style sheets pad the title beyond its text).
+    int width =
+        horizontalHeader()->fontMetrics().horizontalAdvance(horizontalHeaderItem(0)->text()) + HeaderPadding;
+    for (int row = 0; row < rowCount(); ++row)
+        if (item(row, 1))
+            width = std::max(width, fontMetrics().horizontalAdvance(item(row, 0)->text()) + CellPadding);
+    setColumnWidth(0, width);
 }
 
 void AttributesTable::addSection(const QString& title)

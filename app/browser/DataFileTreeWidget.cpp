@@ -6,11 +6,15 @@
 
 #include <QHeaderView>
 
+#include <algorithm>
+
 namespace zarvi {
 
 namespace {
 
 constexpr int PathRole = Qt::UserRole;
+constexpr int HeaderPadding = 36;
+constexpr int CellPadding = 8;
 
 QString parentPath(const QString& path)
 {
@@ -30,8 +34,8 @@ DataFileTreeWidget::DataFileTreeWidget(IconFont* icons, QWidget* parent) : QTree
     setAlternatingRowColors(true);
     header()->setStretchLastSection(false);
     header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    header()->setSectionResizeMode(1, QHeaderView::ResizeToContents);
-    header()->setSectionResizeMode(2, QHeaderView::ResizeToContents);
+    header()->setSectionResizeMode(1, QHeaderView::Interactive);
+    header()->setSectionResizeMode(2, QHeaderView::Interactive);
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         emit currentPathChanged(item ? item->data(0, PathRole).toString() : QString());
     });
@@ -103,6 +107,17 @@ void DataFileTreeWidget::setNodes(std::vector<DataFileNode> nodes, const QString
     if (QTreeWidgetItem* item = m_itemByPath.value(current))
         setCurrentItem(item, 0, QItemSelectionModel::NoUpdate);
     selectPaths(selected);
+    fitColumn(1);
+    fitColumn(2);
+}
+
+void DataFileTreeWidget::fitColumn(int column)
+{
+    // Style sheets pad header sections beyond what the contents measure, so the
+    // title gets room of its own.
+    resizeColumnToContents(column);
+    const int title = header()->fontMetrics().horizontalAdvance(headerItem()->text(column)) + HeaderPadding;
+    setColumnWidth(column, std::max(columnWidth(column) + CellPadding, title));
 }
 
 const DataFileNode* DataFileTreeWidget::node(const QString& path) const

@@ -41,6 +41,7 @@ signals:
 
 private:
     QTreeWidgetItem* makeItem(const DataFileNode& node) const;
+    void fitColumn(int column);
 
     IconFont* m_icons;
     std::vector<DataFileNode> m_nodes;

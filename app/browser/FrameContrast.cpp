@@ -60,9 +60,9 @@ QImage FrameContrast::toGray8(std::span<const std::uint16_t> frame, int width, i
         return {};
     // One table for the frame: 65536 entries cost less than a division per pixel.
     std::vector<std::uint8_t> table(65536);
-    const double scale = 255.0 / std::max(1, range.high - range.low);
+    const double span = std::max(1, range.high - range.low);
     for (std::size_t v = 0; v < table.size(); ++v) {
-        const double level = (static_cast<double>(v) - range.low) * scale;
+        const double level = (static_cast<double>(v) - range.low) * 255.0 / span;
         table[v] = static_cast<std::uint8_t>(std::lround(std::clamp(level, 0.0, 255.0)));
     }
     QImage image(width, height, QImage::Format_Grayscale8);

@@ -17,10 +17,11 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QSplitter>
-#include <QTabBar>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace zarvi {
 
@@ -40,19 +41,19 @@ bool isSameOrUnder(const QString& path, const QString& ancestor)
 }
 
 // "Biosensor" for ".../Series1/Biosensor/Signal", "FilteredSignals1/Biosensor" for a
-// processed one: what follows the series level, without the values dataset's name.
-QString signalDisplayName(const QString& path)
+// processed one: what follows the series level, without the name of the dataset
+// that holds the values ("Signal", "ImageStack").
+QString displayName(const QString& path)
 {
     QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    if (parts.size() > 1 && parts.last() == FD::SignalValues)
+    if (parts.size() > 1 && (parts.last() == FD::SignalValues || parts.last() == FD::ImageStack))
         parts.removeLast();
     qsizetype series = -1;
     for (qsizetype i = 0; i < parts.size(); ++i)
         if (parts[i].contains(FD::SeriesText))
             series = i;
-    const QStringList shown =
-        series >= 0 && series + 1 < parts.size() ? parts.mid(series + 1) : parts.mid(parts.size() - 1);
-    return shown.join(QLatin1Char('/'));
+    const qsizetype first = series >= 0 && series + 1 < parts.size() ? series + 1 : parts.size() - 1;
+    return parts.mid(first).join(QLatin1Char('/'));
 }
 
 QToolButton* makeToolButton(QWidget* parent, const char* objectName, const QString& text, const QString& tip,
@@ -173,15 +174,16 @@ void DatasetPlugin::buildViewArea(QSplitter* splitter)
     tw_view->addTab(w_pipeline, tb_pipeline->icon(), DD::pipelineTitle());
     tw_view->addTab(w_analysis, tb_analysis->icon(), DD::analysisTitle());
     tw_view->addTab(w_behavior, tb_behavior->icon(), DD::behaviorTitle());
-    for (int i = 0; i < PageCount; ++i) {
-        tw_view->tabBar()->setTabButton(i, QTabBar::RightSide, nullptr);
-        tw_view->tabBar()->setTabButton(i, QTabBar::LeftSide, nullptr);
-    }
+    // The pages are reached by the tool buttons above; the tab bar lists the displays.
+    for (int i = 0; i < PageCount; ++i)
+        tw_view->setTabVisible(i, false);
+    m_lastPage = w_pipeline;
+    tw_view->setCurrentWidget(w_pipeline);
     layout->addWidget(tw_view, 1);
 
-    connect(tb_pipeline, &QToolButton::clicked, this, [this] { tw_view->setCurrentWidget(w_pipeline); });
-    connect(tb_analysis, &QToolButton::clicked, this, [this] { tw_view->setCurrentWidget(w_analysis); });
-    connect(tb_behavior, &QToolButton::clicked, this, [this] { tw_view->setCurrentWidget(w_behavior); });
+    connect(tb_pipeline, &QToolButton::clicked, this, [this] { showPage(w_pipeline); });
+    connect(tb_analysis, &QToolButton::clicked, this, [this] { showPage(w_analysis); });
+    connect(tb_behavior, &QToolButton::clicked, this, [this] { showPage(w_behavior); });
     connect(tw_view, &QTabWidget::currentChanged, this, &DatasetPlugin::onViewTabChanged);
     connect(tw_view, &QTabWidget::tabCloseRequested, this, &DatasetPlugin::onViewTabCloseRequested);
     onViewTabChanged(tw_view->currentIndex());
@@ -198,6 +200,12 @@ QWidget* DatasetPlugin::makePage(const char* objectName, const QString& placehol
     note->setEnabled(false);
     layout->addWidget(note);
     return page;
+}
+
+void DatasetPlugin::showPage(QWidget* page)
+{
+    m_lastPage = page;
+    tw_view->setCurrentWidget(page);
 }
 
 void DatasetPlugin::placeInPage(QWidget* page, QWidget* content)
@@ -307,7 +315,7 @@ int DatasetPlugin::showSignals(const QStringList& paths)
             Signal signal;
             QString error;
             if (SignalDataset::read(read.reader(), path, signal, error)) {
-                loaded.emplace_back(signalDisplayName(path), std::move(signal));
+                loaded.emplace_back(displayName(path), std::move(signal));
                 shownPaths << path;
             } else {
                 emit sendStatusMessage(DD::readFailedMessage().arg(path, error));
@@ -336,9 +344,7 @@ int DatasetPlugin::showImageStack(const QString& path)
         return 0;
     }
     connect(stack.get(), &ImageStackWidget::sendStatusMessage, this, &AbstractPlugin::sendStatusMessage);
-    const QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    const QString title = parts.size() > 1 ? parts[parts.size() - 2] : path;
-    return addDisplayTab(stack.release(), title, {path}); // the tab widget owns it now
+    return addDisplayTab(stack.release(), displayName(path), {path}); // the tab widget owns it now
 }
 
 int DatasetPlugin::addDisplayTab(QWidget* display, const QString& title, const QStringList& paths)
@@ -431,6 +437,9 @@ void DatasetPlugin::onViewTabCloseRequested(int index)
     QWidget* display = tw_view->widget(index);
     tw_view->removeTab(index);
     display->deleteLater();
+    // With no display left, the page last chosen comes back.
+    if (tw_view->count() == PageCount)
+        tw_view->setCurrentWidget(m_lastPage);
 }
 
 } // namespace zarvi

@@ -68,6 +68,7 @@ private:
     void buildFileManager(QSplitter* splitter);
     void buildViewArea(QSplitter* splitter);
     QWidget* makePage(const char* objectName, const QString& placeholder);
+    void showPage(QWidget* page);
     void placeInPage(QWidget* page, QWidget* content);
     int showSignals(const QStringList& paths);
     int showImageStack(const QString& path);
@@ -86,6 +87,7 @@ private:
     QWidget* w_pipeline = nullptr;
     QWidget* w_analysis = nullptr;
     QWidget* w_behavior = nullptr;
+    QWidget* m_lastPage = nullptr;
     std::function<bool(const QString&)> m_confirm;
     std::function<void(const QString&)> m_message;
 };
