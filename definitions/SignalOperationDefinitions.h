@@ -230,6 +230,10 @@ public:
         return tr("Error: the isosbestic signal has <b>%1</b> samples and the biosensor signal <b>%2</b>; "
                   "they must have the same length.");
     }
+    static QString outputSizeMismatchMessage()
+    {
+        return tr("Error: the output buffer does not have the length of the signal.");
+    }
     static QString emptySignalMessage() { return tr("Error: a signal has no samples left to process."); }
 };
 

@@ -12,7 +12,7 @@ using namespace zarvi;
 
 namespace {
 
-QString fileWithRootGroups(const testing::TempDir& dir, const QString& name, const QStringList& groups)
+QString fileWithRootGroups(const test::TempDir& dir, const QString& name, const QStringList& groups)
 {
     const QString path = dir.file(name);
     HDF5Writer_V6 writer;
@@ -26,7 +26,7 @@ QString fileWithRootGroups(const testing::TempDir& dir, const QString& name, con
 
 TEST(FileClassifier, RootGroupsDecideHowAFileOpens)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const auto classify = [&](const QString& name, const QStringList& groups) {
         return FileClassifier::classify(fileWithRootGroups(dir, name, groups));
     };
@@ -64,7 +64,7 @@ TEST(FileClassifier, TabTitlesUseTheNameAfterTheLastSlash)
 
 TEST(FileClassifier, Version5DetectionRefusesVersion6AndConfigurationFiles)
 {
-    VersionCheck check = FileClassifier::checkVersion5({{"SoftwareName", "zarvi"}, {"FileType", "Data"}});
+    VersionCheck check = FileClassifier::checkVersion5(QVariantMap{{"SoftwareName", "zarvi"}, {"FileType", "Data"}});
     EXPECT_FALSE(check.accepted);
     EXPECT_EQ(check.title, QStringLiteral("Orvel File V6 (*.orvel)"));
     EXPECT_EQ(check.message, QStringLiteral("The loaded file has the latest version (V6) -- no conversion required."));
@@ -78,11 +78,11 @@ TEST(FileClassifier, Version5DetectionRefusesVersion6AndConfigurationFiles)
                   QStringLiteral("The file contains configuration but not data -- nothing to convert."));
     }
 
-    check = FileClassifier::checkVersion5({{"FileType", "RawData"}});
+    check = FileClassifier::checkVersion5(QVariantMap{{"FileType", "RawData"}});
     EXPECT_TRUE(check.accepted);
     EXPECT_TRUE(check.message.isEmpty());
 
     // A file we create carries "SoftwareName", so it is never taken for version 5.
-    testing::TempDir dir;
+    test::TempDir dir;
     EXPECT_FALSE(FileClassifier::checkVersion5(fileWithRootGroups(dir, "v6.orvel", {"DataAcquisition"})).accepted);
 }

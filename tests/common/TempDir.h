@@ -3,7 +3,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
-namespace zarvi::testing {
+namespace zarvi::test {
 
 /// A fresh temporary folder per test; removed with the object.
 class TempDir
@@ -16,4 +16,4 @@ private:
     QTemporaryDir m_dir;
 };
 
-} // namespace zarvi::testing
+} // namespace zarvi::test

@@ -7,7 +7,7 @@
 
 #include <hdf5.h>
 
-namespace zarvi::testing {
+namespace zarvi::test {
 
 /// Identifiers of every kind the data-file layer opens, summed over the whole
 /// library: equal before and after an operation when it closed what it opened.
@@ -39,4 +39,4 @@ inline void expectSameVariant(const QVariant& actual, const QVariant& expected, 
     }
 }
 
-} // namespace zarvi::testing
+} // namespace zarvi::test

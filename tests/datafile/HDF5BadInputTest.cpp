@@ -9,8 +9,8 @@
 #include <thread>
 
 using namespace zarvi;
-using zarvi::testing::openIdentifierCount;
-using zarvi::testing::TempDir;
+using zarvi::test::openIdentifierCount;
+using zarvi::test::TempDir;
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <numeric>
 
 using namespace zarvi;
-using zarvi::testing::TempDir;
+using zarvi::test::TempDir;
 
 TEST(HDF5Dataset, StreamChunksFollowTheExpectedLength)
 {

@@ -7,9 +7,9 @@
 #include <QProcess>
 
 using namespace zarvi;
-using zarvi::testing::expectSameVariant;
-using zarvi::testing::openIdentifierCount;
-using zarvi::testing::TempDir;
+using zarvi::test::expectSameVariant;
+using zarvi::test::openIdentifierCount;
+using zarvi::test::TempDir;
 
 TEST(HDF5Structure, CreatedFileCarriesTheProgramIdentity)
 {

@@ -19,7 +19,7 @@ using namespace zarvi;
 
 TEST(DemoRecording, HoldsEveryPartWithTheDocumentedTruth)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const QString path = dir.file(QStringLiteral("demo.orvel"));
     DemoTruth truth;
     QString error;

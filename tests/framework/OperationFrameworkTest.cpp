@@ -36,7 +36,7 @@ QString writeRamp(const QString& path, std::size_t n)
 
 QVariantMap scale(double factor, int pauseMs = 0)
 {
-    return {{FileDefinitions::Operations, testing::slowOperation},
+    return {{FileDefinitions::Operations, test::slowOperation},
             {QStringLiteral("Factor"), factor},
             {QStringLiteral("PauseMs"), pauseMs}};
 }
@@ -44,8 +44,8 @@ QVariantMap scale(double factor, int pauseMs = 0)
 class OperationFrameworkTest : public ::testing::Test
 {
 protected:
-    void SetUp() override { testing::registerTestOperations(); }
-    testing::TempDir dir;
+    void SetUp() override { test::registerTestOperations(); }
+    test::TempDir dir;
 };
 
 TEST_F(OperationFrameworkTest, RunWritesNumberedOutputWithParametersAndRisingProgress)
@@ -78,7 +78,7 @@ TEST_F(OperationFrameworkTest, RunWritesNumberedOutputWithParametersAndRisingPro
     const hid_t dataset = reader.openDataset(reader.fileId(), first.datapaths.first());
     const QVariantMap attributes = reader.readAllAttributes(dataset);
     reader.closeDataset(dataset);
-    EXPECT_EQ(attributes.value(FileDefinitions::Operations).toString(), testing::slowOperation);
+    EXPECT_EQ(attributes.value(FileDefinitions::Operations).toString(), test::slowOperation);
     EXPECT_EQ(attributes.value(QStringLiteral("Factor")).toDouble(), 2.0);
     EXPECT_EQ(attributes.value(FileDefinitions::SourceDatapath).toString(), input);
     const hid_t group = reader.openGroup(reader.fileId(), QStringLiteral("DataProcessed/Rig/Signals/Series2/ScaledSignals1"));

@@ -5,7 +5,7 @@
 
 #include <QThread>
 
-namespace zarvi::testing {
+namespace zarvi::test {
 
 inline const QString slowOperation = QStringLiteral("Test Slow Scale");
 
@@ -57,4 +57,4 @@ inline void registerTestOperations()
                   [] { return std::make_unique<SlowScaleProcess>(); }});
 }
 
-} // namespace zarvi::testing
+} // namespace zarvi::test

@@ -27,7 +27,7 @@ class ScaleView : public AbstractOperationView
 {
 public:
     explicit ScaleView(QVariantMap parameters)
-        : AbstractOperationView(testing::slowOperation), m_parameters(std::move(parameters))
+        : AbstractOperationView(test::slowOperation), m_parameters(std::move(parameters))
     {
     }
 
@@ -53,7 +53,7 @@ class OperationViewTest : public ::testing::Test
 protected:
     void SetUp() override
     {
-        testing::registerTestOperations();
+        test::registerTestOperations();
         file = dir.file(QStringLiteral("view.orvel"));
         HDF5Writer_V6 writer;
         ASSERT_GE(writer.create(file), 0);
@@ -84,7 +84,7 @@ protected:
         return reader.exists(reader.fileId(), QStringLiteral("DataProcessed"));
     }
 
-    testing::TempDir dir;
+    test::TempDir dir;
     QString file;
     QString input;
 };
@@ -157,7 +157,7 @@ TEST_F(OperationViewTest, DestroyingAViewWhileItsWorkerRunsWaitsForTheWorker)
 
 TEST(DecimationFromViewAndRunner, GiveIdenticalDatasets)
 {
-    testing::TempDir dir;
+    test::TempDir dir;
     const QString file = dir.file(QStringLiteral("demo.orvel"));
     DemoTruth truth;
     QString error;

@@ -33,7 +33,7 @@ TEST(ArplsBaseline, RecoversASmoothBaselineUnderSparsePeaks)
         // A small deterministic ripple stands in for noise.
         signal[i] = baseline[i] + peaks + 0.01 * std::sin(1.3 * static_cast<double>(i));
     }
-    testing::RecordingFeedback feedback;
+    test::RecordingFeedback feedback;
     const VectorResult result = ArplsBaseline::compute(signal, 1e7, 0.001, &feedback);
     ASSERT_TRUE(result.outcome.ok());
     ASSERT_EQ(result.values.size(), n);
@@ -43,7 +43,7 @@ TEST(ArplsBaseline, RecoversASmoothBaselineUnderSparsePeaks)
     // Peaks of height 2 are ignored; the baseline is found to within a few ripples.
     EXPECT_LT(worst, 0.05);
 
-    testing::RecordingFeedback cancel(1);
+    test::RecordingFeedback cancel(1);
     EXPECT_TRUE(ArplsBaseline::compute(signal, 1e7, 0.001, &cancel).outcome.isCancelled());
     EXPECT_TRUE(ArplsBaseline::compute(signal, -1.0, 0.001, nullptr).outcome.isFailed());
 }

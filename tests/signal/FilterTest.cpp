@@ -143,7 +143,7 @@ TEST(ZeroPhaseFilter, KeepsConstantsAndInBandSinusoidsUnchanged)
     // Long enough for the pads to absorb the filter's start-up from a zero state.
     std::vector<double> constant(10000, 3.7);
     FilterDesign::Result design = FilterDesign::design(Defs::LowPass, std::vector<double>{5.0}, 100.0);
-    testing::RecordingFeedback feedback;
+    test::RecordingFeedback feedback;
     ASSERT_TRUE(ZeroPhaseFilter::apply(design.filter, constant, &feedback).ok());
     ASSERT_EQ(constant.size(), 10000u);
     for (const double v : constant)
@@ -171,7 +171,7 @@ TEST(ZeroPhaseFilter, KeepsConstantsAndInBandSinusoidsUnchanged)
     for (std::size_t i = 2000; i < 8000; ++i)
         ASSERT_NEAR(high[i], 0.0, 1e-6) << i;
 
-    testing::RecordingFeedback cancel(2);
+    test::RecordingFeedback cancel(2);
     EXPECT_TRUE(ZeroPhaseFilter::apply(design.filter, filtered, &cancel).isCancelled());
 }
 
@@ -233,7 +233,7 @@ TEST(FilterResponse, DrawsTheResponseAtHalfTheNormalisedFrequencyWithAFloor)
 {
     const double fs = 1000.0;
     const Butterworth low = designed(FilterKind::LowPass, fs, 50.0);
-    testing::RecordingFeedback feedback;
+    test::RecordingFeedback feedback;
     const FilterResponse::Result curve = FilterResponse::compute(low, fs, 501, &feedback);
     ASSERT_TRUE(curve.outcome.ok());
     ASSERT_EQ(curve.frequencies.size(), 501u);

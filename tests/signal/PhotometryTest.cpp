@@ -62,7 +62,7 @@ TEST(RansacLineFit, FollowsTheIterationRuleAndRejectsInadmissiblePairs)
     }
 
     // No residual is below a zero threshold: the count stays at its floor of 1000.
-    testing::RecordingFeedback feedback;
+    test::RecordingFeedback feedback;
     const RansacLineFit::Result none = RansacLineFit::fit(x, y, 0.0, &feedback);
     ASSERT_TRUE(none.outcome.ok());
     EXPECT_EQ(none.iterations, 1000);
@@ -107,7 +107,7 @@ TEST(RansacLineFit, RefusesDegenerateInputAndStopsWhenCancelled)
     std::vector<double> big(200000);
     for (std::size_t i = 0; i < big.size(); ++i)
         big[i] = std::sin(0.001 * static_cast<double>(i));
-    testing::RecordingFeedback cancel(3);
+    test::RecordingFeedback cancel(3);
     const RansacLineFit::Result stopped = RansacLineFit::fit(big, big, 0.01, &cancel);
     EXPECT_TRUE(stopped.outcome.isCancelled());
 }
@@ -119,7 +119,7 @@ TEST(PhotometryDeltaF, GivesARatioOnRawSignalsAndADifferenceOtherwise)
 
     PhotometryDeltaF::Config config;
     config.residualThreshold = 1e-6;
-    testing::RecordingFeedback feedback;
+    test::RecordingFeedback feedback;
     const PhotometryDeltaF::Result raw = PhotometryDeltaF::compute(config, isosbestic, biosensor, &feedback);
     ASSERT_TRUE(raw.outcome.ok()) << raw.outcome.error.toStdString();
     ASSERT_EQ(raw.deltaF.size(), isosbestic.values.size());
@@ -173,7 +173,7 @@ TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
     EXPECT_TRUE(config.slope.method.isEmpty());
     EXPECT_TRUE(config.standardizeMethod.isEmpty());
 
-    testing::RecordingFeedback feedback;
+    test::RecordingFeedback feedback;
     const PhotometryDeltaF::Result result =
         PhotometryDeltaF::compute(config, isosbestic, biosensor, &feedback);
     ASSERT_TRUE(result.outcome.ok()) << result.outcome.error.toStdString();

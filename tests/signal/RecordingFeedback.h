@@ -6,7 +6,7 @@
 
 #include <limits>
 
-namespace zarvi::testing {
+namespace zarvi::test {
 
 /// A Feedback that records labels and progress and answers "cancel" once it has
 /// been asked a given number of times.
@@ -32,4 +32,4 @@ private:
     mutable long long m_polls = 0;
 };
 
-} // namespace zarvi::testing
+} // namespace zarvi::test

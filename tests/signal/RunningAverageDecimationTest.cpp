@@ -61,7 +61,7 @@ TEST(RunningAverage, AveragesWithMirroredEndsAndTheEvenWindowScaling)
 TEST(RunningAverage, StopsWhenCancelled)
 {
     const std::vector<double> x(100000, 1.0);
-    testing::RecordingFeedback feedback(500);
+    test::RecordingFeedback feedback(500);
     const VectorResult result = RunningAverage::computeSamples(x, 11, &feedback);
     EXPECT_TRUE(result.outcome.isCancelled());
     EXPECT_TRUE(result.values.empty());
@@ -76,7 +76,7 @@ TEST(Decimation, KeepsEveryMthSampleOfValuesAndTime)
         values[i] = 10.0 + static_cast<double>(i);
     const std::vector<double> time = timeAt(10.0, values.size());
 
-    testing::RecordingFeedback feedback;
+    test::RecordingFeedback feedback;
     const Decimation::Result byThree = Decimation::apply(values, time, 3, &feedback);
     ASSERT_TRUE(byThree.outcome.ok());
     EXPECT_EQ(byThree.values, (std::vector<double>{10.0, 13.0, 16.0, 19.0}));

@@ -17,25 +17,20 @@ FilterDesign::Result FilterDesign::design(const QString& filterType, std::span<c
         return {Butterworth{}, KernelOutcome::failed(Defs::unknownFilterTypeMessage().arg(filterType))};
 
     const double rate = sampleRate == RateFromTime ? sampleRateOf(time) : sampleRate;
-    const KernelOutcome wrong = KernelOutcome::failed(Defs::wrongFilterFrequenciesMessage());
     Result result{Butterworth(*kind), KernelOutcome::completed()};
-    if (cutoffs.empty())
-        return {result.filter, wrong};
     const bool outside = std::any_of(cutoffs.begin(), cutoffs.end(),
                                      [rate](double f) { return !(f > 0.0 && f < rate / 2.0); });
-    if (outside)
-        return {result.filter, wrong};
-
+    const bool lowOrHigh = *kind == FilterKind::LowPass || *kind == FilterKind::HighPass;
     bool designed = false;
-    if (*kind == FilterKind::LowPass || *kind == FilterKind::HighPass) {
+    if (!cutoffs.empty() && !outside && lowOrHigh) {
         designed = result.filter.setup(rate, cutoffs.back());
-    } else {
+    } else if (!cutoffs.empty() && !outside) {
         const double low = cutoffs.front();
         const double high = cutoffs.back();
         designed = low < high && result.filter.setup(rate, (low + high) / 2.0, high - low);
     }
     if (!designed)
-        result.outcome = wrong;
+        result.outcome = KernelOutcome::failed(Defs::wrongFilterFrequenciesMessage());
     return result;
 }
 

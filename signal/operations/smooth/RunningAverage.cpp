@@ -50,6 +50,8 @@ KernelOutcome RunningAverage::computeInto(std::span<const double> values, long l
 {
     if (window < 1)
         return KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage());
+    if (output.size() != values.size())
+        return KernelOutcome::failed(SignalOperationDefinitions::outputSizeMismatchMessage());
     const long long n = static_cast<long long>(values.size());
     if (n == 0)
         return KernelOutcome::completed();

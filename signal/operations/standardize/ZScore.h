@@ -19,6 +19,7 @@ public:
     /// a signal without spread (sd or MAD of zero), leaving the values unchanged.
     static KernelOutcome apply(const QString& method, std::vector<double>& values, Feedback* feedback);
 
+    /// The middle value; the mean of the two middle values for an even count, 0 when empty.
     static double median(std::vector<double> values);
 };
 

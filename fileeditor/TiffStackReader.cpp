@@ -1,0 +1,384 @@
+#include "fileeditor/TiffStackReader.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include <algorithm>
+#include <cstring>
+
+#include "definitions/FileEditorOperationDefinitions.h"
+#include "fileeditor/TiffHandle.h"
+
+namespace zarvi {
+
+namespace {
+
+using Texts = FileEditorOperationDefinitions;
+
+bool isAsciiDigit(QChar c)
+{
+    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+}
+
+/// Name order as a person reads it: runs of digits compare by value, so img2 comes
+/// before img10; letters compare without case. Names equal under that rule keep a
+/// fixed order through a plain comparison.
+bool naturalLess(const QString& a, const QString& b)
+{
+    qsizetype i = 0;
+    qsizetype j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (isAsciiDigit(a[i]) && isAsciiDigit(b[j])) {
+            qsizetype endA = i;
+            while (endA < a.size() && isAsciiDigit(a[endA]))
+                ++endA;
+            qsizetype endB = j;
+            while (endB < b.size() && isAsciiDigit(b[endB]))
+                ++endB;
+            while (i + 1 < endA && a[i] == QLatin1Char('0'))
+                ++i;
+            while (j + 1 < endB && b[j] == QLatin1Char('0'))
+                ++j;
+            if (endA - i != endB - j)
+                return endA - i < endB - j;
+            const int order = QStringView(a).sliced(i, endA - i).compare(QStringView(b).sliced(j, endB - j));
+            if (order != 0)
+                return order < 0;
+            i = endA;
+            j = endB;
+            continue;
+        }
+        const QChar ca = a[i].toLower();
+        const QChar cb = b[j].toLower();
+        if (ca != cb)
+            return ca < cb;
+        ++i;
+        ++j;
+    }
+    if (a.size() - i != b.size() - j)
+        return a.size() - i < b.size() - j;
+    return a < b;
+}
+
+/// An empty text when path starts like a TIFF or BigTIFF file, else the message why not.
+QString tiffSignatureError(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return Texts::unableToOpenMessage().arg(path);
+    char head[4] = {};
+    if (file.read(head, 4) != 4)
+        return Texts::notTiffMessage().arg(path);
+    const bool little = head[0] == 'I' && head[1] == 'I' && (head[2] == 42 || head[2] == 43) && head[3] == 0;
+    const bool big = head[0] == 'M' && head[1] == 'M' && head[2] == 0 && (head[3] == 42 || head[3] == 43);
+    return little || big ? QString() : Texts::notTiffMessage().arg(path);
+}
+
+QString bold(const QString& text)
+{
+    return QStringLiteral("<b>%1</b>").arg(text);
+}
+
+/// Copies 8-bit samples into 16-bit ones. Written in fixed blocks over unaliased
+/// pointers, which is what GCC needs to vectorise it at -O2.
+void widen(const std::uint8_t* __restrict source, std::uint16_t* __restrict target, std::size_t count)
+{
+    constexpr std::size_t Block = 32;
+    std::size_t i = 0;
+    for (; i + Block <= count; i += Block) {
+        for (std::size_t j = 0; j < Block; ++j)
+            target[i + j] = source[i + j];
+    }
+    for (; i < count; ++i)
+        target[i] = source[i];
+}
+
+QString readErrorText(const QString& where, const TiffHandle& tiff)
+{
+    const QString reason = tiff.lastError().isEmpty() ? Texts::incompleteImageText() : tiff.lastError();
+    return Texts::tiffReadErrorMessage().arg(where, reason);
+}
+
+} // namespace
+
+TiffStackReader::TiffStackReader() = default;
+
+TiffStackReader::~TiffStackReader() = default;
+
+TiffStackInfo TiffStackReader::open(const TiffStackReaderConfig& config, Feedback* feedback)
+{
+    close();
+    const QFileInfo location(config.path);
+    bool ok = false;
+    if (!location.exists()) {
+        fail(Texts::missingFileMessage().arg(config.path));
+    } else if (location.isDir()) {
+        m_folder = true;
+        ok = scanFolder(location.absoluteFilePath(), feedback);
+    } else {
+        m_info.files = QStringList{location.absoluteFilePath()};
+        const QString signature = tiffSignatureError(config.path);
+        ok = signature.isEmpty() ? scanMultiPage(config.path, feedback) : fail(signature);
+    }
+    if (!ok) {
+        const QString error = m_error;
+        const bool canceled = m_info.canceled;
+        close();
+        m_error = error;
+        m_info.error = error;
+        m_info.canceled = canceled;
+    }
+    return m_info;
+}
+
+void TiffStackReader::close()
+{
+    m_tiff.reset();
+    m_info = TiffStackInfo();
+    m_folder = false;
+    m_pageOffsets.clear();
+    m_currentPage = 0;
+    m_error.clear();
+}
+
+bool TiffStackReader::scanMultiPage(const QString& path, Feedback* feedback)
+{
+    m_tiff = std::make_unique<TiffHandle>();
+    if (!m_tiff->open(path, "rm"))
+        return fail(Texts::tiffReadErrorMessage().arg(bold(path), m_tiff->lastError()));
+    TIFF* tiff = m_tiff->get();
+    // Walks only the chain of directory offsets, so the count is cheap even for BigTIFF.
+    const tdir_t pages = TIFFNumberOfDirectories(tiff);
+    ProgressTracker progress(feedback, pages);
+    m_pageOffsets.reserve(pages);
+    for (std::size_t k = 0;; ++k) {
+        if (progress.isCanceled()) {
+            m_info.canceled = true;
+            return fail(Texts::canceledMessage());
+        }
+        m_pageOffsets.push_back(TIFFCurrentDirOffset(tiff));
+        if (!checkPage(*m_tiff, k, k == 0))
+            return false;
+        progress.update(k + 1);
+        if (TIFFLastDirectory(tiff))
+            break;
+        if (!TIFFReadDirectory(tiff))
+            return fail(readErrorText(pageLocation(k + 1), *m_tiff));
+    }
+    m_currentPage = m_pageOffsets.size() - 1;
+    m_info.frameCount = m_pageOffsets.size();
+    return true;
+}
+
+bool TiffStackReader::scanFolder(const QString& path, Feedback* feedback)
+{
+    const QDir folder(path);
+    QStringList names =
+        folder.entryList({QStringLiteral("*.tif"), QStringLiteral("*.tiff")}, QDir::Files, QDir::NoSort);
+    if (names.isEmpty())
+        return fail(Texts::emptyTiffFolderMessage().arg(path));
+    std::sort(names.begin(), names.end(), naturalLess);
+    for (const QString& name : names)
+        m_info.files.append(folder.filePath(name));
+
+    ProgressTracker progress(feedback, names.size());
+    for (qsizetype k = 0; k < m_info.files.size(); ++k) {
+        if (progress.isCanceled()) {
+            m_info.canceled = true;
+            return fail(Texts::canceledMessage());
+        }
+        const QString& file = m_info.files[k];
+        const QString signature = tiffSignatureError(file);
+        if (!signature.isEmpty())
+            return fail(signature);
+        TiffHandle tiff;
+        if (!tiff.open(file, "r"))
+            return fail(Texts::tiffReadErrorMessage().arg(bold(file), tiff.lastError()));
+        const tdir_t pages = TIFFNumberOfDirectories(tiff.get());
+        if (pages != 1)
+            return fail(Texts::multiPageInFolderMessage().arg(file).arg(pages));
+        if (!checkPage(tiff, static_cast<std::size_t>(k), k == 0))
+            return false;
+        progress.update(k + 1);
+    }
+    m_info.frameCount = m_info.files.size();
+    return true;
+}
+
+bool TiffStackReader::checkPage(TiffHandle& tiff, std::size_t page, bool first)
+{
+    TIFF* t = tiff.get();
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+    std::uint16_t samples = 1;
+    std::uint16_t bits = 1;
+    std::uint16_t format = SAMPLEFORMAT_UINT;
+    std::uint16_t photometric = PHOTOMETRIC_MINISBLACK;
+    TIFFGetField(t, TIFFTAG_IMAGEWIDTH, &width);
+    TIFFGetField(t, TIFFTAG_IMAGELENGTH, &height);
+    TIFFGetFieldDefaulted(t, TIFFTAG_SAMPLESPERPIXEL, &samples);
+    TIFFGetFieldDefaulted(t, TIFFTAG_BITSPERSAMPLE, &bits);
+    TIFFGetFieldDefaulted(t, TIFFTAG_SAMPLEFORMAT, &format);
+    // A page without a photometric tag is read as greyscale, as most readers do.
+    TIFFGetField(t, TIFFTAG_PHOTOMETRIC, &photometric);
+
+    if (photometric == PHOTOMETRIC_RGB || photometric == PHOTOMETRIC_YCBCR)
+        return fail(Texts::rgbImageMessage().arg(pageLocation(page)));
+    if (samples != 1)
+        return fail(Texts::multiSampleMessage().arg(pageLocation(page)).arg(samples));
+    if (photometric == PHOTOMETRIC_PALETTE)
+        return fail(Texts::paletteImageMessage().arg(pageLocation(page)));
+    if (format == SAMPLEFORMAT_IEEEFP || format == SAMPLEFORMAT_COMPLEXIEEEFP)
+        return fail(Texts::floatSamplesMessage().arg(pageLocation(page)));
+    if (format == SAMPLEFORMAT_INT || format == SAMPLEFORMAT_COMPLEXINT)
+        return fail(Texts::signedSamplesMessage().arg(pageLocation(page)));
+    if (bits != 8 && bits != 16)
+        return fail(Texts::bitDepthMessage().arg(pageLocation(page)).arg(bits));
+    // Frames are addressed with int sizes further on (HDF5 attributes, cv::Mat).
+    constexpr std::uint32_t largest = 1u << 30;
+    if (width == 0 || height == 0 || width > largest || height > largest)
+        return fail(Texts::noPixelsMessage().arg(pageLocation(page)).arg(width).arg(height));
+
+    if (first) {
+        m_info.width = static_cast<int>(width);
+        m_info.height = static_cast<int>(height);
+        m_info.bitsPerSample = bits;
+        return true;
+    }
+    if (static_cast<int>(width) != m_info.width || static_cast<int>(height) != m_info.height) {
+        return fail(Texts::mixedFrameSizeMessage()
+                        .arg(pageLocation(page))
+                        .arg(width)
+                        .arg(height)
+                        .arg(m_info.width)
+                        .arg(m_info.height));
+    }
+    if (bits != m_info.bitsPerSample)
+        return fail(
+            Texts::mixedBitDepthMessage().arg(pageLocation(page)).arg(bits).arg(m_info.bitsPerSample));
+    return true;
+}
+
+bool TiffStackReader::readFrame(std::size_t k, std::span<std::uint16_t> out)
+{
+    m_error.clear();
+    if (m_info.frameCount == 0)
+        return fail(Texts::notOpenMessage());
+    if (k >= m_info.frameCount)
+        return fail(Texts::frameOutOfRangeMessage().arg(k + 1).arg(m_info.frameCount));
+    if (out.size() != m_info.pixelsPerFrame())
+        return fail(Texts::frameBufferSizeMessage().arg(out.size()).arg(m_info.pixelsPerFrame()));
+
+    TiffHandle single;
+    TiffHandle* tiff = m_tiff.get();
+    if (m_folder) {
+        if (!single.open(m_info.files[static_cast<qsizetype>(k)], "rm"))
+            return fail(readError(k, single));
+        tiff = &single;
+    } else if (k != m_currentPage) {
+        // Direct jump to the page's directory: reading in any order costs the same.
+        if (!TIFFSetSubDirectory(tiff->get(), m_pageOffsets[k])) {
+            m_currentPage = m_pageOffsets.size();
+            return fail(readError(k, *tiff));
+        }
+        m_currentPage = k;
+    }
+    // The file may have changed since open(); a page that no longer fits is refused.
+    if (!checkPage(*tiff, k, false))
+        return false;
+    return TIFFIsTiled(tiff->get()) ? readTiles(*tiff, out, k) : readStrips(*tiff, out, k);
+}
+
+bool TiffStackReader::readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page)
+{
+    TIFF* t = tiff.get();
+    const auto width = static_cast<std::size_t>(m_info.width);
+    const auto height = static_cast<std::size_t>(m_info.height);
+    const bool wide = m_info.bitsPerSample == 16;
+    std::uint32_t rowsPerStrip = 0;
+    TIFFGetFieldDefaulted(t, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
+    if (rowsPerStrip == 0 || rowsPerStrip > height)
+        rowsPerStrip = static_cast<std::uint32_t>(height);
+
+    for (std::size_t row = 0; row < height; row += rowsPerStrip) {
+        const std::size_t values = std::min<std::size_t>(rowsPerStrip, height - row) * width;
+        const auto bytes = static_cast<tmsize_t>(values * (wide ? 2 : 1));
+        std::uint16_t* target = out.data() + row * width;
+        // 16-bit strips decode straight into the caller's frame; 8-bit ones are widened.
+        void* buffer = target;
+        if (!wide) {
+            if (m_scratch.size() < values)
+                m_scratch.resize(values);
+            buffer = m_scratch.data();
+        }
+        const tstrip_t strip = TIFFComputeStrip(t, static_cast<std::uint32_t>(row), 0);
+        tiff.clearError();
+        if (TIFFReadEncodedStrip(t, strip, buffer, bytes) != bytes)
+            return fail(readError(page, tiff));
+        if (!wide)
+            widen(m_scratch.data(), target, values);
+    }
+    return true;
+}
+
+bool TiffStackReader::readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page)
+{
+    TIFF* t = tiff.get();
+    const auto width = static_cast<std::size_t>(m_info.width);
+    const auto height = static_cast<std::size_t>(m_info.height);
+    const std::size_t sampleBytes = m_info.bitsPerSample / 8;
+    std::uint32_t tileWidth = 0;
+    std::uint32_t tileHeight = 0;
+    TIFFGetField(t, TIFFTAG_TILEWIDTH, &tileWidth);
+    TIFFGetField(t, TIFFTAG_TILELENGTH, &tileHeight);
+    const tmsize_t tileBytes = TIFFTileSize(t);
+    if (tileWidth == 0 || tileHeight == 0 || tileBytes <= 0)
+        return fail(readError(page, tiff));
+    if (m_scratch.size() < static_cast<std::size_t>(tileBytes))
+        m_scratch.resize(static_cast<std::size_t>(tileBytes));
+
+    for (std::size_t y = 0; y < height; y += tileHeight) {
+        const std::size_t rows = std::min<std::size_t>(tileHeight, height - y);
+        for (std::size_t x = 0; x < width; x += tileWidth) {
+            const std::size_t columns = std::min<std::size_t>(tileWidth, width - x);
+            const ttile_t tile =
+                TIFFComputeTile(t, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), 0, 0);
+            tiff.clearError();
+            if (TIFFReadEncodedTile(t, tile, m_scratch.data(), tileBytes) != tileBytes)
+                return fail(readError(page, tiff));
+            // Edge tiles are padded: copy only the part inside the image.
+            for (std::size_t r = 0; r < rows; ++r) {
+                const std::uint8_t* source = m_scratch.data() + r * tileWidth * sampleBytes;
+                std::uint16_t* target = out.data() + (y + r) * width + x;
+                if (sampleBytes == 2)
+                    std::memcpy(target, source, columns * 2);
+                else
+                    widen(source, target, columns);
+            }
+        }
+    }
+    return true;
+}
+
+QString TiffStackReader::pageLocation(std::size_t k) const
+{
+    if (m_folder) {
+        const QString name = QFileInfo(m_info.files[static_cast<qsizetype>(k)]).fileName();
+        return bold(name);
+    }
+    return Texts::tiffPageLocation().arg(k + 1).arg(QFileInfo(m_info.files.constFirst()).fileName());
+}
+
+QString TiffStackReader::readError(std::size_t page, const TiffHandle& tiff) const
+{
+    return readErrorText(pageLocation(page), tiff);
+}
+
+bool TiffStackReader::fail(const QString& message)
+{
+    m_error = message;
+    return false;
+}
+
+} // namespace zarvi

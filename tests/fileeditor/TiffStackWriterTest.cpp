@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include <opencv2/imgcodecs.hpp>
+
+#include "FileToolHelpers.h"
+#include "TiffTestPages.h"
+#include "common/TempDir.h"
+#include "fileeditor/TiffStackReader.h"
+#include "fileeditor/TiffStackWriter.h"
+
+namespace zarvi {
+namespace {
+
+using test::haveTool;
+using test::runTool;
+using test::testFrame;
+
+/// Pages as OpenCV reads them, an implementation independent of libtiff's users here.
+std::vector<cv::Mat> readWithOpenCv(const QString& path)
+{
+    std::vector<cv::Mat> pages;
+    cv::imreadmulti(QFile::encodeName(path).toStdString(), pages, cv::IMREAD_UNCHANGED);
+    return pages;
+}
+
+bool writeStack(const TiffStackWriterConfig& config, const std::vector<std::vector<std::uint16_t>>& frames,
+                QString* error = nullptr)
+{
+    TiffStackWriter writer;
+    bool ok = writer.open(config);
+    for (std::size_t k = 0; ok && k < frames.size(); ++k)
+        ok = writer.writeFrame(frames[k]);
+    ok = ok && writer.finish();
+    if (error)
+        *error = writer.lastError();
+    return ok;
+}
+
+TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
+{
+    test::TempDir dir;
+    constexpr int Width = 37;
+    constexpr int Height = 23;
+    std::vector<std::vector<std::uint16_t>> frames;
+    for (int k = 0; k < 5; ++k)
+        frames.push_back(testFrame(Width, Height, k));
+    const QString path = dir.file(QStringLiteral("export.tif"));
+    QString error;
+    ASSERT_TRUE(writeStack({path, Width, Height, 16, frames.size()}, frames, &error)) << error.toStdString();
+
+    if (haveTool(QStringLiteral("tiffinfo"))) {
+        const test::ToolRun run = runTool(QStringLiteral("tiffinfo"), {path});
+        EXPECT_EQ(run.exitCode, 0) << run.output.toStdString();
+        EXPECT_EQ(run.output.count("TIFF Directory at offset"), 5) << run.output.toStdString();
+    }
+
+    const std::vector<cv::Mat> pages = readWithOpenCv(path);
+    ASSERT_EQ(pages.size(), frames.size());
+    for (std::size_t k = 0; k < pages.size(); ++k) {
+        ASSERT_EQ(pages[k].type(), CV_16UC1);
+        ASSERT_EQ(pages[k].cols, Width);
+        const cv::Mat expected(Height, Width, CV_16UC1, frames[k].data());
+        EXPECT_EQ(cv::countNonZero(pages[k] != expected), 0) << "page " << k;
+    }
+
+    TiffStackReader reader;
+    ASSERT_TRUE(reader.open(TiffStackReaderConfig{path}).ok());
+    std::vector<std::uint16_t> frame(Width * Height);
+    for (std::size_t k = 0; k < frames.size(); ++k) {
+        ASSERT_TRUE(reader.readFrame(k, frame));
+        EXPECT_EQ(frame, frames[k]);
+    }
+}
+
+TEST(TiffStackWriter, EightBitOutputKeepsSmallValuesAndSaturatesLargeOnes)
+{
+    test::TempDir dir;
+    const std::vector<std::uint16_t> frame = {0, 1, 254, 255, 256, 300, 65535, 17};
+    const QString path = dir.file(QStringLiteral("eight.tif"));
+    ASSERT_TRUE(writeStack({path, 4, 2, 8, 1}, {frame}));
+    const std::vector<cv::Mat> pages = readWithOpenCv(path);
+    ASSERT_EQ(pages.size(), 1u);
+    ASSERT_EQ(pages[0].type(), CV_8UC1);
+    const std::vector<std::uint8_t> expected = {0, 1, 254, 255, 255, 255, 255, 17};
+    EXPECT_EQ(std::vector<std::uint8_t>(pages[0].begin<std::uint8_t>(), pages[0].end<std::uint8_t>()),
+              expected);
+}
+
+TEST(TiffStackWriter, WritesBigTiffThatReadsBack)
+{
+    test::TempDir dir;
+    const std::vector<std::vector<std::uint16_t>> frames = {testFrame(16, 8, 0), testFrame(16, 8, 1)};
+    const QString path = dir.file(QStringLiteral("big.tif"));
+    ASSERT_TRUE(writeStack({path, 16, 8, 16, 2, TiffContainer::Big}, frames));
+    // BigTIFF's version number is 43 where classic TIFF has 42.
+    const QByteArray head = test::readText(path).left(4);
+    EXPECT_EQ(head, QByteArray("II\x2B\x00", 4));
+    if (haveTool(QStringLiteral("tiffinfo"))) {
+        EXPECT_EQ(runTool(QStringLiteral("tiffinfo"), {path}).exitCode, 0);
+    }
+    TiffStackReader reader;
+    ASSERT_TRUE(reader.open(TiffStackReaderConfig{path}).ok());
+    std::vector<std::uint16_t> frame(16 * 8);
+    ASSERT_TRUE(reader.readFrame(1, frame));
+    EXPECT_EQ(frame, frames[1]);
+}
+
+TEST(TiffStackWriter, ChoosesTheContainerBySizeAndChecksItsInput)
+{
+    test::TempDir dir;
+    // 10,000 frames of 600 x 600 16-bit pixels: 7.2 GB.
+    const TiffStackWriterConfig large{dir.file(QStringLiteral("large.tif")), 600, 600, 16, 10000};
+    TiffStackWriter automatic;
+    ASSERT_TRUE(automatic.open(large));
+    EXPECT_TRUE(automatic.isBigTiff());
+    TiffStackWriter small;
+    ASSERT_TRUE(small.open({dir.file(QStringLiteral("small.tif")), 600, 600, 16, 100}));
+    EXPECT_FALSE(small.isBigTiff());
+
+    TiffStackWriterConfig classic = large;
+    classic.container = TiffContainer::Classic;
+    TiffStackWriter refused;
+    EXPECT_FALSE(refused.open(classic));
+    EXPECT_TRUE(refused.lastError().contains(QStringLiteral("write it as BigTIFF")));
+
+    EXPECT_FALSE(refused.open({dir.file(QStringLiteral("x.tif")), 4, 4, 12, 1}));
+    EXPECT_EQ(refused.lastError(),
+              QStringLiteral("TIFF stacks are written with 8 or 16 bits per sample, not 12."));
+
+    const QString path = dir.file(QStringLiteral("short.tif"));
+    TiffStackWriter writer;
+    ASSERT_TRUE(writer.open({path, 4, 2, 16, 2}));
+    EXPECT_FALSE(writer.writeFrame(std::vector<std::uint16_t>(7)));
+    ASSERT_TRUE(writer.writeFrame(testFrame(4, 2, 0)));
+    EXPECT_FALSE(writer.finish());
+    EXPECT_EQ(writer.lastError(),
+              QStringLiteral("Only 1 of the 2 frames were written to <b>%1</b>.").arg(path));
+}
+
+} // namespace
+} // namespace zarvi
