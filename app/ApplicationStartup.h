@@ -55,7 +55,6 @@ public:
 
     MainWindow* mainWindow() const { return m_mainWindow.get(); }
     IconFont* iconFont() const { return m_iconFont.get(); }
-    QString tempFolder() const { return m_tempFolder; }
     bool holdsLock() const;
 
 private:

@@ -7,7 +7,7 @@
 namespace zarvi {
 
 InstanceLock::InstanceLock(const QString& tempFolder)
-    : m_path(lockFilePath(tempFolder)), m_lock(std::make_unique<QLockFile>(m_path))
+    : m_lock(std::make_unique<QLockFile>(lockFilePath(tempFolder)))
 {
 }
 

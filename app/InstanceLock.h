@@ -26,10 +26,8 @@ public:
     bool tryLock(int timeoutMs);
     bool isLocked() const;
     void unlock();
-    QString path() const { return m_path; }
 
 private:
-    QString m_path;
     std::unique_ptr<QLockFile> m_lock;
 };
 

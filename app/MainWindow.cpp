@@ -25,7 +25,7 @@ const QString lastFolderKey = QStringLiteral("MainWindow/LastFolder");
 constexpr int statusTimeoutMs = 8000;
 } // namespace
 
-MainWindow::MainWindow(IconFont* icons, QWidget* parent) : QMainWindow(parent), m_icons(icons)
+MainWindow::MainWindow(IconFont* icons, QWidget* parent) : QMainWindow(parent)
 {
     m_ui.setupUi(this, icons);
     setAcceptDrops(true);

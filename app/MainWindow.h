@@ -58,7 +58,6 @@ private:
     void rememberFolder(const QString& path);
 
     MainWindowUi m_ui;
-    IconFont* m_icons;
     PluginTabs* m_tabs = nullptr;
     std::function<void(const QString&)> m_messageHandler;
 };

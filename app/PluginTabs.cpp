@@ -93,11 +93,6 @@ AbstractPlugin* PluginTabs::plugin(int index) const
     return qobject_cast<AbstractPlugin*>(m_tabs->widget(index));
 }
 
-AbstractPlugin* PluginTabs::currentPlugin() const
-{
-    return plugin(m_tabs->currentIndex());
-}
-
 QList<AbstractPlugin*> PluginTabs::plugins() const
 {
     QList<AbstractPlugin*> all;

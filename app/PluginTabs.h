@@ -44,7 +44,6 @@ public:
     /// Index of the tab showing the same file (same canonical path), -1 when none.
     int indexOf(const QString& path) const;
     AbstractPlugin* plugin(int index) const;
-    AbstractPlugin* currentPlugin() const;
     QList<AbstractPlugin*> plugins() const;
     /// Removes the tab and destroys its plug-in.
     void close(int index);

@@ -26,7 +26,6 @@ public:
     /// Replaces the content. With `rootPath` set, only that group and what lies
     /// below it are shown.
     void setNodes(std::vector<DataFileNode> nodes, const QString& rootPath = {});
-    const std::vector<DataFileNode>& nodes() const { return m_nodes; }
     /// The node at a path, null when the file has none.
     const DataFileNode* node(const QString& path) const;
 

@@ -15,7 +15,6 @@ public:
     explicit FrameView(QWidget* parent = nullptr);
 
     void setImage(const QImage& image);
-    const QImage& image() const { return m_image; }
     /// The image pixel under a widget position; (-1, -1) outside the image.
     QPoint imagePixelAt(const QPointF& position) const;
 

@@ -42,7 +42,6 @@ public:
     int currentFrame() const { return m_current; }
     std::span<const std::uint16_t> frame() const { return m_frame; }
     ContrastRange contrast() const { return m_contrast; }
-    QString datasetPath() const { return m_datasetPath; }
     /// Shows the value of pixel (x, y) of the current frame; (-1, -1) clears it.
     void showPixel(int x, int y);
     QString pixelText() const;

@@ -23,7 +23,7 @@
 #include <gtest/gtest.h>
 
 using namespace zarvi;
-using zarvi::testing::TempDir;
+using zarvi::test::TempDir;
 
 namespace {
 
@@ -166,7 +166,7 @@ TEST(DatasetBrowsing, TreeAttributesDisplaysAndDeletion)
     stack->setAutoContrast(false);
     EXPECT_EQ(stack->contrast().low, 0);
     EXPECT_EQ(stack->contrast().high, 4095); // "BitCount" 12
-    EXPECT_EQ(zarvi::testing::openFileCount(), 0);
+    EXPECT_EQ(zarvi::test::openFileCount(), 0);
 
     // While an operation writes the file, nothing is read and the status says so.
     {
@@ -196,7 +196,7 @@ TEST(DatasetBrowsing, TreeAttributesDisplaysAndDeletion)
     EXPECT_FALSE(questions.last().contains(stackPath));
     EXPECT_EQ(tree->node(stackGroup), nullptr);
     EXPECT_NE(tree->node(rawPath), nullptr);
-    zarvi::testing::settle();
+    zarvi::test::settle();
     EXPECT_EQ(views->count(), pages + 1);
     HDF5Reader_V6 reader;
     ASSERT_GE(reader.open(file), 0);

@@ -16,8 +16,8 @@
 #include <gtest/gtest.h>
 
 using namespace zarvi;
-using zarvi::testing::TempDir;
-using zarvi::testing::writeFileWithRootGroups;
+using zarvi::test::TempDir;
+using zarvi::test::writeFileWithRootGroups;
 
 namespace {
 
@@ -90,7 +90,7 @@ TEST(FileOpening, ClassificationDecidesThePlugin)
     EXPECT_EQ(w.messages, QStringList(4, unrecognized));
     EXPECT_EQ(w.tabs()->count(), 3);
     // The GUI keeps no file open between reads.
-    EXPECT_EQ(zarvi::testing::openFileCount(), 0);
+    EXPECT_EQ(zarvi::test::openFileCount(), 0);
 }
 
 TEST(FileOpening, SamePathReusesTheTab)

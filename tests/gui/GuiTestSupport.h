@@ -6,7 +6,7 @@
 #include <QElapsedTimer>
 #include <QStringList>
 
-namespace zarvi::testing {
+namespace zarvi::test {
 
 /// A real data file whose root holds these (empty) groups.
 inline bool writeFileWithRootGroups(const QString& path, const QStringList& groups)
@@ -41,4 +41,4 @@ inline void settle(int milliseconds = 50)
     } while (timer.elapsed() < milliseconds);
 }
 
-} // namespace zarvi::testing
+} // namespace zarvi::test

@@ -18,7 +18,7 @@
 #include <gtest/gtest.h>
 
 using namespace zarvi;
-using zarvi::testing::TempDir;
+using zarvi::test::TempDir;
 
 // The whole program offscreen on the demo recording: start-up, opening, a
 // signal plot and the image stack; the window is saved as a picture to look at.
@@ -60,19 +60,19 @@ TEST(MainWindowScreenshot, DemoRecordingWithSignalAndImageStack)
     auto* plot = qobject_cast<SignalPlotWidget*>(plugin->viewTabs()->currentWidget());
     ASSERT_NE(plot, nullptr);
     ASSERT_EQ(plot->signalCount(), 1);
-    zarvi::testing::settle(200);
+    zarvi::test::settle(200);
     // 600 000 samples are drawn as at most two points per pixel column.
     const auto samples = static_cast<int>(truth.photometryRate * truth.photometryDuration);
     EXPECT_GT(plot->drawnPointCount(0), 100);
     EXPECT_LE(plot->drawnPointCount(0), 2 * plot->plot()->width() + 2);
     EXPECT_LT(plot->drawnPointCount(0), samples / 100);
-    EXPECT_EQ(zarvi::testing::openFileCount(), 0);
+    EXPECT_EQ(zarvi::test::openFileCount(), 0);
     EXPECT_TRUE(messages.isEmpty());
 
     const QString signalShot = QStringLiteral(ZARVI_TEST_BINARY_DIR "/main-window.png");
     EXPECT_TRUE(window->grab().save(signalShot));
     plugin->viewTabs()->setCurrentWidget(stack);
-    zarvi::testing::settle(100);
+    zarvi::test::settle(100);
     EXPECT_TRUE(window->grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/main-window-stack.png")));
     EXPECT_TRUE(QFileInfo(signalShot).size() > 0);
     startup.shutdown();

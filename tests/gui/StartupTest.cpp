@@ -14,7 +14,7 @@
 #include <gtest/gtest.h>
 
 using namespace zarvi;
-using zarvi::testing::TempDir;
+using zarvi::test::TempDir;
 
 namespace {
 
