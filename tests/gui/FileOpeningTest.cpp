@@ -9,8 +9,11 @@
 #include "framework/FileAccessLock.h"
 
 #include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QFile>
 #include <QLabel>
+#include <QMimeData>
 #include <QTabWidget>
 
 #include <gtest/gtest.h>
@@ -128,6 +131,32 @@ TEST(FileOpening, SamePathReusesTheTab)
     }
     EXPECT_EQ(w.tabs()->count(), 1);
     EXPECT_TRUE(w.messages.isEmpty());
+}
+
+TEST(FileOpening, DroppedFilesOpen)
+{
+    TempDir dir;
+    RecordingWindow w;
+    ASSERT_TRUE(writeFileWithRootGroups(dir.file("a.orvel"), {"DataAcquisition"}));
+    ASSERT_TRUE(writeFileWithRootGroups(dir.file("b.orvel"), {"ExperimentDesign"}));
+    QMimeData mime;
+    mime.setUrls({QUrl::fromLocalFile(dir.file("a.orvel")), QUrl::fromLocalFile(dir.file("b.orvel"))});
+
+    QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&w.window, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &mime, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&w.window, &drop);
+    ASSERT_EQ(w.tabs()->count(), 2);
+    EXPECT_EQ(w.tabs()->tabText(0), QStringLiteral("Data (a.orvel)"));
+    EXPECT_EQ(w.tabs()->tabText(1), QStringLiteral("Experiment (b.orvel)"));
+
+    // Something that is not a local file is not taken.
+    QMimeData web;
+    web.setUrls({QUrl("https://example.org/c.orvel")});
+    QDragEnterEvent refused(QPoint(10, 10), Qt::CopyAction, &web, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(&w.window, &refused);
+    EXPECT_FALSE(refused.isAccepted());
 }
 
 TEST(FileOpening, PathWithoutSlashTitlesWithTheWholePath)
