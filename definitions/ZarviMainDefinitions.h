@@ -28,6 +28,24 @@ public:
 
     static inline const QString StyleSheetResource = QStringLiteral(":/qdarkstyle/QDarkStyle.qss");
     static inline const QString FallbackStyle = QStringLiteral("Fusion");
+    static inline const char* const StyleSheetMissingDebug =
+        "Could not initialize QDarkStyle -> qdarkstyle/style.qss not found";
+
+    // Application shell texts.
+    static QString alreadyRunningMessage()
+    {
+        return tr("zarvi is already running.\r\nOnly one instance is allowed.");
+    }
+    static QString fileOpenInTabMessage()
+    {
+        return tr("The file <b>%1</b> is open. Close its tab before replacing it.");
+    }
+    static QString unableToCreateFileMessage() { return tr("Unable to create the file <b>%1</b>."); }
+    static QString demoFailedMessage() { return tr("Unable to write the demo recording: %1"); }
+    static QString writingDemoMessage() { return tr("Writing the demo recording..."); }
+    static QString notAvailableStatusTip() { return tr("Not available in this version."); }
+    /// The demo recording written by "zarvi --demo", inside the temporary folder.
+    static inline const QString DemoFileName = QStringLiteral("zarvi_demo.orvel");
 
     // Icon-font option keys and their defaults.
     static inline const QString IconColorKey = QStringLiteral("color");

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "datafile/DataFileTree.h"
+
+#include <QHash>
+#include <QTreeWidget>
+
+#include <vector>
+
+namespace zarvi {
+
+class IconFont;
+
+/// The groups and datasets of a data file as an expandable tree with name,
+/// shape and element type. It shows a copy read beforehand (it never touches the
+/// file) and keeps the expanded groups and the selection across reloads when
+/// their paths still exist. Several items can be selected. GUI thread.
+class DataFileTreeWidget : public QTreeWidget
+{
+    Q_OBJECT
+
+public:
+    /// `icons` may be null.
+    explicit DataFileTreeWidget(IconFont* icons, QWidget* parent = nullptr);
+
+    /// Replaces the content. With `rootPath` set, only that group and what lies
+    /// below it are shown.
+    void setNodes(std::vector<DataFileNode> nodes, const QString& rootPath = {});
+    /// The node at a path, null when the file has none.
+    const DataFileNode* node(const QString& path) const;
+
+    /// Paths of the selected items, in tree order.
+    QStringList selectedPaths() const;
+    QString currentPath() const;
+    /// Selects (and reveals) the items at these paths; unknown paths are skipped.
+    void selectPaths(const QStringList& paths);
+
+signals:
+    void currentPathChanged(const QString& path);
+
+private:
+    QTreeWidgetItem* makeItem(const DataFileNode& node) const;
+    void fitColumn(int column);
+
+    IconFont* m_icons;
+    std::vector<DataFileNode> m_nodes;
+    QHash<QString, std::size_t> m_indexByPath;
+    QHash<QString, QTreeWidgetItem*> m_itemByPath;
+};
+
+} // namespace zarvi

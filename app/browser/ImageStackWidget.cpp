@@ -1,0 +1,184 @@
+#include "app/browser/ImageStackWidget.h"
+
+#include "app/browser/FrameView.h"
+#include "app/browser/GuiFileRead.h"
+#include "definitions/DatasetDefinitions.h"
+#include "definitions/FileDefinitions.h"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSignalBlocker>
+#include <QSlider>
+#include <QSpinBox>
+#include <QVBoxLayout>
+
+namespace zarvi {
+
+using DD = DatasetDefinitions;
+
+ImageStackWidget::ImageStackWidget(const QString& filePath, const QString& datasetPath, QWidget* parent)
+    : QWidget(parent), m_filePath(filePath), m_datasetPath(datasetPath), m_view(new FrameView(this)),
+      m_slider(new QSlider(Qt::Horizontal, this)), sb_frame(new QSpinBox(this)), lb_frame(new QLabel(this)),
+      cb_autoContrast(new QCheckBox(DD::autoContrastLabel(), this)), lb_pixel(new QLabel(this))
+{
+    m_view->setObjectName(QStringLiteral("w_frame"));
+    m_slider->setObjectName(QStringLiteral("sl_frame"));
+    sb_frame->setObjectName(QStringLiteral("sb_frame"));
+    lb_frame->setObjectName(QStringLiteral("lb_frame"));
+    cb_autoContrast->setObjectName(QStringLiteral("cb_autoContrast"));
+    lb_pixel->setObjectName(QStringLiteral("lb_pixel"));
+    cb_autoContrast->setChecked(true);
+    lb_pixel->setMinimumWidth(
+        fontMetrics().horizontalAdvance(DD::pixelLabel().arg(9999, 4).arg(9999).arg(65535)));
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(2, 2, 2, 2);
+    layout->addWidget(m_view, 1);
+    auto* controls = new QHBoxLayout;
+    controls->addWidget(m_slider, 1);
+    controls->addWidget(sb_frame);
+    controls->addWidget(lb_frame);
+    controls->addWidget(cb_autoContrast);
+    controls->addWidget(lb_pixel);
+    layout->addLayout(controls);
+
+    connect(m_slider, &QSlider::valueChanged, this, [this](int value) { showFrame(value); });
+    connect(sb_frame, qOverload<int>(&QSpinBox::valueChanged), this,
+            [this](int value) { showFrame(value - 1); });
+    connect(cb_autoContrast, &QCheckBox::toggled, this, &ImageStackWidget::setAutoContrast);
+    connect(m_view, &FrameView::pixelHovered, this, &ImageStackWidget::showPixel);
+}
+
+bool ImageStackWidget::load(QString& error)
+{
+    {
+        GuiFileRead read(m_filePath);
+        if (!read.isOpen()) {
+            error = read.error();
+            return false;
+        }
+        HDF5Reader_V6& reader = read.reader();
+        const hid_t dataset = reader.openDataset(read.file(), m_datasetPath);
+        if (dataset < 0) {
+            error = reader.lastError();
+            return false;
+        }
+        const std::vector<hsize_t> dims = reader.dimensions(dataset);
+        const QVariant bitCount = reader.readAttribute(dataset, FileDefinitions::BitCount);
+        reader.closeDataset(dataset);
+        if (dims.size() != 3 || dims[0] == 0 || dims[1] == 0) {
+            error = DD::notAnImageStackMessage().arg(m_datasetPath);
+            return false;
+        }
+        m_height = static_cast<int>(dims[0]);
+        m_width = static_cast<int>(dims[1]);
+        m_frames = static_cast<int>(dims[2]);
+        m_bitCount = bitCount.isValid() ? bitCount.toInt() : 16;
+
+        // The frame times sit beside the stack; without them frames are shown by number only.
+        const qsizetype slash = m_datasetPath.lastIndexOf(QLatin1Char('/'));
+        const QString timePath =
+            (slash < 0 ? QString() : m_datasetPath.left(slash + 1)) + FileDefinitions::Time;
+        if (reader.objectKind(read.file(), timePath) == ObjectKind::Dataset) {
+            const hid_t time = reader.openDataset(read.file(), timePath);
+            if (!reader.read(time, m_frameTimes) || m_frameTimes.size() != static_cast<std::size_t>(m_frames))
+                m_frameTimes.clear();
+            reader.closeDataset(time);
+        }
+    }
+    m_frame.assign(static_cast<std::size_t>(m_width) * m_height, 0);
+    {
+        const QSignalBlocker blockSlider(m_slider);
+        const QSignalBlocker blockSpin(sb_frame);
+        m_slider->setRange(0, std::max(0, m_frames - 1));
+        sb_frame->setRange(m_frames > 0 ? 1 : 0, m_frames);
+    }
+    m_slider->setEnabled(m_frames > 1);
+    sb_frame->setEnabled(m_frames > 1);
+    if (m_frames > 0)
+        showFrame(0);
+    else
+        updateFrameLabel();
+    return true;
+}
+
+bool ImageStackWidget::showFrame(int index)
+{
+    if (index < 0 || index >= m_frames)
+        return false;
+    {
+        GuiFileRead read(m_filePath);
+        if (!read.isOpen()) {
+            emit sendStatusMessage(read.isBusy() ? read.error()
+                                                 : DD::readFailedMessage().arg(m_datasetPath, read.error()));
+            return false;
+        }
+        HDF5Reader_V6& reader = read.reader();
+        const hid_t dataset = reader.openDataset(read.file(), m_datasetPath);
+        const std::vector<hsize_t> start = {0, 0, static_cast<hsize_t>(index)};
+        const std::vector<hsize_t> count = {static_cast<hsize_t>(m_height), static_cast<hsize_t>(m_width), 1};
+        const bool ok = dataset >= 0 && reader.read(dataset, start, count, m_frame.data());
+        const QString error = reader.lastError();
+        reader.closeDataset(dataset);
+        if (!ok) {
+            emit sendStatusMessage(DD::readFailedMessage().arg(m_datasetPath, error));
+            return false;
+        }
+    }
+    m_current = index;
+    {
+        const QSignalBlocker blockSlider(m_slider);
+        const QSignalBlocker blockSpin(sb_frame);
+        m_slider->setValue(index);
+        sb_frame->setValue(index + 1);
+    }
+    refreshImage();
+    updateFrameLabel();
+    return true;
+}
+
+void ImageStackWidget::setAutoContrast(bool enabled)
+{
+    if (cb_autoContrast->isChecked() != enabled)
+        cb_autoContrast->setChecked(enabled); // comes back here through toggled()
+    else
+        refreshImage();
+}
+
+void ImageStackWidget::refreshImage()
+{
+    if (m_current < 0)
+        return;
+    m_contrast = cb_autoContrast->isChecked()
+                     ? FrameContrast::percentileRange(m_frame, DD::AutoContrastLow, DD::AutoContrastHigh)
+                     : FrameContrast::fullRange(m_bitCount);
+    m_view->setImage(FrameContrast::toGray8(m_frame, m_width, m_height, m_contrast));
+}
+
+void ImageStackWidget::updateFrameLabel()
+{
+    const int shown = m_current + 1;
+    if (m_current >= 0 && static_cast<std::size_t>(m_current) < m_frameTimes.size())
+        lb_frame->setText(DD::frameTimeLabel().arg(shown).arg(m_frames).arg(
+            m_frameTimes[static_cast<std::size_t>(m_current)], 0, 'f', 3));
+    else
+        lb_frame->setText(DD::frameLabel().arg(std::max(shown, 0)).arg(m_frames));
+}
+
+void ImageStackWidget::showPixel(int x, int y)
+{
+    if (m_current < 0 || x < 0 || y < 0 || x >= m_width || y >= m_height) {
+        lb_pixel->clear();
+        return;
+    }
+    const std::uint16_t value = m_frame[static_cast<std::size_t>(y) * m_width + x];
+    lb_pixel->setText(DD::pixelLabel().arg(x).arg(y).arg(value));
+}
+
+QString ImageStackWidget::pixelText() const
+{
+    return lb_pixel->text();
+}
+
+} // namespace zarvi

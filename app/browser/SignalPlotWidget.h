@@ -1,0 +1,54 @@
+#pragma once
+
+#include "datafile/SignalDataset.h"
+
+#include <QWidget>
+
+#include <vector>
+
+class QCPGraph;
+class QCustomPlot;
+
+namespace zarvi {
+
+/// Plots signals against time in seconds, overlaid with a legend. Drag pans,
+/// the wheel zooms time (with Ctrl: values), a double click shows everything.
+/// It keeps the whole signals in memory but draws only the minimum and maximum
+/// of each pixel column of the visible range, recomputed whenever the range or
+/// the size changes, so that 10^7 samples stay fluid. GUI thread.
+class SignalPlotWidget : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit SignalPlotWidget(QWidget* parent = nullptr);
+
+    /// Adds a signal on top of those shown (the plot keeps it) and shows everything.
+    void addSignal(const QString& name, Signal signal);
+    int signalCount() const { return static_cast<int>(m_traces.size()); }
+    /// How many points are drawn for signal `index` in the current view.
+    int drawnPointCount(int index) const;
+    /// Shows every signal whole.
+    void resetView();
+    QCustomPlot* plot() const { return m_plot; }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    struct Trace
+    {
+        Signal signal;
+        QCPGraph* graph = nullptr;
+        double minValue = 0.0;
+        double maxValue = 0.0;
+    };
+
+    /// Recomputes what each graph draws for the visible time range.
+    void reduceForView();
+
+    QCustomPlot* m_plot;
+    std::vector<Trace> m_traces;
+};
+
+} // namespace zarvi

@@ -1,0 +1,445 @@
+#include "app/plugins/DatasetPlugin.h"
+
+#include "app/IconFont.h"
+#include "app/browser/AttributesTable.h"
+#include "app/browser/DataFileTreeWidget.h"
+#include "app/browser/GuiFileRead.h"
+#include "app/browser/ImageStackWidget.h"
+#include "app/browser/SignalPlotWidget.h"
+#include "datafile/HDF5Writer_V6.h"
+#include "datafile/SignalDataset.h"
+#include "definitions/DatasetDefinitions.h"
+#include "definitions/FileDefinitions.h"
+#include "definitions/ZarviMainDefinitions.h"
+#include "framework/FileAccessLock.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QMessageBox>
+#include <QSplitter>
+#include <QTabWidget>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace zarvi {
+
+namespace {
+
+using DD = DatasetDefinitions;
+using FD = FileDefinitions;
+
+// The dynamic property of a display tab listing the data paths it shows.
+constexpr const char* DisplayPathsProperty = "zarviDatapaths";
+// The first tabs of the view area are the pipeline, analysis and behaviour pages.
+constexpr int PageCount = 3;
+
+bool isSameOrUnder(const QString& path, const QString& ancestor)
+{
+    return path == ancestor || path.startsWith(ancestor + QLatin1Char('/'));
+}
+
+// "Biosensor" for ".../Series1/Biosensor/Signal", "FilteredSignals1/Biosensor" for a
+// processed one: what follows the series level, without the name of the dataset
+// that holds the values ("Signal", "ImageStack").
+QString displayName(const QString& path)
+{
+    QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+    if (parts.size() > 1 && (parts.last() == FD::SignalValues || parts.last() == FD::ImageStack))
+        parts.removeLast();
+    qsizetype series = -1;
+    for (qsizetype i = 0; i < parts.size(); ++i)
+        if (parts[i].contains(FD::SeriesText))
+            series = i;
+    const qsizetype first = series >= 0 && series + 1 < parts.size() ? series + 1 : parts.size() - 1;
+    return parts.mid(first).join(QLatin1Char('/'));
+}
+
+QToolButton* makeToolButton(QWidget* parent, const char* objectName, const QString& text, const QString& tip,
+                            IconFont* icons, IconFont::Glyph glyph)
+{
+    auto* button = new QToolButton(parent);
+    button->setObjectName(QString::fromLatin1(objectName));
+    button->setText(text);
+    button->setToolTip(tip);
+    button->setStatusTip(tip);
+    button->setWhatsThis(tip);
+    button->setAutoRaise(true);
+    button->setIconSize(QSize(20, 20));
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    if (icons)
+        button->setIcon(icons->icon(glyph));
+    return button;
+}
+
+} // namespace
+
+DatasetPlugin::DatasetPlugin(const QString& applicationName, const QString& version, IconFont* icons,
+                             QWidget* parent)
+    : AbstractPlugin(applicationName, version, icons, parent)
+{
+    setObjectName(QStringLiteral("DatasetPlugin"));
+    m_confirm = [this](const QString& question) {
+        return QMessageBox::question(this, ZarviMainDefinitions::ApplicationName, question) ==
+               QMessageBox::Yes;
+    };
+    m_message = [this](const QString& text) {
+        QMessageBox box(QMessageBox::Warning, ZarviMainDefinitions::ApplicationName, text, QMessageBox::Ok,
+                        this);
+        box.setTextFormat(Qt::RichText);
+        box.exec();
+    };
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* splitter = new QSplitter(Qt::Horizontal, this);
+    splitter->setObjectName(QStringLiteral("splitter"));
+    layout->addWidget(splitter);
+    buildFileManager(splitter);
+    buildViewArea(splitter);
+    splitter->setStretchFactor(0, 1);
+    splitter->setStretchFactor(1, 3);
+    splitter->setSizes({360, 1000});
+    onSelectionChanged();
+}
+
+void DatasetPlugin::buildFileManager(QSplitter* splitter)
+{
+    w_fileManager = new QWidget(splitter);
+    w_fileManager->setObjectName(QStringLiteral("w_fileManager"));
+    auto* layout = new QVBoxLayout(w_fileManager);
+    layout->setContentsMargins(2, 2, 2, 2);
+    auto* buttons = new QHBoxLayout;
+    tb_display = makeToolButton(w_fileManager, "tb_display", tr("Display"),
+                                tr("Show the selected signals and image stacks"), icons(), IconFont::Eye);
+    tb_delete =
+        makeToolButton(w_fileManager, "tb_delete", tr("Delete"),
+                       tr("Delete the selected groups and datasets from the file"), icons(), IconFont::Trash);
+    buttons->addWidget(tb_display);
+    buttons->addWidget(tb_delete);
+    buttons->addStretch(1);
+    layout->addLayout(buttons);
+
+    auto* fileSplitter = new QSplitter(Qt::Vertical, w_fileManager);
+    fileSplitter->setObjectName(QStringLiteral("splitter_file"));
+    m_tree = new DataFileTreeWidget(icons(), fileSplitter);
+    m_tree->setObjectName(QStringLiteral("tw_fileTree"));
+    m_attributes = new AttributesTable(fileSplitter);
+    m_attributes->setObjectName(QStringLiteral("tw_attributes"));
+    fileSplitter->setStretchFactor(0, 3);
+    fileSplitter->setStretchFactor(1, 1);
+    layout->addWidget(fileSplitter, 1);
+
+    connect(tb_display, &QToolButton::clicked, this, &DatasetPlugin::onDisplayClicked);
+    connect(tb_delete, &QToolButton::clicked, this, &DatasetPlugin::onDeleteClicked);
+    connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &DatasetPlugin::onSelectionChanged);
+    connect(m_tree, &DataFileTreeWidget::currentPathChanged, this,
+            [this](const QString& path) { m_attributes->showHistory(*m_tree, path); });
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
+        const DataFileNode* node = m_tree->node(item->data(0, Qt::UserRole).toString());
+        // A double click on a plain group only opens it; on data it also shows it.
+        if (node && displayPaths({node->path}) == 0 && node->kind == ObjectKind::Dataset)
+            emit sendStatusMessage(DD::nothingToDisplayMessage().arg(node->path));
+    });
+}
+
+void DatasetPlugin::buildViewArea(QSplitter* splitter)
+{
+    w_view = new QWidget(splitter);
+    w_view->setObjectName(QStringLiteral("w_view"));
+    auto* layout = new QVBoxLayout(w_view);
+    layout->setContentsMargins(2, 2, 2, 2);
+    auto* buttons = new QHBoxLayout;
+    tb_pipeline = makeToolButton(w_view, "tb_pipeline", DD::pipelineTitle(), tr("Process the selected data"),
+                                 icons(), IconFont::Sitemap);
+    tb_analysis = makeToolButton(w_view, "tb_analysis", DD::analysisTitle(), tr("Analyse the processed data"),
+                                 icons(), IconFont::BarChart);
+    tb_behavior = makeToolButton(w_view, "tb_behavior", DD::behaviorTitle(),
+                                 tr("Behaviour video, tracking and measures"), icons(), IconFont::Paw);
+    for (QToolButton* button : {tb_pipeline, tb_analysis, tb_behavior}) {
+        button->setCheckable(true);
+        buttons->addWidget(button);
+    }
+    buttons->addStretch(1);
+    layout->addLayout(buttons);
+
+    tw_view = new QTabWidget(w_view);
+    tw_view->setObjectName(QStringLiteral("tw_view"));
+    tw_view->setTabsClosable(true);
+    tw_view->setDocumentMode(true);
+    w_pipeline = makePage("w_pipeline", DD::pipelinePlaceholder());
+    w_analysis = makePage("w_analysis", DD::analysisPlaceholder());
+    w_behavior = makePage("w_behavior", DD::behaviorPlaceholder());
+    tw_view->addTab(w_pipeline, tb_pipeline->icon(), DD::pipelineTitle());
+    tw_view->addTab(w_analysis, tb_analysis->icon(), DD::analysisTitle());
+    tw_view->addTab(w_behavior, tb_behavior->icon(), DD::behaviorTitle());
+    // The pages are reached by the tool buttons above; the tab bar lists the displays.
+    for (int i = 0; i < PageCount; ++i)
+        tw_view->setTabVisible(i, false);
+    m_lastPage = w_pipeline;
+    tw_view->setCurrentWidget(w_pipeline);
+    layout->addWidget(tw_view, 1);
+
+    connect(tb_pipeline, &QToolButton::clicked, this, [this] { showPage(w_pipeline); });
+    connect(tb_analysis, &QToolButton::clicked, this, [this] { showPage(w_analysis); });
+    connect(tb_behavior, &QToolButton::clicked, this, [this] { showPage(w_behavior); });
+    connect(tw_view, &QTabWidget::currentChanged, this, &DatasetPlugin::onViewTabChanged);
+    connect(tw_view, &QTabWidget::tabCloseRequested, this, &DatasetPlugin::onViewTabCloseRequested);
+    onViewTabChanged(tw_view->currentIndex());
+}
+
+QWidget* DatasetPlugin::makePage(const char* objectName, const QString& placeholder)
+{
+    auto* page = new QWidget(tw_view);
+    page->setObjectName(QString::fromLatin1(objectName));
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* note = new QLabel(placeholder, page);
+    note->setAlignment(Qt::AlignCenter);
+    note->setEnabled(false);
+    layout->addWidget(note);
+    return page;
+}
+
+void DatasetPlugin::showPage(QWidget* page)
+{
+    m_lastPage = page;
+    tw_view->setCurrentWidget(page);
+}
+
+void DatasetPlugin::placeInPage(QWidget* page, QWidget* content)
+{
+    QLayout* layout = page->layout();
+    while (QLayoutItem* item = layout->takeAt(0)) {
+        if (QWidget* old = item->widget())
+            old->deleteLater();
+        delete item; // a layout item is owned by whoever takes it
+    }
+    content->setParent(page);
+    layout->addWidget(content);
+}
+
+void DatasetPlugin::setPipelineWidget(QWidget* pipeline)
+{
+    placeInPage(w_pipeline, pipeline);
+}
+
+void DatasetPlugin::setAnalysisWidget(QWidget* analysis)
+{
+    placeInPage(w_analysis, analysis);
+}
+
+void DatasetPlugin::setBehaviorWidget(QWidget* behavior)
+{
+    placeInPage(w_behavior, behavior);
+}
+
+QIcon DatasetPlugin::icon() const
+{
+    return icons() ? icons()->icon(IconFont::Database) : QIcon();
+}
+
+QString DatasetPlugin::modeName() const
+{
+    return DD::datasetMode();
+}
+
+void DatasetPlugin::setFileManagerVisible(bool visible)
+{
+    w_fileManager->setVisible(visible);
+}
+
+void DatasetPlugin::setConfirmHandler(std::function<bool(const QString&)> confirm)
+{
+    m_confirm = std::move(confirm);
+}
+
+void DatasetPlugin::setMessageHandler(std::function<void(const QString&)> message)
+{
+    m_message = std::move(message);
+}
+
+bool DatasetPlugin::reloadFile()
+{
+    std::vector<DataFileNode> nodes;
+    if (!readFileTree(nodes))
+        return false;
+    m_tree->setNodes(std::move(nodes));
+    m_attributes->showHistory(*m_tree, m_tree->currentPath());
+    onSelectionChanged();
+    return true;
+}
+
+int DatasetPlugin::displayPaths(const QStringList& paths)
+{
+    QStringList signalPaths;
+    QStringList stackPaths;
+    for (const QString& path : paths) {
+        const DataFileNode* node = m_tree->node(path);
+        if (!node)
+            continue;
+        QString target = path;
+        if (node->kind == ObjectKind::Group) {
+            // A sensor group stands for what it holds.
+            const QString values = SignalDataset::valuesPath(path);
+            const QString stack = path + QLatin1Char('/') + FD::ImageStack;
+            target = m_tree->node(values) ? values : m_tree->node(stack) ? stack : QString();
+        }
+        const DataFileNode* shown = target.isEmpty() ? nullptr : m_tree->node(target);
+        if (!shown || shown->kind != ObjectKind::Dataset)
+            continue;
+        if (shown->dimensions.size() == 3 && !stackPaths.contains(target))
+            stackPaths << target;
+        else if (shown->dimensions.size() == 1 && shown->name != FD::Time && !signalPaths.contains(target))
+            signalPaths << target;
+    }
+    int added = signalPaths.isEmpty() ? 0 : showSignals(signalPaths);
+    for (const QString& path : stackPaths)
+        added += showImageStack(path);
+    return added;
+}
+
+int DatasetPlugin::showSignals(const QStringList& paths)
+{
+    std::vector<std::pair<QString, Signal>> loaded;
+    QStringList shownPaths;
+    {
+        GuiFileRead read(filePath());
+        if (!read.isOpen()) {
+            emit sendStatusMessage(read.isBusy() ? read.error()
+                                                 : DD::readFailedMessage().arg(filePath(), read.error()));
+            return 0;
+        }
+        for (const QString& path : paths) {
+            Signal signal;
+            QString error;
+            if (SignalDataset::read(read.reader(), path, signal, error)) {
+                loaded.emplace_back(displayName(path), std::move(signal));
+                shownPaths << path;
+            } else {
+                emit sendStatusMessage(DD::readFailedMessage().arg(path, error));
+            }
+        }
+    }
+    if (loaded.empty())
+        return 0;
+    auto plot = std::make_unique<SignalPlotWidget>();
+    QStringList names;
+    for (auto& [name, signal] : loaded) {
+        names << name;
+        plot->addSignal(name, std::move(signal));
+    }
+    // The tab widget owns the plot from here on.
+    return addDisplayTab(plot.release(), names.size() == 1 ? names.first() : DD::signalsTabTitle(),
+                         shownPaths);
+}
+
+int DatasetPlugin::showImageStack(const QString& path)
+{
+    auto stack = std::make_unique<ImageStackWidget>(filePath(), path);
+    QString error;
+    if (!stack->load(error)) {
+        emit sendStatusMessage(DD::readFailedMessage().arg(path, error));
+        return 0;
+    }
+    connect(stack.get(), &ImageStackWidget::sendStatusMessage, this, &AbstractPlugin::sendStatusMessage);
+    return addDisplayTab(stack.release(), displayName(path), {path}); // the tab widget owns it now
+}
+
+int DatasetPlugin::addDisplayTab(QWidget* display, const QString& title, const QStringList& paths)
+{
+    display->setProperty(DisplayPathsProperty, paths);
+    const int index = tw_view->addTab(display, title);
+    tw_view->setTabToolTip(index, paths.join(QLatin1Char('\n')));
+    tw_view->setCurrentIndex(index);
+    return 1;
+}
+
+bool DatasetPlugin::deletePaths(const QStringList& paths)
+{
+    // A member of a group that goes anyway needs no removal of its own.
+    QStringList targets;
+    for (const QString& path : paths) {
+        const bool covered = std::any_of(paths.begin(), paths.end(), [&](const QString& other) {
+            return other != path && isSameOrUnder(path, other);
+        });
+        if (!covered && m_tree->node(path))
+            targets << path;
+    }
+    if (targets.isEmpty() || !m_confirm(DD::deleteQuestion().arg(targets.join(QStringLiteral("<br>")))))
+        return false;
+
+    QStringList failures;
+    {
+        const auto lock = FileAccessLock::tryLock(filePath());
+        if (!lock.owns_lock()) {
+            emit sendStatusMessage(DD::fileBusyMessage());
+            return false;
+        }
+        HDF5Writer_V6 writer;
+        if (writer.open(filePath()) < 0) {
+            m_message(DD::deleteFailedMessage().arg(targets.join(QStringLiteral(", ")), writer.lastError()));
+            return false;
+        }
+        for (const QString& path : targets)
+            if (!writer.deleteLink(writer.fileId(), path))
+                failures << DD::deleteFailedMessage().arg(path, writer.lastError());
+        writer.closeFile();
+    }
+
+    // Displays of removed data would show what the file no longer holds.
+    for (int i = tw_view->count() - 1; i >= PageCount; --i) {
+        const QStringList shown = tw_view->widget(i)->property(DisplayPathsProperty).toStringList();
+        const bool removed = std::any_of(shown.begin(), shown.end(), [&](const QString& p) {
+            return std::any_of(targets.begin(), targets.end(),
+                               [&](const QString& target) { return isSameOrUnder(p, target); });
+        });
+        if (removed)
+            onViewTabCloseRequested(i);
+    }
+    reloadFile();
+    if (!failures.isEmpty())
+        m_message(failures.join(QStringLiteral("<br>")));
+    return failures.isEmpty();
+}
+
+void DatasetPlugin::onDisplayClicked()
+{
+    const QStringList paths = m_tree->selectedPaths();
+    if (displayPaths(paths) == 0 && !paths.isEmpty())
+        emit sendStatusMessage(DD::nothingToDisplayMessage().arg(paths.join(QStringLiteral(", "))));
+}
+
+void DatasetPlugin::onDeleteClicked()
+{
+    deletePaths(m_tree->selectedPaths());
+}
+
+void DatasetPlugin::onSelectionChanged()
+{
+    const bool any = !m_tree->selectedPaths().isEmpty();
+    tb_display->setEnabled(any);
+    tb_delete->setEnabled(any);
+}
+
+void DatasetPlugin::onViewTabChanged(int index)
+{
+    tb_pipeline->setChecked(index == tw_view->indexOf(w_pipeline));
+    tb_analysis->setChecked(index == tw_view->indexOf(w_analysis));
+    tb_behavior->setChecked(index == tw_view->indexOf(w_behavior));
+}
+
+void DatasetPlugin::onViewTabCloseRequested(int index)
+{
+    if (index < PageCount)
+        return;
+    QWidget* display = tw_view->widget(index);
+    tw_view->removeTab(index);
+    display->deleteLater();
+    // With no display left, the page last chosen comes back.
+    if (tw_view->count() == PageCount)
+        tw_view->setCurrentWidget(m_lastPage);
+}
+
+} // namespace zarvi

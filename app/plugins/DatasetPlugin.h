@@ -1,0 +1,95 @@
+#pragma once
+
+#include "app/plugins/AbstractPlugin.h"
+
+#include <functional>
+
+class QSplitter;
+class QTabWidget;
+class QToolButton;
+
+namespace zarvi {
+
+class AttributesTable;
+class DataFileTreeWidget;
+
+/// Shows a data file: on the left the file manager (the file tree with the
+/// attributes of the selection, display and delete buttons), on the right the
+/// view area with the processing pipeline, the analysis and the behaviour pages
+/// and one tab per displayed selection (signal plots, image stacks). The
+/// pipeline and the views are given to it by their owners. GUI thread.
+class DatasetPlugin : public AbstractPlugin
+{
+    Q_OBJECT
+
+public:
+    DatasetPlugin(const QString& applicationName, const QString& version, IconFont* icons,
+                  QWidget* parent = nullptr);
+
+    QIcon icon() const override;
+    QString modeName() const override;
+    void setFileManagerVisible(bool visible) override;
+
+    /// The place of the processing pipeline: its page in the view area, which
+    /// `tb_pipeline` shows. The plug-in takes ownership of the widget.
+    void setPipelineWidget(QWidget* pipeline);
+    /// The analysis page (`tb_analysis`); the plug-in takes ownership.
+    void setAnalysisWidget(QWidget* analysis);
+    /// The behaviour page (`tb_behavior`); the plug-in takes ownership.
+    void setBehaviorWidget(QWidget* behavior);
+
+    /// Shows the datasets at these paths: 1-D signals together in one plot,
+    /// each image stack in a browser of its own (a sensor group stands for the
+    /// signal or stack it holds). Returns how many tabs were added.
+    int displayPaths(const QStringList& paths);
+    /// Asks for confirmation, then removes the groups and datasets and re-reads
+    /// the file. False when refused, busy or when a removal failed.
+    bool deletePaths(const QStringList& paths);
+
+    /// Replace the confirmation box and the message box (rich text) used by deletion.
+    void setConfirmHandler(std::function<bool(const QString&)> confirm);
+    void setMessageHandler(std::function<void(const QString&)> message);
+
+    DataFileTreeWidget* fileTree() const { return m_tree; }
+    AttributesTable* attributesTable() const { return m_attributes; }
+    QTabWidget* viewTabs() const { return tw_view; }
+
+public slots:
+    bool reloadFile() override;
+
+private slots:
+    void onDisplayClicked();
+    void onDeleteClicked();
+    void onSelectionChanged();
+    void onViewTabChanged(int index);
+    void onViewTabCloseRequested(int index);
+
+private:
+    void buildFileManager(QSplitter* splitter);
+    void buildViewArea(QSplitter* splitter);
+    QWidget* makePage(const char* objectName, const QString& placeholder);
+    void showPage(QWidget* page);
+    void placeInPage(QWidget* page, QWidget* content);
+    int showSignals(const QStringList& paths);
+    int showImageStack(const QString& path);
+    int addDisplayTab(QWidget* display, const QString& title, const QStringList& paths);
+
+    QWidget* w_fileManager = nullptr;
+    QToolButton* tb_display = nullptr;
+    QToolButton* tb_delete = nullptr;
+    DataFileTreeWidget* m_tree = nullptr;
+    AttributesTable* m_attributes = nullptr;
+    QWidget* w_view = nullptr;
+    QToolButton* tb_pipeline = nullptr;
+    QToolButton* tb_analysis = nullptr;
+    QToolButton* tb_behavior = nullptr;
+    QTabWidget* tw_view = nullptr;
+    QWidget* w_pipeline = nullptr;
+    QWidget* w_analysis = nullptr;
+    QWidget* w_behavior = nullptr;
+    QWidget* m_lastPage = nullptr;
+    std::function<bool(const QString&)> m_confirm;
+    std::function<void(const QString&)> m_message;
+};
+
+} // namespace zarvi

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+namespace zarvi {
+
+/// Labels and messages of the dataset and experiment plug-ins and of the
+/// dataset browsers (file tree, attributes, signal and image viewers).
+/// Constants only, safe to read from any thread; labels go through tr.
+class DatasetDefinitions
+{
+    Q_DECLARE_TR_FUNCTIONS(DatasetDefinitions)
+
+public:
+    // Pages of the view area.
+    static QString pipelineTitle() { return tr("Pipeline"); }
+    static QString analysisTitle() { return tr("Analysis"); }
+    static QString behaviorTitle() { return tr("Behavior"); }
+    static QString pipelinePlaceholder() { return tr("The processing pipeline appears here."); }
+    static QString analysisPlaceholder() { return tr("The analysis view appears here."); }
+    static QString behaviorPlaceholder() { return tr("The behaviour view appears here."); }
+
+    // Modes shown by the main window.
+    static QString datasetMode() { return tr("Dataset"); }
+    static QString experimentMode() { return tr("Experiment"); }
+
+    // File tree and attributes.
+    static QString nameHeader() { return tr("Name"); }
+    static QString shapeHeader() { return tr("Shape"); }
+    static QString typeHeader() { return tr("Type"); }
+    static QString groupType() { return tr("group"); }
+    static QString attributeHeader() { return tr("Attribute"); }
+    static QString valueHeader() { return tr("Value"); }
+    static QString sourceSection() { return tr("Source: %1"); }
+
+    // Access and display messages.
+    static QString fileBusyMessage() { return tr("File is busy"); }
+    static QString nothingToDisplayMessage() { return tr("Nothing to display in %1."); }
+    static QString deleteQuestion()
+    {
+        return tr("Delete <b>%1</b> from the file?<br>The space it used is reclaimed only when the file is "
+                  "repacked.");
+    }
+    static QString deleteFailedMessage() { return tr("Unable to delete <b>%1</b>: %2"); }
+    static QString readFailedMessage() { return tr("Unable to read %1: %2"); }
+    static QString notAnImageStackMessage()
+    {
+        return tr("%1 is not an image stack of height x width x frames.");
+    }
+
+    // Viewers.
+    static QString timeAxisLabel() { return tr("Time (s)"); }
+    static QString frameLabel() { return tr("Frame %1 / %2"); }
+    static QString frameTimeLabel() { return tr("Frame %1 / %2   t = %3 s"); }
+    static QString pixelLabel() { return tr("x %1  y %2  value %3"); }
+    static QString autoContrastLabel() { return tr("Autocontrast"); }
+    static QString signalsTabTitle() { return tr("Signals"); }
+
+    /// Percentiles of a frame that autocontrast maps to black and to white.
+    static constexpr double AutoContrastLow = 0.5;
+    static constexpr double AutoContrastHigh = 99.5;
+};
+
+} // namespace zarvi
