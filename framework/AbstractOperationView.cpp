@@ -109,9 +109,11 @@ bool AbstractOperationView::run()
 
 void AbstractOperationView::onProgressReceived(int progress, bool setApplicationModal)
 {
+    // Pass the value on first: a modal dialog's setValue() turns the event loop,
+    // which may deliver the next value before this one returned.
+    emit sendProgress(progress, setApplicationModal);
     m_progressDialog->setWindowModality(setApplicationModal ? Qt::ApplicationModal : Qt::NonModal);
     m_progressDialog->setValue(progress);
-    emit sendProgress(progress, setApplicationModal);
 }
 
 void AbstractOperationView::onProgressLabelReceived(const QString& label)

@@ -6,11 +6,14 @@
 #include "app/browser/GuiFileRead.h"
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
+#include "analysis/AnalysisPipeline.h"
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/DatasetPipeline.h"
+#include "framework/DatasetSelector.h"
 #include "framework/FileAccessLock.h"
 
 #include <QHBoxLayout>
@@ -98,6 +101,7 @@ DatasetPlugin::DatasetPlugin(const QString& applicationName, const QString& vers
     layout->addWidget(splitter);
     buildFileManager(splitter);
     buildViewArea(splitter);
+    buildPipelines();
     splitter->setStretchFactor(0, 1);
     splitter->setStretchFactor(1, 3);
     splitter->setSizes({360, 1000});
@@ -260,11 +264,25 @@ void DatasetPlugin::setMessageHandler(std::function<void(const QString&)> messag
     m_message = std::move(message);
 }
 
+void DatasetPlugin::buildPipelines()
+{
+    m_pipeline = new DatasetPipeline;
+    setPipelineWidget(m_pipeline);
+    m_analysis = new AnalysisPipeline;
+    setAnalysisWidget(m_analysis);
+    for (AbstractPipeline* pipeline : {static_cast<AbstractPipeline*>(m_pipeline), static_cast<AbstractPipeline*>(m_analysis)})
+        connect(pipeline, &AbstractPipeline::sendOperationProcessFinished, this, [this] { reloadFile(); });
+    // The analyses work on the datasets chosen for processing.
+    connect(m_pipeline->selector(), &DatasetSelector::selectionChanged, this,
+            [this](const QStringList& paths) { m_analysis->setData(filePath(), paths); });
+}
+
 bool DatasetPlugin::reloadFile()
 {
     std::vector<DataFileNode> nodes;
     if (!readFileTree(nodes))
         return false;
+    m_pipeline->reload(filePath());
     m_tree->setNodes(std::move(nodes));
     m_attributes->showHistory(*m_tree, m_tree->currentPath());
     onSelectionChanged();

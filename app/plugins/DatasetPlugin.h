@@ -10,14 +10,17 @@ class QToolButton;
 
 namespace zarvi {
 
+class AnalysisPipeline;
 class AttributesTable;
 class DataFileTreeWidget;
+class DatasetPipeline;
 
 /// Shows a data file: on the left the file manager (the file tree with the
 /// attributes of the selection, display and delete buttons), on the right the
 /// view area with the processing pipeline, the analysis and the behaviour pages
 /// and one tab per displayed selection (signal plots, image stacks). The
-/// pipeline and the views are given to it by their owners. GUI thread.
+/// pipeline and the analysis pages are its own; after every run they report
+/// to, the plug-in re-reads the file. GUI thread.
 class DatasetPlugin : public AbstractPlugin
 {
     Q_OBJECT
@@ -51,6 +54,8 @@ public:
     void setMessageHandler(std::function<void(const QString&)> message);
 
     DataFileTreeWidget* fileTree() const { return m_tree; }
+    DatasetPipeline* pipeline() const { return m_pipeline; }
+    AnalysisPipeline* analysis() const { return m_analysis; }
     AttributesTable* attributesTable() const { return m_attributes; }
     QTabWidget* viewTabs() const { return tw_view; }
 
@@ -67,6 +72,7 @@ private slots:
 private:
     void buildFileManager(QSplitter* splitter);
     void buildViewArea(QSplitter* splitter);
+    void buildPipelines();
     QWidget* makePage(const char* objectName, const QString& placeholder);
     void showPage(QWidget* page);
     void placeInPage(QWidget* page, QWidget* content);
@@ -79,6 +85,8 @@ private:
     QToolButton* tb_delete = nullptr;
     DataFileTreeWidget* m_tree = nullptr;
     AttributesTable* m_attributes = nullptr;
+    DatasetPipeline* m_pipeline = nullptr;
+    AnalysisPipeline* m_analysis = nullptr;
     QWidget* w_view = nullptr;
     QToolButton* tb_pipeline = nullptr;
     QToolButton* tb_analysis = nullptr;
