@@ -29,26 +29,34 @@ TEST(ChunkStatistic, EveryKindOnHandValues)
     const std::vector<double> values{0, 2, 2};
     const std::vector<double> times{0, 1, 3};
     // Trapezoids 1 * (0 + 2) / 2 + 2 * (2 + 2) / 2 = 5 over 3 seconds.
-    EXPECT_DOUBLE_EQ(statistic.compute(K::AUC, values, times), 5.0 / 3.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Mean, values, times), 4.0 / 3.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, std::vector<double>{4, 1, 3, 2}, {}), 2.5);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, std::vector<double>{4, 1, 3}, {}), 3.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Maximum, std::vector<double>{-1, 5, 3}, {}), 5.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Minimum, std::vector<double>{-1, 5, 3}, {}), -1.0);
+    EXPECT_DOUBLE_EQ(statistic.computeAt(K::AUC, values, times), 5.0 / 3.0);
+    EXPECT_DOUBLE_EQ(statistic.computeAt(K::Mean, values, times), 4.0 / 3.0);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, std::vector<double>{4, 1, 3, 2}), 2.5);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, std::vector<double>{4, 1, 3}), 3.0);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Maximum, std::vector<double>{-1, 5, 3}), 5.0);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Minimum, std::vector<double>{-1, 5, 3}), -1.0);
 
     // Spike times 0, 0.5, 1.5, 2: intervals 0.5, 1, 0.5 average 2/3 s.
     const std::vector<double> spikes{0, 0.5, 1.5, 2.0};
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Frequency, spikes, spikes), 1.5);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Count, spikes, spikes), 4.0);
-    EXPECT_EQ(statistic.compute(K::Frequency, std::vector<double>{1.0}, std::vector<double>{1.0}), 0.0);
+    EXPECT_DOUBLE_EQ(statistic.computeAt(K::Frequency, spikes, spikes), 1.5);
+    EXPECT_DOUBLE_EQ(statistic.computeAt(K::Count, spikes, spikes), 4.0);
+    EXPECT_EQ(statistic.computeAt(K::Frequency, std::vector<double>{1.0}, std::vector<double>{1.0}), 0.0);
 
     // AUC of a constant is the constant, whatever the times.
-    EXPECT_DOUBLE_EQ(statistic.compute(K::AUC, std::vector<double>{2.5, 2.5, 2.5}, std::vector<double>{-3, -1, 4}),
+    EXPECT_DOUBLE_EQ(statistic.computeAt(K::AUC, std::vector<double>{2.5, 2.5, 2.5}, std::vector<double>{-3, -1, 4}),
                      2.5);
 
     for (K kind : {K::AUC, K::Mean, K::Median, K::Maximum, K::Minimum, K::Frequency, K::Count})
-        EXPECT_TRUE(std::isnan(statistic.compute(kind, {}, {})));
-    EXPECT_TRUE(std::isnan(statistic.compute(K::Maximum, std::vector<double>{1, NAN, 3}, {})));
+        EXPECT_TRUE(std::isnan(statistic.computeAt(kind, {}, {})));
+    EXPECT_TRUE(std::isnan(statistic.compute(K::Maximum, std::vector<double>{1, NAN, 3})));
+
+    // A row scale maps 1, 2, 3 to (x - 1) / 2 = 0, 0.5, 1 before the statistic.
+    const std::vector<double> row{3, 1, 2};
+    const RowScale half = RowScale::of(1.0, 2.0);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Mean, row, half), 0.5);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, row, half), 0.5);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Maximum, row, half), 1.0);
+    EXPECT_DOUBLE_EQ(statistic.compute(K::Minimum, row, half), 0.0);
 
     EXPECT_EQ(ChunkStatistic::fromName("Frequency"), K::Frequency);
     EXPECT_EQ(ChunkStatistic::nameOf(K::AUC), "AUC");

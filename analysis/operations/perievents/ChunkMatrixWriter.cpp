@@ -15,18 +15,40 @@ namespace zarvi {
 namespace {
 
 constexpr std::size_t LineDoubles = 8; // one 64-byte cache line
+/// Rows a band may draw from: a line starting on the band's last row reaches 7 rows further.
 constexpr std::size_t BandSources = 2 * LineDoubles - 1;
 
-/// Stores one cache line of 8 values. Non-temporal where available: the matrix is
-/// far larger than the cache and is not read again here, so the line need not be
-/// fetched before it is overwritten.
-inline void storeLine(double* line, const double* v)
+/// The rows of one band: where each row's chunk starts and its scale, in separate
+/// arrays so that neighbouring rows load as pairs.
+struct BandRows
 {
+    std::array<const double*, BandSources> source{};
+    std::array<double, BandSources> centre{};
+    std::array<double, BandSources> inverse{};
+};
+
+/// Stores the whole cache line `target` from eight consecutive rows of column `col`,
+/// starting at band row `r`: scaled() of each value, computed pairwise. The line is
+/// stored past the cache where possible: the matrix is far larger than the cache
+/// and is not read again here, so it need not be fetched before being overwritten.
+template <bool Scaled>
+inline void storeLine(double* target, const BandRows& rows, std::size_t r, std::size_t col)
+{
+    const double* const* source = rows.source.data() + r;
 #if defined(__SSE2__)
-    for (std::size_t u = 0; u < LineDoubles; u += 2)
-        _mm_stream_pd(line + u, _mm_set_pd(v[u + 1], v[u]));
+    for (std::size_t u = 0; u < LineDoubles; u += 2) {
+        __m128d v = _mm_set_pd(source[u + 1][col], source[u][col]);
+        if constexpr (Scaled) {
+            v = _mm_mul_pd(_mm_sub_pd(v, _mm_loadu_pd(rows.centre.data() + r + u)),
+                           _mm_loadu_pd(rows.inverse.data() + r + u));
+        }
+        _mm_stream_pd(target + u, v);
+    }
 #else
-    std::copy(v, v + LineDoubles, line);
+    for (std::size_t u = 0; u < LineDoubles; ++u) {
+        const double v = source[u][col];
+        target[u] = Scaled ? scaled(v, RowScale{rows.centre[r + u], rows.inverse[r + u]}) : v;
+    }
 #endif
 }
 
@@ -71,55 +93,49 @@ public:
     }
 
 private:
-    double value(std::size_t row, std::size_t col) const
+    double valueAt(std::size_t g) const
     {
-        const double v = m_values[m_starts[row] + col];
+        const std::size_t row = g % m_rows;
+        const double v = m_values[m_starts[row] + g / m_rows];
         if constexpr (Scaled)
             return scaled(v, m_scales[row]);
         else
             return v;
     }
 
-    double valueAt(std::size_t g) const { return value(g % m_rows, g / m_rows); }
-
     /// Writes every whole line whose first value lies in rows [first, first + 8) of
-    /// some column. Such a line holds rows first + offset .. first + offset + 7, with
-    /// the offset fixed by the column's alignment; past the last row it wraps into
-    /// the next column.
+    /// some column. Such a line holds rows first + offset .. first + offset + 7, the
+    /// offset fixed by the column's alignment; past the last row it wraps into the
+    /// next column, and those few lines are gathered value by value.
     void writeBand(std::size_t first)
     {
-        std::array<const double*, BandSources> source{};
-        std::array<RowScale, BandSources> scale{};
+        BandRows rows;
         const std::size_t available = std::min(BandSources, m_rows - first);
         for (std::size_t r = 0; r < available; ++r) {
-            source[r] = m_values + m_starts[first + r];
-            if constexpr (Scaled)
-                scale[r] = m_scales[first + r];
+            rows.source[r] = m_values + m_starts[first + r];
+            if constexpr (Scaled) {
+                rows.centre[r] = m_scales[first + r].centre;
+                rows.inverse[r] = m_scales[first + r].inverseScale;
+            }
         }
         const std::size_t step = m_rows % LineDoubles;
         // Offset of the line start within the band: (head - col * rows) mod 8.
         std::size_t offset = m_head % LineDoubles;
-        std::array<double, LineDoubles> line{};
-        for (std::size_t col = 0; col < m_cols; ++col, offset = (offset + LineDoubles - step) % LineDoubles) {
-            const std::size_t row = first + offset;
-            if (row >= m_rows)
-                continue; // this line starts in the next column's first band
-            const std::size_t g = col * m_rows + row;
+        std::size_t columnStart = first;
+        for (std::size_t col = 0; col < m_cols;
+             ++col, columnStart += m_rows, offset = (offset + LineDoubles - step) % LineDoubles) {
+            const std::size_t g = columnStart + offset;
             if (g + LineDoubles > m_lineEnd)
                 continue; // the tail, already stored value by value
             if (offset + LineDoubles <= available) {
-                for (std::size_t u = 0; u < LineDoubles; ++u) {
-                    const double v = source[offset + u][col];
-                    if constexpr (Scaled)
-                        line[u] = scaled(v, scale[offset + u]);
-                    else
-                        line[u] = v;
-                }
-            } else {
+                storeLine<Scaled>(m_out + g, rows, offset, col);
+            } else if (first + offset < m_rows) {
+                std::array<double, LineDoubles> line;
                 for (std::size_t u = 0; u < LineDoubles; ++u)
                     line[u] = valueAt(g + u);
+                std::copy(line.begin(), line.end(), m_out + g);
             }
-            storeLine(m_out + g, line.data());
+            // Otherwise the line starts in the next column's first band.
         }
     }
 

@@ -23,21 +23,6 @@ struct ChunkPlan
     std::size_t rows() const { return sourceStarts.size(); }
 };
 
-/// The affine map of one row's normalisation: every value becomes (x - centre) / scale.
-/// The identity by default.
-struct RowScale
-{
-    double centre = 0.0;
-    double scale = 1.0;
-};
-
-/// The one place where a row's normalisation is evaluated, so that the matrix and the
-/// statistics computed beside it see bit-identical values.
-inline double scaled(double value, const RowScale& row)
-{
-    return (value - row.centre) / row.scale;
-}
-
 /// The (int) conversion, truncating toward zero, that all chunk index arithmetic uses;
 /// nullopt for NaN or a value outside the range of int, where the cast is undefined.
 inline std::optional<int> truncatedIndex(double value)

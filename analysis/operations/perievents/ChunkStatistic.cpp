@@ -1,5 +1,6 @@
 #include "analysis/operations/perievents/ChunkStatistic.h"
 
+#include "analysis/operations/perievents/LaneReduction.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 
 #include <algorithm>
@@ -17,23 +18,18 @@ bool hasNaN(std::span<const double> values)
     return std::any_of(values.begin(), values.end(), [](double v) { return std::isnan(v); });
 }
 
-double mean(std::span<const double> values)
+/// The largest (or, with `Less` reversed, smallest) scaled value; NaN if any value is NaN.
+template <typename Less>
+double extreme(std::span<const double> values, const RowScale& scale, Less less)
 {
-    double sum = 0.0;
-    for (const double v : values)
-        sum += v;
-    return sum / static_cast<double>(values.size());
-}
-
-double areaPerSecond(std::span<const double> values, std::span<const double> times)
-{
-    double area = 0.0;
-    double latest = times[0];
+    if (hasNaN(values))
+        return NaN;
+    double best = scaled(values[0], scale);
     for (std::size_t j = 1; j < values.size(); ++j) {
-        area += (times[j] - times[j - 1]) * (values[j] + values[j - 1]) * 0.5;
-        latest = std::max(latest, times[j]);
+        const double v = scaled(values[j], scale);
+        best = less(best, v) ? v : best;
     }
-    return area / (latest - times[0]);
+    return best;
 }
 
 } // namespace
@@ -80,36 +76,67 @@ QString ChunkStatistic::nameOf(Kind kind)
     return {};
 }
 
-double ChunkStatistic::compute(Kind kind, std::span<const double> values, std::span<const double> times)
+void ChunkStatistic::setTimes(std::span<const double> times)
+{
+    const std::size_t n = times.size();
+    m_weights.assign(n, 0.0);
+    if (n == 0)
+        return;
+    m_firstTime = times.front();
+    m_lastTime = times.back();
+    m_greatestTime = laneMax(times.data(), n);
+    if (n < 2)
+        return;
+    m_weights[0] = (times[1] - times[0]) * 0.5;
+    for (std::size_t j = 1; j + 1 < n; ++j)
+        m_weights[j] = (times[j + 1] - times[j - 1]) * 0.5;
+    m_weights[n - 1] = (times[n - 1] - times[n - 2]) * 0.5;
+}
+
+double ChunkStatistic::computeAt(Kind kind, std::span<const double> values, std::span<const double> times)
+{
+    setTimes(times);
+    return compute(kind, values);
+}
+
+double ChunkStatistic::compute(Kind kind, std::span<const double> values, const RowScale& scale)
 {
     if (values.empty())
         return NaN;
+    const double* v = values.data();
     switch (kind) {
-    case Kind::AUC:
-        return areaPerSecond(values, times);
+    case Kind::AUC: {
+        const double* w = m_weights.data();
+        return laneSum(values.size(), [v, w, scale](std::size_t j) { return w[j] * scaled(v[j], scale); }) /
+               (m_greatestTime - m_firstTime);
+    }
     case Kind::Mean:
-        return mean(values);
+        return laneSum(values.size(), [v, scale](std::size_t j) { return scaled(v[j], scale); }) /
+               static_cast<double>(values.size());
     case Kind::Median:
-        return median(values);
+        return median(values, scale);
     case Kind::Maximum:
-        return hasNaN(values) ? NaN : *std::max_element(values.begin(), values.end());
+        return extreme(values, scale, [](double a, double b) { return a < b; });
     case Kind::Minimum:
-        return hasNaN(values) ? NaN : *std::min_element(values.begin(), values.end());
+        return extreme(values, scale, [](double a, double b) { return b < a; });
     case Kind::Frequency:
         // The mean of the consecutive differences telescopes to span / (n - 1).
-        return times.size() < 2 ? 0.0
-                                : static_cast<double>(times.size() - 1) / (times.back() - times.front());
+        return m_weights.size() < 2
+                   ? 0.0
+                   : static_cast<double>(m_weights.size() - 1) / (m_lastTime - m_firstTime);
     case Kind::Count:
         return static_cast<double>(values.size());
     }
     return NaN;
 }
 
-double ChunkStatistic::median(std::span<const double> values)
+double ChunkStatistic::median(std::span<const double> values, const RowScale& scale)
 {
     if (hasNaN(values))
         return NaN;
-    m_scratch.assign(values.begin(), values.end());
+    m_scratch.resize(values.size());
+    for (std::size_t j = 0; j < values.size(); ++j)
+        m_scratch[j] = scaled(values[j], scale);
     const std::size_t half = m_scratch.size() / 2;
     const auto middle = m_scratch.begin() + static_cast<std::ptrdiff_t>(half);
     std::nth_element(m_scratch.begin(), middle, m_scratch.end());

@@ -2,6 +2,7 @@
 
 #include "framework/Feedback.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 
@@ -29,8 +30,10 @@ std::optional<ChunkPlan> PerieventCutter::plan(std::span<const double> time, std
         if (feedback && feedback->isCanceled())
             return std::nullopt;
         const double e = eventTimes[k];
-        while (i < n - 2 && e > time[i])
-            ++i;
+        // Advance while i < N - 2 and e > t[i]: on an increasing time vector, the first
+        // sample at or after e, searched by bisection from the index reached so far.
+        if (i < n - 2 && e > time[i])
+            i = std::lower_bound(time.begin() + i, time.begin() + (n - 2), e) - time.begin();
         if (i + 1 < n && std::abs(time[i + 1] - e) < std::abs(time[i] - e))
             ++i;
         const std::ptrdiff_t first = i + plan.startOffset;

@@ -29,7 +29,8 @@ public:
     ///
     /// A row is kept only when i + startOffset >= 0, i + endOffset >= 0 and
     /// i + endOffset <= N - 1 (one sample stays in reserve after the chunk), and when
-    /// its first value is not NaN. `time` and `values` have the same length.
+    /// its first value is not NaN. `time` is increasing, as a signal's time vector is,
+    /// and as long as `values`.
     /// Polls `feedback` once per event; nullopt when cancelled.
     static std::optional<ChunkPlan> plan(std::span<const double> time, std::span<const double> values,
                                          std::span<const double> eventTimes, double windowStart,

@@ -1,5 +1,7 @@
 #include "analysis/operations/perievents/PerieventNormalizer.h"
 
+#include "analysis/operations/perievents/ChunkPlan.h"
+#include "analysis/operations/perievents/LaneReduction.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 
 #include <algorithm>
@@ -37,34 +39,33 @@ std::optional<RowScale> PerieventNormalizer::scaleOf(std::span<const double> bas
     if (baseline.empty())
         return std::nullopt;
     const auto n = static_cast<double>(baseline.size());
-    RowScale row;
+    double centre = 0.0;
+    double scale = 1.0;
     switch (method) {
     case Method::Mean:
     case Method::StandardZScore: {
-        double sum = 0.0;
-        for (const double v : baseline)
-            sum += v;
-        row.centre = sum / n;
+        const double* v = baseline.data();
+        centre = laneSum(baseline.size(), [v](std::size_t j) { return v[j]; }) / n;
         if (method == Method::Mean)
             break;
-        double squares = 0.0;
-        for (const double v : baseline)
-            squares += (v - row.centre) * (v - row.centre);
-        row.scale = baseline.size() > 1 ? std::sqrt(squares / (n - 1.0)) : 0.0;
+        const double c = centre;
+        const double squares =
+            laneSum(baseline.size(), [v, c](std::size_t j) { return (v[j] - c) * (v[j] - c); });
+        scale = baseline.size() > 1 ? std::sqrt(squares / (n - 1.0)) : 0.0;
         break;
     }
     case Method::ModifiedZScore: {
         if (std::any_of(baseline.begin(), baseline.end(), [](double v) { return std::isnan(v); }))
             return std::nullopt;
-        row.centre = m_statistic.compute(ChunkStatistic::Kind::Median, baseline, {});
+        centre = m_statistic.compute(ChunkStatistic::Kind::Median, baseline);
         m_deviations.resize(baseline.size());
         for (std::size_t j = 0; j < baseline.size(); ++j)
-            m_deviations[j] = std::abs(baseline[j] - row.centre);
-        row.scale = m_statistic.compute(ChunkStatistic::Kind::Median, m_deviations, {});
+            m_deviations[j] = std::abs(baseline[j] - centre);
+        scale = m_statistic.compute(ChunkStatistic::Kind::Median, m_deviations);
         break;
     }
     }
-    return row;
+    return RowScale::of(centre, scale);
 }
 
 } // namespace zarvi

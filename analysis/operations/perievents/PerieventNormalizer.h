@@ -1,7 +1,7 @@
 #pragma once
 
-#include "analysis/operations/perievents/ChunkPlan.h"
 #include "analysis/operations/perievents/ChunkStatistic.h"
+#include "analysis/operations/perievents/RowScale.h"
 
 #include <QString>
 

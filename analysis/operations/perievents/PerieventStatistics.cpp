@@ -40,27 +40,19 @@ bool PerieventStatistics::compute(std::span<const double> values, const ChunkPla
     for (arma::mat& matrix : out)
         matrix.set_size(plan.rows(), frames.size());
 
-    std::vector<Columns> columns;
-    std::vector<std::vector<double>> times;
-    for (const TimeFrame& frame : frames) {
-        columns.push_back(frameColumns(frame, windowStart, sampleRate, plan.length));
-        times.push_back(frameTimes(frame, columns.back(), sampleRate));
-    }
-
+    // Frame by frame, so that each frame's times are prepared once for all rows.
     ChunkStatistic statistic;
-    std::vector<double> chunk;
-    chunk.reserve(plan.length);
-    for (std::size_t row = 0; row < plan.rows(); ++row) {
-        if (feedback && feedback->isCanceled())
-            return false;
-        const RowScale scale = scales.empty() ? RowScale{} : scales[row];
-        for (std::size_t f = 0; f < frames.size(); ++f) {
-            const double* source = values.data() + plan.sourceStarts[row];
-            chunk.resize(columns[f].last - columns[f].first);
-            for (std::size_t j = columns[f].first; j < columns[f].last; ++j)
-                chunk[j - columns[f].first] = scaled(source[j], scale);
+    for (std::size_t f = 0; f < frames.size(); ++f) {
+        const Columns columns = frameColumns(frames[f], windowStart, sampleRate, plan.length);
+        statistic.setTimes(frameTimes(frames[f], columns, sampleRate));
+        for (std::size_t row = 0; row < plan.rows(); ++row) {
+            if (feedback && feedback->isCanceled())
+                return false;
+            const std::span<const double> chunk =
+                values.subspan(plan.sourceStarts[row] + columns.first, columns.last - columns.first);
+            const RowScale scale = scales.empty() ? RowScale{} : scales[row];
             for (std::size_t s = 0; s < kinds.size(); ++s)
-                out[s](row, f) = statistic.compute(kinds[s], chunk, times[f]);
+                out[s](row, f) = statistic.compute(kinds[s], chunk, scale);
         }
     }
     return true;

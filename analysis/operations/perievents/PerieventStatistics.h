@@ -2,6 +2,7 @@
 
 #include "analysis/operations/perievents/ChunkPlan.h"
 #include "analysis/operations/perievents/ChunkStatistic.h"
+#include "analysis/operations/perievents/RowScale.h"
 
 #include <armadillo>
 
