@@ -96,33 +96,43 @@ TEST(PerieventAnalysis, CutsDropsAndAlignsToTheForwardSample)
 
 TEST(PerieventAnalysis, RowsOfEveryCountAndAlignment)
 {
-    // t = 0 .. 1999 s: rate 2000 / 1999, window [-3, 9] gives columns x[i - 3] .. x[i + 9].
-    // Row k of events at 10 + 7k holds 7 + 7k + j; counts 1 .. 20 move the cache-line
-    // boundaries through every position of the rows.
+    // t = 0 .. 1999 s, rate 2000 / 1999. Windows and their hand-derived first offset and
+    // length: [-3, 9] gives -3 and round(9.0045) + 1 + 3 = 13; [0, 0] gives 0 and 1;
+    // [-1, 36] gives -1 and round(36.018) + 1 + 1 = 38. Row k of events at 10 + 7k then
+    // holds 10 + 7k + offset + j. Counts 1 .. 40 move the cache-line boundaries through
+    // every position of the rows.
     const auto t = indexSignal(2000);
     const auto x = indexSignal(2000);
+    struct Window
+    {
+        double start, end;
+        int offset;
+        arma::uword length;
+    };
     PerieventAnalysisResult reused;
-    for (std::size_t count = 1; count <= 20; ++count) {
-        std::vector<double> onsets;
-        for (std::size_t k = 0; k < count; ++k)
-            onsets.push_back(10.0 + 7.0 * static_cast<double>(k));
-        auto config = windowConfig(-3, 9);
-        PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr, reused);
-        const arma::mat& matrix = reused.sides.at(0).matrix;
-        ASSERT_EQ(matrix.n_rows, count);
-        ASSERT_EQ(matrix.n_cols, 13u);
-        for (arma::uword k = 0; k < count; ++k) {
-            for (arma::uword j = 0; j < 13; ++j)
-                ASSERT_EQ(matrix(k, j), 7.0 + 7.0 * k + j) << count << " rows, at " << k << "," << j;
-        }
-        // Baseline [-3, -3] is column 0 alone: "Mean" leaves each row 0, 1, ..., 12.
-        config.normalization.enabled = true;
-        config.normalization.start = -3;
-        config.normalization.end = -3;
-        PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr, reused);
-        for (arma::uword k = 0; k < count; ++k) {
-            for (arma::uword j = 0; j < 13; ++j)
-                ASSERT_EQ(reused.sides[0].matrix(k, j), static_cast<double>(j));
+    for (const Window& window : {Window{-3, 9, -3, 13}, Window{0, 0, 0, 1}, Window{-1, 36, -1, 38}}) {
+        for (std::size_t count = 1; count <= 40; ++count) {
+            std::vector<double> onsets;
+            for (std::size_t k = 0; k < count; ++k)
+                onsets.push_back(10.0 + 7.0 * static_cast<double>(k));
+            auto config = windowConfig(window.start, window.end);
+            PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr, reused);
+            const arma::mat& matrix = reused.sides.at(0).matrix;
+            ASSERT_EQ(matrix.n_rows, count);
+            ASSERT_EQ(matrix.n_cols, window.length);
+            for (arma::uword k = 0; k < count; ++k) {
+                for (arma::uword j = 0; j < window.length; ++j)
+                    ASSERT_EQ(matrix(k, j), 10.0 + 7.0 * k + window.offset + j) << count << " rows, at " << k;
+            }
+            // A baseline of the first column alone: "Mean" leaves each row 0, 1, ...
+            config.normalization.enabled = true;
+            config.normalization.start = config.normalization.end = window.start;
+            config.normalization.end += window.start == 0.0 ? 1e-9 : 0.0; // 0 - 0 would switch it off
+            PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr, reused);
+            for (arma::uword k = 0; k < count; ++k) {
+                for (arma::uword j = 0; j < window.length; ++j)
+                    ASSERT_EQ(reused.sides[0].matrix(k, j), static_cast<double>(j));
+            }
         }
     }
 }

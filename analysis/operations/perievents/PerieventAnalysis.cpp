@@ -7,6 +7,10 @@
 #include "framework/Feedback.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
+#include <QLocale>
+
+#include <exception>
+
 namespace zarvi {
 
 namespace {
@@ -26,6 +30,11 @@ struct Events
     EventArray analysed;
     std::optional<EventArray> baseline;
 };
+
+QString shortest(double seconds)
+{
+    return QString::number(seconds, 'g', QLocale::FloatingPointShortest);
+}
 
 bool alignsToBaseline(const PerieventNormalization& normalization)
 {
@@ -173,7 +182,8 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
     const double duration = time.empty() ? 0.0 : time.back() - time.front();
     for (const auto& [side, offset] : sides) {
         if (duration < side->windowEnd - side->windowStart)
-            return D::signalTooShortMessage().arg(duration).arg(side->windowStart).arg(side->windowEnd);
+            return D::signalTooShortMessage().arg(shortest(duration), shortest(side->windowStart),
+                                                  shortest(side->windowEnd));
     }
 
     const Signal signal{time, values, perieventSampleRate(time)};
@@ -216,9 +226,14 @@ void PerieventAnalysis::run(std::span<const double> time, std::span<const double
     result.unit.clear();
     result.messages.clear();
     result.canceled = false;
-    const QString error = analyse(time, values, events, config, feedback, result);
-    if (!error.isEmpty())
-        result.messages.append(error);
+    try {
+        const QString error = analyse(time, values, events, config, feedback, result);
+        if (!error.isEmpty())
+            result.messages.append(error);
+    } catch (const std::exception& failure) {
+        // Only allocation can throw here (a window and event count too large for memory).
+        result.messages.append(QString::fromLocal8Bit(failure.what()));
+    }
     if (!result.succeeded())
         result.sides.clear();
 }
