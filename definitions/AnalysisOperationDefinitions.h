@@ -114,19 +114,22 @@ public:
     static QString offsetLabel() { return tr("Offset"); }
     static QString onsetBoxTooltip()
     {
-        return tr("Onset perievent parameters. Select perievent time frame and area under curve time frames.");
+        return tr(
+            "Onset perievent parameters. Select perievent time frame and area under curve time frames.");
     }
     static QString offsetBoxTooltip()
     {
-        return tr("Offset perievent parameters. Select perievent time frame and area under curve time frames.");
+        return tr(
+            "Offset perievent parameters. Select perievent time frame and area under curve time frames.");
     }
     static QString timeFrameLabel() { return tr("Time Frame"); }
     static QString timeFrameTooltip() { return tr("Perievent time frame before and after the event"); }
     static QString timeFrameDetailedTooltip()
     {
-        return tr("For each timestamp of the selected event array, a perievent chunk is taken from the signal. "
-                  "The beginning of each chunk corresponds to the (event timestamp - time frame start), and the "
-                  "end -- to the (event timestamp + time frame end).");
+        return tr(
+            "For each timestamp of the selected event array, a perievent chunk is taken from the signal. "
+            "The beginning of each chunk corresponds to the (event timestamp - time frame start), and the "
+            "end -- to the (event timestamp + time frame end).");
     }
     static QString statisticTimeFramesLabel() { return tr("Statistic Time Frames"); }
     static QString nameColumnLabel() { return tr("Name"); }
@@ -134,36 +137,40 @@ public:
     static QString endColumnLabel() { return tr("End"); }
     static QString statisticTimeFramesTooltip()
     {
-        return tr("Perievent statistic is calculated only for the time frames indicated in the table. Add as "
-                  "many time frames as needed. The start and end of the time frames must not exceed the limits "
-                  "of the perievent time frame indicated above.");
+        return tr(
+            "Perievent statistic is calculated only for the time frames indicated in the table. Add as "
+            "many time frames as needed. The start and end of the time frames must not exceed the limits "
+            "of the perievent time frame indicated above.");
     }
     static QString addStatisticRowTooltip() { return tr("Add a row to statistic table."); }
     static QString statisticLabel() { return tr("Statistic"); }
     static QString statisticTooltip()
     {
-        return tr("Select statistic to be calculated on the perievent signal chunks:<br><b>AUC</b> calculates "
-                  "area under curve of the signal chunk, and normalizes to 1 second;<br><b>Mean</b> calculates "
-                  "mean value of the signal chunk;<br><b>Median</b> calculates median value of the signal "
-                  "chunk;<br><b>Maximum</b> finds maximum signal intensity;<br><b>Minimum</b> finds minimum "
-                  "signal intensity.");
+        return tr(
+            "Select statistic to be calculated on the perievent signal chunks:<br><b>AUC</b> calculates "
+            "area under curve of the signal chunk, and normalizes to 1 second;<br><b>Mean</b> calculates "
+            "mean value of the signal chunk;<br><b>Median</b> calculates median value of the signal "
+            "chunk;<br><b>Maximum</b> finds maximum signal intensity;<br><b>Minimum</b> finds minimum "
+            "signal intensity.");
     }
     static QString normalizeLabel() { return tr("Normalize"); }
     static QString normalizeTooltip() { return tr("Aligns signal chunks to the same zero level"); }
     static QString normalizeDetailedTooltip()
     {
-        return tr("Allows to align all the perievent chunks of the selected signal to the same 0 level by "
-                  "calculating signal average value within the Normalize time frame (e.g. -2 - -1 sec) and "
-                  "subtracting it from the perievent chunk.  If the time frame is 0 - 0 sec, no normalization "
-                  "is applied, and the chunks are aligned to the global 0 level.");
+        return tr(
+            "Allows to align all the perievent chunks of the selected signal to the same 0 level by "
+            "calculating signal average value within the Normalize time frame (e.g. -2 - -1 sec) and "
+            "subtracting it from the perievent chunk.  If the time frame is 0 - 0 sec, no normalization "
+            "is applied, and the chunks are aligned to the global 0 level.");
     }
     static QString selectEventsLabel() { return tr("Select Events"); }
     static QString selectEventsTooltip()
     {
-        return tr("If checked, user can select the <b>number</b> and <b>the position</b> of the events for the "
-                  "perievent analysis.<br>For example, if user enters 2 in event number and selects 'from "
-                  "start' - first 2 events are used for the analysis.<br>In the default unchecked state, the "
-                  "analysis is performed using all the events.");
+        return tr(
+            "If checked, user can select the <b>number</b> and <b>the position</b> of the events for the "
+            "perievent analysis.<br>For example, if user enters 2 in event number and selects 'from "
+            "start' - first 2 events are used for the analysis.<br>In the default unchecked state, the "
+            "analysis is performed using all the events.");
     }
     static QString timePeriodLabel() { return tr("Time Period"); }
     static QString resampleLabel() { return tr("Resample"); }
@@ -178,14 +185,18 @@ public:
     static QString perieventProgressLabel() { return tr("Calculating perievent arrays..."); }
     static QString noDatasetsMessage() { return tr("No datasets set to the operation"); }
     /// %1 event path, %2 event name.
-    static QString cannotLoadEventMessage() { return tr("Cannot find/load event <b>%1/%2</b> from the file."); }
+    static QString cannotLoadEventMessage()
+    {
+        return tr("Cannot find/load event <b>%1/%2</b> from the file.");
+    }
     /// %1 the selection that could not be satisfied.
     static QString cannotPickEventsMessage() { return tr("Cannot pick selected events %1."); }
     /// %1 normalisation event name, %2 analysed event name.
     static QString normalizationCountMessage()
     {
-        return tr("Events <b>%1</b> used for normalization and events <b>%2</b> do not have the same number of "
-                  "events.");
+        return tr(
+            "Events <b>%1</b> used for normalization and events <b>%2</b> do not have the same number of "
+            "events.");
     }
     /// %1 normalisation event name, %2 analysed event name.
     static QString normalizationOnOffMessage()
@@ -196,12 +207,14 @@ public:
     /// %1 signal duration, %2 window start, %3 window end (seconds).
     static QString signalTooShortMessage()
     {
-        return tr("Impossible to calculate perievents, since the duration of the signal (%1) is shorter than the "
-                  "selected perievent window (%2 -- %3).");
+        return tr(
+            "Impossible to calculate perievents, since the duration of the signal (%1) is shorter than the "
+            "selected perievent window (%2 -- %3).");
     }
     static QString incorrectTimeFramesMessage()
     {
-        return tr("Incorrect statistic time frames. Please verify that all the time frames are well defined.");
+        return tr(
+            "Incorrect statistic time frames. Please verify that all the time frames are well defined.");
     }
     static QString oldFormatMessage()
     {

@@ -74,7 +74,8 @@ TEST(PerieventAnalysis, CutsDropsAndAlignsToTheForwardSample)
 
     // Two events on one sample, then one listed out of order: the index stays on
     // sample 10, so all three rows are x[8] .. x[13].
-    const auto same = PerieventAnalysis::run(t, x, EventArray({9.6, 10.0, 4.0}), windowConfig(-2, 3), nullptr);
+    const auto same =
+        PerieventAnalysis::run(t, x, EventArray({9.6, 10.0, 4.0}), windowConfig(-2, 3), nullptr);
     ASSERT_EQ(same.sides[0].matrix.n_rows, 3u);
     for (arma::uword row = 0; row < 3; ++row)
         expectRow(same.sides[0].matrix, row, {8, 9, 10, 11, 12, 13});
@@ -90,7 +91,8 @@ TEST(PerieventAnalysis, CutsDropsAndAlignsToTheForwardSample)
     // A NaN as first chunk value drops the row like a chunk out of range.
     auto holed = x;
     holed[3] = NAN;
-    const auto dropped = PerieventAnalysis::run(t, holed, EventArray({5.0, 6.0}), windowConfig(-2, 3), nullptr);
+    const auto dropped =
+        PerieventAnalysis::run(t, holed, EventArray({5.0, 6.0}), windowConfig(-2, 3), nullptr);
     EXPECT_EQ(dropped.sides[0].eventNames, QStringList({"Event2"}));
 }
 
@@ -192,10 +194,12 @@ TEST(PerieventAnalysis, NormalisesFromTheChunkBaseline)
     const QString bounds = "Mat::submat(): indices out of bounds or incorrectly used";
     config.normalization.start = 4; // column (int)(6.3 + 0.5) = 6 of 6
     config.normalization.end = 5;
-    EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), event, config, nullptr).messages, QStringList({bounds}));
+    EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), event, config, nullptr).messages,
+              QStringList({bounds}));
     config.normalization.start = -1;
     config.normalization.end = -2;
-    EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), event, config, nullptr).messages, QStringList({bounds}));
+    EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), event, config, nullptr).messages,
+              QStringList({bounds}));
     config.normalization.start = -2;
     EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), EventArray({19.0}), config, nullptr).messages,
               QStringList({bounds}));
@@ -230,13 +234,15 @@ TEST(PerieventAnalysis, NormalisesFromAnotherEventArray)
     expectRow(result.sides[0].matrix, 1, {8, 9, 10, 11, 12, 13});
 
     config.normalization.events = EventArray({4.0});
-    EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}), config, nullptr).messages,
-              QStringList({"Events <b>Tone</b> used for normalization and events <b>Lever</b> do not have the "
-                           "same number of events."}));
+    EXPECT_EQ(
+        PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}), config, nullptr).messages,
+        QStringList({"Events <b>Tone</b> used for normalization and events <b>Lever</b> do not have the "
+                     "same number of events."}));
     config.normalization.events = EventArray({4.0, 5.0});
-    EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}, {9.0, 11.0}), config, nullptr).messages,
-              QStringList({"Events <b>Tone</b> used for normalization and events <b>Lever</b> have not the same "
-                           "OnSet OffSet."}));
+    EXPECT_EQ(
+        PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}, {9.0, 11.0}), config, nullptr).messages,
+        QStringList({"Events <b>Tone</b> used for normalization and events <b>Lever</b> have not the same "
+                     "OnSet OffSet."}));
 }
 
 TEST(PerieventAnalysis, StatisticsInsideTheTimeFrames)
@@ -256,8 +262,8 @@ TEST(PerieventAnalysis, StatisticsInsideTheTimeFrames)
     EXPECT_NEAR(stats[1](0, 0), 7.5, 1e-12);  // mean of 7, 8
     EXPECT_NEAR(stats[3](0, 1), 11.0, 1e-12); // max of 9, 10, 11
     EXPECT_NEAR(stats[4](0, 1), 9.0, 1e-12);
-    EXPECT_NEAR(stats[2](0, 2), 7.5, 1e-12);  // median of 6, 7, 8, 9
-    EXPECT_NEAR(stats[0](0, 2), 7.5, 1e-12);  // linear over evenly spaced times
+    EXPECT_NEAR(stats[2](0, 2), 7.5, 1e-12);         // median of 6, 7, 8, 9
+    EXPECT_NEAR(stats[0](0, 2), 7.5, 1e-12);         // linear over evenly spaced times
     EXPECT_NEAR(stats[5](0, 0), 20.0 / 19.0, 1e-12); // two samples 1 / fs apart
     EXPECT_EQ(stats[6](0, 1), 3.0);
     for (const auto& matrix : stats)
@@ -316,9 +322,10 @@ TEST(PerieventAnalysis, SidesSelectionResamplingAndFailures)
     expectRow(result.sides[0].matrix, 0, {7, 7.5, 8, 8.5, 9});
     EXPECT_NEAR(result.sides[0].time[1], -1.0 + 19.0 / 39.0, 1e-12);
 
-    EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray({8.0}), windowConfig(-10, 10), nullptr).messages,
-              QStringList({"Impossible to calculate perievents, since the duration of the signal (19) is shorter "
-                           "than the selected perievent window (-10 -- 10)."}));
+    EXPECT_EQ(
+        PerieventAnalysis::run(t, x, EventArray({8.0}), windowConfig(-10, 10), nullptr).messages,
+        QStringList({"Impossible to calculate perievents, since the duration of the signal (19) is shorter "
+                     "than the selected perievent window (-10 -- 10)."}));
 
     CancelAfter cancel;
     cancel.limit = 1;

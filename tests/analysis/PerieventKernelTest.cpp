@@ -43,8 +43,8 @@ TEST(ChunkStatistic, EveryKindOnHandValues)
     EXPECT_EQ(statistic.computeAt(K::Frequency, std::vector<double>{1.0}, std::vector<double>{1.0}), 0.0);
 
     // AUC of a constant is the constant, whatever the times.
-    EXPECT_DOUBLE_EQ(statistic.computeAt(K::AUC, std::vector<double>{2.5, 2.5, 2.5}, std::vector<double>{-3, -1, 4}),
-                     2.5);
+    EXPECT_DOUBLE_EQ(
+        statistic.computeAt(K::AUC, std::vector<double>{2.5, 2.5, 2.5}, std::vector<double>{-3, -1, 4}), 2.5);
 
     for (K kind : {K::AUC, K::Mean, K::Median, K::Maximum, K::Minimum, K::Frequency, K::Count})
         EXPECT_TRUE(std::isnan(statistic.computeAt(kind, {}, {})));

@@ -59,11 +59,11 @@ inline void finishStores()
 #endif
 }
 
-template <bool Scaled>
-class Writer
+template <bool Scaled> class Writer
 {
 public:
-    Writer(std::span<const double> values, const ChunkPlan& plan, std::span<const RowScale> scales, double* out)
+    Writer(std::span<const double> values, const ChunkPlan& plan, std::span<const RowScale> scales,
+           double* out)
         : m_values(values.data()), m_starts(plan.sourceStarts.data()), m_scales(scales.data()),
           m_rows(plan.rows()), m_cols(plan.length), m_out(out)
     {

@@ -19,8 +19,7 @@ bool hasNaN(std::span<const double> values)
 }
 
 /// The largest (or, with `Less` reversed, smallest) scaled value; NaN if any value is NaN.
-template <typename Less>
-double extreme(std::span<const double> values, const RowScale& scale, Less less)
+template <typename Less> double extreme(std::span<const double> values, const RowScale& scale, Less less)
 {
     if (hasNaN(values))
         return NaN;
@@ -121,9 +120,8 @@ double ChunkStatistic::compute(Kind kind, std::span<const double> values, const 
         return extreme(values, scale, [](double a, double b) { return b < a; });
     case Kind::Frequency:
         // The mean of the consecutive differences telescopes to span / (n - 1).
-        return m_weights.size() < 2
-                   ? 0.0
-                   : static_cast<double>(m_weights.size() - 1) / (m_lastTime - m_firstTime);
+        return m_weights.size() < 2 ? 0.0
+                                    : static_cast<double>(m_weights.size() - 1) / (m_lastTime - m_firstTime);
     case Kind::Count:
         return static_cast<double>(values.size());
     }

@@ -27,8 +27,8 @@ EventSelector::Result byNumber(const EventArray& events, int first, int last)
 EventSelector::Result byTimePeriod(const EventArray& events, const TimePeriodArray& periods,
                                    const QString& name)
 {
-    const std::size_t rows =
-        std::min({periods.starts.size(), periods.ends.size(), static_cast<std::size_t>(periods.names.size())});
+    const std::size_t rows = std::min(
+        {periods.starts.size(), periods.ends.size(), static_cast<std::size_t>(periods.names.size())});
     std::vector<std::size_t> named;
     for (std::size_t p = 0; p < rows; ++p) {
         if (periods.names[static_cast<qsizetype>(p)] == name)

@@ -10,8 +10,7 @@ namespace zarvi {
 // reassociation flags. The summation order is fixed, so results are reproducible.
 
 /// term(0) + term(1) + ... + term(count - 1).
-template <typename Term>
-double laneSum(std::size_t count, Term term)
+template <typename Term> double laneSum(std::size_t count, Term term)
 {
     double s0 = 0.0, s1 = 0.0, s2 = 0.0, s3 = 0.0, s4 = 0.0, s5 = 0.0, s6 = 0.0, s7 = 0.0;
     std::size_t j = 0;

@@ -86,8 +86,9 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
     std::vector<std::size_t> baselineStarts;
     std::size_t baselineLength = 0;
     if (!events.baseline) {
-        const auto columns = PerieventNormalizer::baselineColumns(
-            normalization.start, normalization.end, side.windowStart, signal.sampleRate, plan.rows(), plan.length);
+        const auto columns =
+            PerieventNormalizer::baselineColumns(normalization.start, normalization.end, side.windowStart,
+                                                 signal.sampleRate, plan.rows(), plan.length);
         if (!columns)
             return D::SubmatBoundsError;
         for (const std::size_t start : plan.sourceStarts)
@@ -113,8 +114,8 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
     PerieventNormalizer normalizer;
     scales.resize(plan.rows());
     for (std::size_t row = 0; row < plan.rows(); ++row) {
-        const std::optional<RowScale> scale =
-            normalizer.scaleOf(signal.values.subspan(baselineStarts[row], baselineLength), normalization.method);
+        const std::optional<RowScale> scale = normalizer.scaleOf(
+            signal.values.subspan(baselineStarts[row], baselineLength), normalization.method);
         if (!scale)
             return D::MedianNaNError;
         scales[row] = *scale;
@@ -128,8 +129,8 @@ QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool 
 {
     result.offset = offset;
     const std::optional<ChunkPlan> plan =
-        PerieventCutter::plan(signal.time, signal.values, eventTimes(events.analysed, offset), side.windowStart,
-                              side.windowEnd, signal.sampleRate, feedback);
+        PerieventCutter::plan(signal.time, signal.values, eventTimes(events.analysed, offset),
+                              side.windowStart, side.windowEnd, signal.sampleRate, feedback);
     if (!plan) {
         canceled = true;
         return {};
@@ -191,8 +192,8 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
     const int count = static_cast<int>(sides.size());
     for (int s = 0; s < count; ++s) {
         bool canceled = false;
-        error = analyseSide(signal, *sides[s].first, sides[s].second, picked, config, feedback, 100 * s / count,
-                            100 * (s + 1) / count, result.sides[s], canceled);
+        error = analyseSide(signal, *sides[s].first, sides[s].second, picked, config, feedback,
+                            100 * s / count, 100 * (s + 1) / count, result.sides[s], canceled);
         if (canceled) {
             result.canceled = true;
             return {};
@@ -209,8 +210,8 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
 } // namespace
 
 PerieventAnalysisResult PerieventAnalysis::run(std::span<const double> time, std::span<const double> values,
-                                               const EventArray& events, const PerieventAnalysisConfig& config,
-                                               Feedback* feedback)
+                                               const EventArray& events,
+                                               const PerieventAnalysisConfig& config, Feedback* feedback)
 {
     PerieventAnalysisResult result;
     run(time, values, events, config, feedback, result);
@@ -218,8 +219,8 @@ PerieventAnalysisResult PerieventAnalysis::run(std::span<const double> time, std
 }
 
 void PerieventAnalysis::run(std::span<const double> time, std::span<const double> values,
-                            const EventArray& events, const PerieventAnalysisConfig& config, Feedback* feedback,
-                            PerieventAnalysisResult& result)
+                            const EventArray& events, const PerieventAnalysisConfig& config,
+                            Feedback* feedback, PerieventAnalysisResult& result)
 {
     if (feedback)
         feedback->setLabel(D::perieventProgressLabel());

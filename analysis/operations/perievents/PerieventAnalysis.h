@@ -40,7 +40,9 @@ struct PerieventNormalization
     PerieventNormalizer::Method method = PerieventNormalizer::Method::Mean;
     /// When set, the baseline of row k is the k-th chunk of these events cut with the
     /// baseline window, instead of the baseline columns of the analysed chunk
-    /// ("Current Event"). The selection of the analysed events picks the same rows here.
+    /// ("Current Event"). The array must hold as many events as the analysed one, with
+    /// offsets if and only if it has them; the selection of the analysed events then
+    /// picks the same rows here, so trial k keeps its own baseline event.
     std::optional<EventArray> events;
     QString eventPath;
     QString eventName;
@@ -122,7 +124,8 @@ public:
     /// The same, reusing the memory of `result` (its matrices keep their storage when
     /// the sizes repeat, e.g. one animal after another of an experiment).
     static void run(std::span<const double> time, std::span<const double> values, const EventArray& events,
-                    const PerieventAnalysisConfig& config, Feedback* feedback, PerieventAnalysisResult& result);
+                    const PerieventAnalysisConfig& config, Feedback* feedback,
+                    PerieventAnalysisResult& result);
 
     /// Method from its name ("Linear").
     static std::optional<PerieventResampling::Method> resampleMethodFromName(const QString& name);

@@ -36,7 +36,8 @@ public:
         std::size_t first = 0;
         std::size_t last = 0;
     };
-    static Columns frameColumns(const TimeFrame& frame, double windowStart, double sampleRate, std::size_t length);
+    static Columns frameColumns(const TimeFrame& frame, double windowStart, double sampleRate,
+                                std::size_t length);
 
     /// Times handed to the statistic with the columns of a frame: (j - first) / fs + a.
     static std::vector<double> frameTimes(const TimeFrame& frame, const Columns& columns, double sampleRate);
@@ -46,10 +47,10 @@ public:
     /// frame's columns, NaN when the frame holds none. Values are read from the signal
     /// with the rows' scales (empty: unchanged), so they equal the matrix built from the
     /// same plan. Polls `feedback` per row; false when cancelled.
-    static bool compute(std::span<const double> values, const ChunkPlan& plan, std::span<const RowScale> scales,
-                        std::span<const TimeFrame> frames, double windowStart, double sampleRate,
-                        std::span<const ChunkStatistic::Kind> kinds, std::vector<arma::mat>& out,
-                        Feedback* feedback);
+    static bool compute(std::span<const double> values, const ChunkPlan& plan,
+                        std::span<const RowScale> scales, std::span<const TimeFrame> frames,
+                        double windowStart, double sampleRate, std::span<const ChunkStatistic::Kind> kinds,
+                        std::vector<arma::mat>& out, Feedback* feedback);
 };
 
 } // namespace zarvi

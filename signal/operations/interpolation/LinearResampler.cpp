@@ -5,8 +5,8 @@
 
 namespace zarvi {
 
-LinearResampler::Result LinearResampler::resample(std::span<const double> time, std::span<const double> values,
-                                                  double frequency)
+LinearResampler::Result LinearResampler::resample(std::span<const double> time,
+                                                  std::span<const double> values, double frequency)
 {
     Result result;
     const std::size_t n = time.size();
