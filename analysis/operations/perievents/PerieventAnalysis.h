@@ -1,0 +1,134 @@
+#pragma once
+
+#include "analysis/operations/perievents/ChunkStatistic.h"
+#include "analysis/operations/perievents/EventArray.h"
+#include "analysis/operations/perievents/EventSelector.h"
+#include "analysis/operations/perievents/PerieventNormalizer.h"
+#include "analysis/operations/perievents/PerieventStatistics.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <armadillo>
+
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace zarvi {
+
+class Feedback;
+
+/// Window and statistic table of one side (onset or offset) of the analysis.
+struct PerieventSideConfig
+{
+    /// Perievent window in signed seconds relative to the event; start is the lower bound.
+    double windowStart = 0.0;
+    double windowEnd = 0.0;
+    std::vector<TimeFrame> timeFrames;
+    /// One name per time frame.
+    QStringList timeFrameNames;
+};
+
+/// Baseline alignment of the chunks.
+struct PerieventNormalization
+{
+    bool enabled = false;
+    /// Baseline window in seconds relative to the event; 0 - 0 means no alignment.
+    double start = 0.0;
+    double end = 0.0;
+    PerieventNormalizer::Method method = PerieventNormalizer::Method::Mean;
+    /// When set, the baseline of row k is the k-th chunk of these events cut with the
+    /// baseline window, instead of the baseline columns of the analysed chunk
+    /// ("Current Event"). The array must hold as many events as the analysed one, with
+    /// offsets if and only if it has them; the selection of the analysed events then
+    /// picks the same rows here, so trial k keeps its own baseline event.
+    std::optional<EventArray> events;
+    QString eventPath;
+    QString eventName;
+};
+
+/// Optional resampling of the signal before cutting.
+struct PerieventResampling
+{
+    enum class Method
+    {
+        Linear
+    };
+    bool enabled = false;
+    double frequency = 0.0;
+    Method method = Method::Linear;
+};
+
+struct PerieventAnalysisConfig
+{
+    enum class Sides
+    {
+        Onset,
+        Offset,
+        Both
+    };
+    /// Path and name of the analysed event array, for the messages.
+    QString eventPath;
+    QString eventName;
+    Sides sides = Sides::Onset;
+    PerieventSideConfig onset;
+    PerieventSideConfig offset;
+    std::vector<ChunkStatistic::Kind> statistics;
+    EventSelection selection;
+    PerieventNormalization normalization;
+    PerieventResampling resampling;
+};
+
+/// The analysis of one side.
+struct PerieventSideResult
+{
+    bool offset = false;
+    /// Rows = kept events, columns = samples of the window (column-major).
+    arma::mat matrix;
+    /// Time of each column relative to the event, from the window start.
+    std::vector<double> time;
+    /// Names of the kept events, one per row.
+    QStringList eventNames;
+    QStringList timeFrameNames;
+    /// Parallel to the configured statistics: rows = kept events, columns = time frames.
+    std::vector<arma::mat> statistics;
+};
+
+struct PerieventAnalysisResult
+{
+    /// The onset side first, then the offset side, as configured.
+    std::vector<PerieventSideResult> sides;
+    /// "z-score" when a z-score normalisation was applied; empty keeps the signal's unit.
+    QString unit;
+    /// The message that stopped the run; empty on success.
+    QStringList messages;
+    bool canceled = false;
+
+    bool succeeded() const { return messages.isEmpty() && !canceled; }
+};
+
+/// The perievent kernel: cuts a signal into equal chunks around each event, stacks
+/// them into a trial-by-time matrix, aligns each chunk to a baseline and summarises
+/// it inside statistic time frames. Runs on the operation's worker thread; touches
+/// no shared state. Failures come back as messages, never as exceptions.
+class PerieventAnalysis
+{
+public:
+    /// `time` (seconds, increasing) and `values` are the signal; `events` the analysed
+    /// event array. The sample rate is perieventSampleRate() of the (resampled) time.
+    static PerieventAnalysisResult run(std::span<const double> time, std::span<const double> values,
+                                       const EventArray& events, const PerieventAnalysisConfig& config,
+                                       Feedback* feedback);
+
+    /// The same, reusing the memory of `result` (its matrices keep their storage when
+    /// the sizes repeat, e.g. one animal after another of an experiment).
+    static void run(std::span<const double> time, std::span<const double> values, const EventArray& events,
+                    const PerieventAnalysisConfig& config, Feedback* feedback,
+                    PerieventAnalysisResult& result);
+
+    /// Method from its name ("Linear").
+    static std::optional<PerieventResampling::Method> resampleMethodFromName(const QString& name);
+};
+
+} // namespace zarvi

@@ -1,0 +1,339 @@
+// The perievent kernel end to end, on small signals whose chunks can be written
+// down by hand. Unless said otherwise the signal is sampled at t = 0, 1, ..., 19 s,
+// so its rate is 20 / 19 Hz, and a window [-2, 3] gives startOffset round(-2.105) = -2,
+// endOffset round(3.158) + 1 = 4: six columns x[i - 2] .. x[i + 3] around sample i,
+// kept for 2 <= i <= 15.
+#include "analysis/operations/perievents/PerieventAnalysis.h"
+#include "framework/Feedback.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <numeric>
+#include <vector>
+
+namespace zarvi {
+namespace {
+
+using K = ChunkStatistic::Kind;
+using Method = PerieventNormalizer::Method;
+
+std::vector<double> indexSignal(std::size_t n)
+{
+    std::vector<double> v(n);
+    std::iota(v.begin(), v.end(), 0.0);
+    return v;
+}
+
+PerieventAnalysisConfig windowConfig(double start, double end)
+{
+    PerieventAnalysisConfig config;
+    config.eventPath = "DataBehavior/Box/Events";
+    config.eventName = "Lever";
+    config.onset.windowStart = start;
+    config.onset.windowEnd = end;
+    return config;
+}
+
+void expectRow(const arma::mat& matrix, arma::uword row, const std::vector<double>& expected)
+{
+    ASSERT_EQ(matrix.n_cols, expected.size());
+    for (arma::uword j = 0; j < matrix.n_cols; ++j)
+        EXPECT_NEAR(matrix(row, j), expected[j], 1e-12) << "row " << row << " column " << j;
+}
+
+struct CancelAfter : Feedback
+{
+    mutable int polls = 0;
+    int limit = 0;
+    QString label;
+    bool isCanceled() const override { return ++polls > limit; }
+    void setLabel(const QString& text) override { label = text; }
+};
+
+TEST(PerieventAnalysis, CutsDropsAndAlignsToTheForwardSample)
+{
+    const auto t = indexSignal(20);
+    const auto x = indexSignal(20);
+    // 1 starts before the first sample; 16 would end on the last sample.
+    // 7.3 lies nearer sample 7, but the forward search stops on sample 8, the first
+    // at or after the event.
+    const EventArray events({1.0, 2.0, 7.3, 15.0, 16.0});
+    const auto result = PerieventAnalysis::run(t, x, events, windowConfig(-2, 3), nullptr);
+    ASSERT_TRUE(result.succeeded());
+    ASSERT_EQ(result.sides.size(), 1u);
+    const auto& side = result.sides[0];
+    ASSERT_EQ(side.matrix.n_rows, 3u);
+    expectRow(side.matrix, 0, {0, 1, 2, 3, 4, 5});
+    expectRow(side.matrix, 1, {6, 7, 8, 9, 10, 11});
+    expectRow(side.matrix, 2, {13, 14, 15, 16, 17, 18});
+    EXPECT_EQ(side.eventNames, QStringList({"Event2", "Event3", "Event4"}));
+    ASSERT_EQ(side.time.size(), 6u);
+    for (std::size_t j = 0; j < 6; ++j)
+        EXPECT_NEAR(side.time[j], -2.0 + 0.95 * static_cast<double>(j), 1e-12);
+
+    // Two events on one sample, then one listed out of order: the index stays on
+    // sample 10, so all three rows are x[8] .. x[13].
+    const auto same =
+        PerieventAnalysis::run(t, x, EventArray({9.6, 10.0, 4.0}), windowConfig(-2, 3), nullptr);
+    ASSERT_EQ(same.sides[0].matrix.n_rows, 3u);
+    for (arma::uword row = 0; row < 3; ++row)
+        expectRow(same.sides[0].matrix, row, {8, 9, 10, 11, 12, 13});
+
+    // Between the last two samples the nearer one wins and a tie keeps the earlier.
+    // Window [-3, 0]: four columns x[i - 3] .. x[i], kept up to i = 18. 18.5 ties
+    // and stays on 18; 18.6 moves to 19 and drops out.
+    const auto tie = PerieventAnalysis::run(t, x, EventArray({18.5, 18.6}), windowConfig(-3, 0), nullptr);
+    ASSERT_EQ(tie.sides[0].matrix.n_rows, 1u);
+    expectRow(tie.sides[0].matrix, 0, {15, 16, 17, 18});
+    EXPECT_EQ(tie.sides[0].eventNames, QStringList({"Event1"}));
+
+    // A NaN as first chunk value drops the row like a chunk out of range.
+    auto holed = x;
+    holed[3] = NAN;
+    const auto dropped =
+        PerieventAnalysis::run(t, holed, EventArray({5.0, 6.0}), windowConfig(-2, 3), nullptr);
+    EXPECT_EQ(dropped.sides[0].eventNames, QStringList({"Event2"}));
+}
+
+TEST(PerieventAnalysis, RowsOfEveryCountAndAlignment)
+{
+    // t = 0 .. 1999 s, rate 2000 / 1999. Windows and their hand-derived first offset and
+    // length: [-3, 9] gives -3 and round(9.0045) + 1 + 3 = 13; [0, 0] gives 0 and 1;
+    // [-1, 36] gives -1 and round(36.018) + 1 + 1 = 38. Row k of events at 10 + 7k then
+    // holds 10 + 7k + offset + j. Counts 1 .. 40 move the cache-line boundaries through
+    // every position of the rows.
+    const auto t = indexSignal(2000);
+    const auto x = indexSignal(2000);
+    struct Window
+    {
+        double start, end;
+        int offset;
+        arma::uword length;
+    };
+    PerieventAnalysisResult reused;
+    for (const Window& window : {Window{-3, 9, -3, 13}, Window{0, 0, 0, 1}, Window{-1, 36, -1, 38}}) {
+        for (std::size_t count = 1; count <= 40; ++count) {
+            std::vector<double> onsets;
+            for (std::size_t k = 0; k < count; ++k)
+                onsets.push_back(10.0 + 7.0 * static_cast<double>(k));
+            auto config = windowConfig(window.start, window.end);
+            PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr, reused);
+            const arma::mat& matrix = reused.sides.at(0).matrix;
+            ASSERT_EQ(matrix.n_rows, count);
+            ASSERT_EQ(matrix.n_cols, window.length);
+            for (arma::uword k = 0; k < count; ++k) {
+                for (arma::uword j = 0; j < window.length; ++j)
+                    ASSERT_EQ(matrix(k, j), 10.0 + 7.0 * k + window.offset + j) << count << " rows, at " << k;
+            }
+            // A baseline of the first column alone: "Mean" leaves each row 0, 1, ...
+            config.normalization.enabled = true;
+            config.normalization.start = config.normalization.end = window.start;
+            config.normalization.end += window.start == 0.0 ? 1e-9 : 0.0; // 0 - 0 would switch it off
+            PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr, reused);
+            for (arma::uword k = 0; k < count; ++k) {
+                for (arma::uword j = 0; j < window.length; ++j)
+                    ASSERT_EQ(reused.sides[0].matrix(k, j), static_cast<double>(j));
+            }
+        }
+    }
+}
+
+TEST(PerieventAnalysis, NormalisesFromTheChunkBaseline)
+{
+    const auto t = indexSignal(20);
+    auto x = indexSignal(20);
+    // Baseline [-2, -1]: columns (int)(0 + 0.5) = 0 to (int)(1.05 + 0.5) = 1.
+    auto config = windowConfig(-2, 3);
+    config.normalization.enabled = true;
+    config.normalization.start = -2;
+    config.normalization.end = -1;
+    const EventArray event({8.0});
+    auto result = PerieventAnalysis::run(t, x, event, config, nullptr);
+    expectRow(result.sides[0].matrix, 0, {-0.5, 0.5, 1.5, 2.5, 3.5, 4.5}); // minus mean(6, 7)
+    EXPECT_TRUE(result.unit.isEmpty());
+
+    config.normalization.method = Method::StandardZScore; // sd of {6, 7} is sqrt(0.5)
+    result = PerieventAnalysis::run(t, x, event, config, nullptr);
+    const double sd = std::sqrt(0.5);
+    expectRow(result.sides[0].matrix, 0, {-0.5 / sd, 0.5 / sd, 1.5 / sd, 2.5 / sd, 3.5 / sd, 4.5 / sd});
+    EXPECT_EQ(result.unit, "z-score");
+
+    // Baseline [-2, 1] covers columns 0 .. (int)(3.16 + 0.5) = 3: {1, 2, 4, 10}, median 3,
+    // deviations {2, 1, 1, 7}, raw MAD 1.5 (no 1.4826 factor).
+    x[6] = 1, x[7] = 2, x[8] = 4, x[9] = 10, x[10] = 3, x[11] = 7;
+    config.normalization.end = 1;
+    config.normalization.method = Method::ModifiedZScore;
+    result = PerieventAnalysis::run(t, x, event, config, nullptr);
+    expectRow(result.sides[0].matrix, 0, {-4.0 / 3, -2.0 / 3, 2.0 / 3, 14.0 / 3, 0, 8.0 / 3});
+
+    // The statistics see the normalised values: mean of columns 1 and 2 for [-1, 1].
+    config.onset.timeFrames = {{-1, 1}};
+    config.statistics = {K::Mean};
+    result = PerieventAnalysis::run(t, x, event, config, nullptr);
+    EXPECT_NEAR(result.sides[0].statistics[0](0, 0), 0.0, 1e-12);
+
+    // A constant baseline has a MAD of 0: the row turns non-finite, unclamped.
+    x[6] = x[7] = x[8] = x[9] = 5;
+    result = PerieventAnalysis::run(t, x, event, config, nullptr);
+    ASSERT_TRUE(result.succeeded());
+    for (arma::uword j = 0; j < 6; ++j)
+        EXPECT_FALSE(std::isfinite(result.sides[0].matrix(0, j)));
+
+    x[7] = NAN;
+    result = PerieventAnalysis::run(t, x, event, config, nullptr);
+    EXPECT_EQ(result.messages, QStringList({"median(): detected NaN"}));
+    EXPECT_TRUE(result.sides.empty());
+
+    // 0 - 0 leaves the chunks as they are, whatever the method.
+    config.normalization.start = config.normalization.end = 0;
+    result = PerieventAnalysis::run(t, indexSignal(20), event, config, nullptr);
+    expectRow(result.sides[0].matrix, 0, {6, 7, 8, 9, 10, 11});
+    EXPECT_TRUE(result.unit.isEmpty());
+
+    const QString bounds = "Mat::submat(): indices out of bounds or incorrectly used";
+    config.normalization.start = 4; // column (int)(6.3 + 0.5) = 6 of 6
+    config.normalization.end = 5;
+    EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), event, config, nullptr).messages,
+              QStringList({bounds}));
+    config.normalization.start = -1;
+    config.normalization.end = -2;
+    EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), event, config, nullptr).messages,
+              QStringList({bounds}));
+    config.normalization.start = -2;
+    EXPECT_EQ(PerieventAnalysis::run(t, indexSignal(20), EventArray({19.0}), config, nullptr).messages,
+              QStringList({bounds}));
+}
+
+TEST(PerieventAnalysis, NormalisesFromAnotherEventArray)
+{
+    const auto t = indexSignal(20);
+    const auto x = indexSignal(20);
+    auto config = windowConfig(-2, 3);
+    config.normalization.enabled = true;
+    config.normalization.start = -1; // around 4 s: x[3] .. x[5], mean 4
+    config.normalization.end = 1;
+    config.normalization.events = EventArray({4.0, 12.0});
+    config.normalization.eventName = "Tone";
+    auto result = PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}), config, nullptr);
+    ASSERT_TRUE(result.succeeded());
+    expectRow(result.sides[0].matrix, 0, {2, 3, 4, 5, 6, 7});
+    expectRow(result.sides[0].matrix, 1, {-4, -3, -2, -1, 0, 1}); // minus mean(11, 12, 13)
+
+    // Selection picks the same rows of both arrays: event 2 pairs with baseline 2.
+    config.selection.mode = EventSelection::Mode::ByNumber;
+    config.selection.first = config.selection.last = 2;
+    result = PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}), config, nullptr);
+    expectRow(result.sides[0].matrix, 0, {-4, -3, -2, -1, 0, 1});
+    EXPECT_EQ(result.sides[0].eventNames, QStringList({"Event2"}));
+    config.selection = {};
+
+    // No baseline chunk fits: the chunks stay as they are.
+    config.normalization.events = EventArray({0.0, 0.0});
+    result = PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}), config, nullptr);
+    expectRow(result.sides[0].matrix, 1, {8, 9, 10, 11, 12, 13});
+
+    config.normalization.events = EventArray({4.0});
+    EXPECT_EQ(
+        PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}), config, nullptr).messages,
+        QStringList({"Events <b>Tone</b> used for normalization and events <b>Lever</b> do not have the "
+                     "same number of events."}));
+    config.normalization.events = EventArray({4.0, 5.0});
+    EXPECT_EQ(
+        PerieventAnalysis::run(t, x, EventArray({8.0, 10.0}, {9.0, 11.0}), config, nullptr).messages,
+        QStringList({"Events <b>Tone</b> used for normalization and events <b>Lever</b> have not the same "
+                     "OnSet OffSet."}));
+}
+
+TEST(PerieventAnalysis, StatisticsInsideTheTimeFrames)
+{
+    const auto t = indexSignal(20);
+    auto config = windowConfig(-2, 3);
+    config.onset.timeFrames = {{-1, 1}, {1, 10}, {-5, -1}, {5, 6}};
+    config.onset.timeFrameNames = {"Early", "Late", "Before", "Outside"};
+    config.statistics = {K::AUC, K::Mean, K::Median, K::Maximum, K::Minimum, K::Frequency, K::Count};
+
+    // Row x[6] .. x[11] for the event at 8. Frames: columns 1-2, 3-5 (clipped), 0-3 (raised to 0), none.
+    auto result = PerieventAnalysis::run(t, indexSignal(20), EventArray({8.0}), config, nullptr);
+    ASSERT_TRUE(result.succeeded());
+    const auto& stats = result.sides[0].statistics;
+    ASSERT_EQ(stats.size(), 7u);
+    EXPECT_EQ(result.sides[0].timeFrameNames, config.onset.timeFrameNames);
+    EXPECT_NEAR(stats[1](0, 0), 7.5, 1e-12);  // mean of 7, 8
+    EXPECT_NEAR(stats[3](0, 1), 11.0, 1e-12); // max of 9, 10, 11
+    EXPECT_NEAR(stats[4](0, 1), 9.0, 1e-12);
+    EXPECT_NEAR(stats[2](0, 2), 7.5, 1e-12);         // median of 6, 7, 8, 9
+    EXPECT_NEAR(stats[0](0, 2), 7.5, 1e-12);         // linear over evenly spaced times
+    EXPECT_NEAR(stats[5](0, 0), 20.0 / 19.0, 1e-12); // two samples 1 / fs apart
+    EXPECT_EQ(stats[6](0, 1), 3.0);
+    for (const auto& matrix : stats)
+        EXPECT_TRUE(std::isnan(matrix(0, 3)));
+
+    // AUC of a constant signal is that constant in every frame that holds two samples.
+    const std::vector<double> constant(20, 2.5);
+    result = PerieventAnalysis::run(t, constant, EventArray({8.0, 9.0}), config, nullptr);
+    for (arma::uword row = 0; row < 2; ++row) {
+        for (arma::uword frame = 0; frame < 3; ++frame)
+            EXPECT_NEAR(result.sides[0].statistics[0](row, frame), 2.5, 1e-12);
+    }
+}
+
+TEST(PerieventAnalysis, SidesSelectionResamplingAndFailures)
+{
+    const auto t = indexSignal(20);
+    const auto x = indexSignal(20);
+    auto config = windowConfig(-2, 3);
+    config.sides = PerieventAnalysisConfig::Sides::Both;
+    config.offset.windowStart = -1; // offset: startOffset -1, endOffset 2, x[i - 1] .. x[i + 1]
+    config.offset.windowEnd = 1;
+    auto result = PerieventAnalysis::run(t, x, EventArray({5.0}, {10.0}), config, nullptr);
+    ASSERT_EQ(result.sides.size(), 2u);
+    EXPECT_FALSE(result.sides[0].offset);
+    expectRow(result.sides[0].matrix, 0, {3, 4, 5, 6, 7, 8});
+    EXPECT_TRUE(result.sides[1].offset);
+    expectRow(result.sides[1].matrix, 0, {9, 10, 11});
+    EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray({5.0}), config, nullptr).messages,
+              QStringList({"Cannot find/load event <b>DataBehavior/Box/Events/Lever</b> from the file."}));
+    EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray(), windowConfig(-2, 3), nullptr).messages.size(), 1);
+
+    // Events 2 and 3 of four, by their 1-based numbers.
+    config = windowConfig(-2, 3);
+    config.selection.mode = EventSelection::Mode::ByNumber;
+    config.selection.first = 2;
+    config.selection.last = 3;
+    result = PerieventAnalysis::run(t, x, EventArray({4.0, 6.0, 8.0, 10.0}), config, nullptr);
+    EXPECT_EQ(result.sides[0].eventNames, QStringList({"Event2", "Event3"}));
+    expectRow(result.sides[0].matrix, 1, {6, 7, 8, 9, 10, 11});
+    config.selection.mode = EventSelection::Mode::ByTimePeriod;
+    config.selection.periods = {{7.0}, {12.0}, {"Test"}};
+    config.selection.periodName = "Test";
+    result = PerieventAnalysis::run(t, x, EventArray({4.0, 6.0, 8.0, 10.0}), config, nullptr);
+    EXPECT_EQ(result.sides[0].eventNames, QStringList({"Event3", "Event4"}));
+    config.selection.periodName = "Rest";
+    EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray({4.0}), config, nullptr).messages,
+              QStringList({"Cannot pick selected events Rest."}));
+
+    // Resampled to 2 Hz: 39 samples 0, 0.5, ..., 19 of value = time, rate 39 / 19;
+    // window [-1, 1] gives x[i - 2] .. x[i + 2] around sample 16 (8 s).
+    config = windowConfig(-1, 1);
+    config.resampling.enabled = true;
+    config.resampling.frequency = 2.0;
+    result = PerieventAnalysis::run(t, x, EventArray({8.0}), config, nullptr);
+    expectRow(result.sides[0].matrix, 0, {7, 7.5, 8, 8.5, 9});
+    EXPECT_NEAR(result.sides[0].time[1], -1.0 + 19.0 / 39.0, 1e-12);
+
+    EXPECT_EQ(
+        PerieventAnalysis::run(t, x, EventArray({8.0}), windowConfig(-10, 10), nullptr).messages,
+        QStringList({"Impossible to calculate perievents, since the duration of the signal (19) is shorter "
+                     "than the selected perievent window (-10 -- 10)."}));
+
+    CancelAfter cancel;
+    cancel.limit = 1;
+    result = PerieventAnalysis::run(t, x, EventArray({4.0, 6.0, 8.0}), windowConfig(-2, 3), &cancel);
+    EXPECT_TRUE(result.canceled);
+    EXPECT_TRUE(result.sides.empty());
+    EXPECT_EQ(cancel.label, "Calculating perievent arrays...");
+}
+
+} // namespace
+} // namespace zarvi
