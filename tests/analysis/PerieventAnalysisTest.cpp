@@ -51,13 +51,12 @@ struct CancelAfter : Feedback
     void setLabel(const QString& text) override { label = text; }
 };
 
-TEST(PerieventAnalysis, CutsDropsAndAlignsToTheForwardSample)
+TEST(PerieventAnalysis, CutsDropsAndAlignsToTheNearestSample)
 {
     const auto t = indexSignal(20);
     const auto x = indexSignal(20);
-    // 1 starts before the first sample; 16 would end on the last sample.
-    // 7.3 lies nearer sample 7, but the forward search stops on sample 8, the first
-    // at or after the event.
+    // 1 starts before the first sample; 16 would end on the last sample. 7.3 lies
+    // nearer sample 7 than sample 8.
     const EventArray events({1.0, 2.0, 7.3, 15.0, 16.0});
     const auto result = PerieventAnalysis::run(t, x, events, windowConfig(-2, 3), nullptr);
     ASSERT_TRUE(result.succeeded());
@@ -65,12 +64,22 @@ TEST(PerieventAnalysis, CutsDropsAndAlignsToTheForwardSample)
     const auto& side = result.sides[0];
     ASSERT_EQ(side.matrix.n_rows, 3u);
     expectRow(side.matrix, 0, {0, 1, 2, 3, 4, 5});
-    expectRow(side.matrix, 1, {6, 7, 8, 9, 10, 11});
+    expectRow(side.matrix, 1, {5, 6, 7, 8, 9, 10});
     expectRow(side.matrix, 2, {13, 14, 15, 16, 17, 18});
     EXPECT_EQ(side.eventNames, QStringList({"Event2", "Event3", "Event4"}));
     ASSERT_EQ(side.time.size(), 6u);
     for (std::size_t j = 0; j < 6; ++j)
         EXPECT_NEAR(side.time[j], -2.0 + 0.95 * static_cast<double>(j), 1e-12);
+
+    // In the middle of the recording: 7.3 goes to sample 7, 7.5 (halfway) stays on the
+    // earlier sample 7, 7.6 goes to 8; 12.5 after them is also a tie and stays on 12.
+    const auto ties =
+        PerieventAnalysis::run(t, x, EventArray({7.3, 7.5, 7.6, 12.5}), windowConfig(-2, 3), nullptr);
+    ASSERT_EQ(ties.sides[0].matrix.n_rows, 4u);
+    expectRow(ties.sides[0].matrix, 0, {5, 6, 7, 8, 9, 10});
+    expectRow(ties.sides[0].matrix, 1, {5, 6, 7, 8, 9, 10});
+    expectRow(ties.sides[0].matrix, 2, {6, 7, 8, 9, 10, 11});
+    expectRow(ties.sides[0].matrix, 3, {10, 11, 12, 13, 14, 15});
 
     // Two events on one sample, then one listed out of order: the index stays on
     // sample 10, so all three rows are x[8] .. x[13].
@@ -80,7 +89,7 @@ TEST(PerieventAnalysis, CutsDropsAndAlignsToTheForwardSample)
     for (arma::uword row = 0; row < 3; ++row)
         expectRow(same.sides[0].matrix, row, {8, 9, 10, 11, 12, 13});
 
-    // Between the last two samples the nearer one wins and a tie keeps the earlier.
+    // Between the last two samples too the nearer one wins and a tie keeps the earlier.
     // Window [-3, 0]: four columns x[i - 3] .. x[i], kept up to i = 18. 18.5 ties
     // and stays on 18; 18.6 moves to 19 and drops out.
     const auto tie = PerieventAnalysis::run(t, x, EventArray({18.5, 18.6}), windowConfig(-3, 0), nullptr);

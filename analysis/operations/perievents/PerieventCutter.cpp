@@ -30,10 +30,11 @@ std::optional<ChunkPlan> PerieventCutter::plan(std::span<const double> time, std
         if (feedback && feedback->isCanceled())
             return std::nullopt;
         const double e = eventTimes[k];
-        // Advance while i < N - 2 and e > t[i]: on an increasing time vector, the first
-        // sample at or after e, searched by bisection from the index reached so far.
-        if (i < n - 2 && e > time[i])
-            i = std::lower_bound(time.begin() + i, time.begin() + (n - 2), e) - time.begin();
+        // Advance while i < N - 2 and e > t[i + 1]: on an increasing time vector, the last
+        // sample at or before e (at most N - 2), searched by bisection among the samples
+        // after the index reached so far, so the index never moves back.
+        if (i < n - 2 && e > time[i + 1])
+            i = std::lower_bound(time.begin() + i + 1, time.begin() + (n - 1), e) - time.begin() - 1;
         if (i + 1 < n && std::abs(time[i + 1] - e) < std::abs(time[i] - e))
             ++i;
         const std::ptrdiff_t first = i + plan.startOffset;

@@ -19,13 +19,12 @@ public:
     /// startOffset = (int) round(fs * ws), endOffset = (int)(round(fs * we) + 1), so the
     /// chunk length is endOffset - startOffset (none when that is not positive).
     ///
-    /// The event's sample is found with one index that only moves forward over all
-    /// events: it advances while it is below N - 2 and the event lies after its time,
-    /// then steps once more only if the next sample is strictly nearer. Because the
-    /// advance stops on the first sample at or after the event, away from the end of
-    /// the recording the event lands on that sample; the nearer-sample test decides
-    /// only between the last two samples, where a tie keeps the earlier one. Events
-    /// listed out of time order land on the sample reached so far.
+    /// The event's sample is the nearest sample, found with one index that only moves
+    /// forward over all events: it advances while it is below N - 2 and the event lies
+    /// after the next sample's time, so it stops on the last sample at or before the
+    /// event; it then steps once more only if the next sample is strictly nearer. An
+    /// event exactly halfway between two samples thus aligns to the earlier one, and
+    /// events listed out of time order land on the sample reached so far.
     ///
     /// A row is kept only when i + startOffset >= 0, i + endOffset >= 0 and
     /// i + endOffset <= N - 1 (one sample stays in reserve after the chunk), and when
