@@ -40,6 +40,18 @@ public:
     static inline const QString NormalizeMethod = QStringLiteral("NormalizeMethod");
     static inline const QString NormalizeEvent = QStringLiteral("NormalizeEvent");
     static inline const QString NormalizeEventPath = QStringLiteral("NormalizeEventPath");
+    /// The offset side's window and statistic table when both sides are taken; the
+    /// keys above then describe the onset side.
+    static inline const QString OffsetPerieventTimeFrame = QStringLiteral("OffsetPerieventTimeFrame");
+    static inline const QString OffsetStatisticTimeFrames = QStringLiteral("OffsetStatisticTimeFrames");
+    static inline const QString OffsetTimeFramesNames = QStringLiteral("OffsetTimeFramesNames");
+    /// 1: an onset/offset array is read as plain events of its onsets (or, with
+    /// "Offset", its offsets), the choices "Only Onsets" and "Only Offsets".
+    static inline const QString PlainEvents = QStringLiteral("PlainEvents");
+
+    // Saved results. A run writes "Perievents<K>" groups; each analysed side holds the
+    // matrix, its "Time" axis and one dataset per statistic, named by the statistic.
+    static inline const QString PerieventMatrix = QStringLiteral("Perievents");
 
     // Attribute keys describing a saved result matrix (its unit uses FileDefinitions::Unit).
     static inline const QString RowNames = QStringLiteral("RowNames");
@@ -52,6 +64,10 @@ public:
     static inline const QString TrialsAxis = QStringLiteral("Trials");
     static inline const QString TimeAxis = QStringLiteral("Time (sec)");
     static inline const QString ZScoreUnit = QStringLiteral("z-score");
+    /// Column label of a saved statistic matrix.
+    static inline const QString TimeFramesAxis = QStringLiteral("Statistic Time Frames");
+    /// Header of the event-name column of an exported table.
+    static inline const QString EventColumn = QStringLiteral("Event");
 
     // Choice values.
     static inline const QString Both = QStringLiteral("Both");
@@ -180,6 +196,37 @@ public:
     }
     static QString rangeLabel() { return tr("Range"); }
     static QString previewLabel() { return tr("Select signal chunk for preview."); }
+    static QString otherEventLabel() { return tr("Other Event"); }
+    static QString methodLabel() { return tr("Method"); }
+    static QString sourceLabel() { return tr("Source"); }
+    static QString frequencyLabel() { return tr("Frequency (Hz)"); }
+    static QString removeStatisticRowTooltip() { return tr("Remove the selected rows from statistic table."); }
+    /// %1 first, %2 last event time whose whole chunk fits in the signal, seconds.
+    static QString rangeText() { return tr("Events between %1 and %2 sec"); }
+    static QString noRangeText() { return tr("No signal selected"); }
+    /// Name of a new statistic time frame, %1 its 1-based row.
+    static QString defaultFrameName() { return tr("TimeFrame%1"); }
+
+    // The result views.
+    static QString heatMapTitle() { return tr("Heat Map"); }
+    static QString tracesTitle() { return tr("Mean ± SEM"); }
+    static QString statisticsTitle() { return tr("Statistics"); }
+    static QString meanTraceName() { return tr("Mean"); }
+    static QString semBandName() { return tr("SEM"); }
+    static QString saveImageLabel() { return tr("Save Image..."); }
+    static QString saveImageTooltip() { return tr("Save the plot shown as a PNG or PDF image."); }
+    static QString exportCsvLabel() { return tr("Export CSV..."); }
+    static QString exportCsvTooltip()
+    {
+        return tr("Export the perievent matrix and every statistic to .csv files, one row per event.");
+    }
+    static QString imageFilter() { return tr("PNG Image (*.png);;PDF Document (*.pdf)"); }
+    static QString csvFilter() { return tr("CSV File (*.csv)"); }
+    /// %1 result path, %2 reason.
+    static QString cannotReadResultMessage() { return tr("Cannot read the perievent result <b>%1</b>: %2"); }
+    static QString notAResultMessage() { return tr("Not a perievent matrix."); }
+    /// %1 file path.
+    static QString cannotSaveImageMessage() { return tr("Unable to save the image <b>%1</b>."); }
 
     // Progress and messages.
     static QString perieventProgressLabel() { return tr("Calculating perievent arrays..."); }

@@ -1,0 +1,82 @@
+#include "analysis/PerieventExport.h"
+
+#include "datafile/HDF5Reader_V6.h"
+#include "definitions/AnalysisOperationDefinitions.h"
+#include "fileeditor/CsvTableWriter.h"
+#include "framework/FileAccessLock.h"
+
+#include <QDir>
+#include <QFileInfo>
+
+namespace zarvi {
+
+namespace {
+
+using D = AnalysisOperationDefinitions;
+
+QString written(const TableData& table, const QString& path, QStringList& paths, Feedback* feedback)
+{
+    const TableWriteResult result = CsvTableWriter::write(table, {path, ','}, feedback);
+    if (result.ok() && !result.canceled)
+        paths << path;
+    return result.error;
+}
+
+} // namespace
+
+TableData PerieventExport::matrixTable(const StoredPerieventResult& result)
+{
+    // The transpose's column-major storage holds the matrix row after row.
+    const arma::mat rows = result.matrix.t();
+    return TableData::fromRows(D::EventColumn, result.rowNames, result.time, QStringLiteral("s"),
+                               std::span<const double>(rows.memptr(), rows.n_elem));
+}
+
+TableData PerieventExport::statisticTable(const StoredPerieventResult& result,
+                                          const StoredPerieventResult::Statistic& statistic)
+{
+    TableData table;
+    table.rowNamesTitle = D::EventColumn;
+    table.rowNames = result.rowNames;
+    for (arma::uword frame = 0; frame < statistic.values.n_cols; ++frame) {
+        const arma::vec column = statistic.values.col(frame);
+        table.columns.push_back({statistic.frameNames.value(static_cast<qsizetype>(frame)), result.unit,
+                                 std::vector<double>(column.begin(), column.end())});
+    }
+    return table;
+}
+
+QString PerieventExport::statisticPath(const QString& csvPath, const QString& statistic)
+{
+    const QFileInfo info(csvPath);
+    return info.dir().filePath(QStringLiteral("%1_%2.csv").arg(info.completeBaseName(), statistic));
+}
+
+QString PerieventExport::write(const StoredPerieventResult& result, const QString& csvPath, QStringList& paths,
+                               Feedback* feedback)
+{
+    QString error = written(matrixTable(result), csvPath, paths, feedback);
+    for (std::size_t s = 0; error.isEmpty() && s < result.statistics.size(); ++s) {
+        const StoredPerieventResult::Statistic& statistic = result.statistics[s];
+        error = written(statisticTable(result, statistic), statisticPath(csvPath, statistic.name), paths, nullptr);
+    }
+    return error;
+}
+
+QString PerieventExport::exportFromFile(const QString& filepath, const QString& datapath, const QString& csvPath,
+                                        QStringList& paths, Feedback* feedback)
+{
+    StoredPerieventResult result;
+    QString error;
+    {
+        const auto lock = FileAccessLock::lock(filepath);
+        HDF5Reader_V6 reader;
+        if (reader.open(filepath) < 0)
+            return reader.lastError();
+        if (!PerieventResultFile::read(reader, datapath, result, error))
+            return D::cannotReadResultMessage().arg(datapath, error);
+    }
+    return write(result, csvPath, paths, feedback);
+}
+
+} // namespace zarvi

@@ -1,0 +1,275 @@
+#include "analysis/operations/perievents/PerieventParameters.h"
+
+#include "analysis/operations/perievents/EventArrayFile.h"
+#include "definitions/AnalysisOperationDefinitions.h"
+#include "definitions/ZarviMainDefinitions.h"
+
+#include <cmath>
+
+namespace zarvi {
+
+namespace {
+
+using D = AnalysisOperationDefinitions;
+using Z = ZarviMainDefinitions;
+
+/// Reads the values of one normalised parameter map and collects what is wrong.
+class Reader
+{
+public:
+    Reader(const QVariantMap& parameters, QStringList& errors) : m_parameters(parameters), m_errors(errors) {}
+
+    /// A stage whose key is absent or empty is off.
+    bool has(const QString& key) const
+    {
+        const QVariant value = m_parameters.value(key);
+        return value.isValid() && !(value.typeId() == QMetaType::QString && value.toString().isEmpty());
+    }
+    bool flag(const QString& key) const { return has(key) && m_parameters.value(key).toInt() != 0; }
+
+    QString text(const QString& key, bool required)
+    {
+        if (!has(key)) {
+            if (required)
+                missing(key);
+            return {};
+        }
+        return m_parameters.value(key).toString();
+    }
+
+    double number(const QString& key) const { return m_parameters.value(key).toDouble(); }
+
+    std::vector<double> numbers(const QString& key)
+    {
+        std::vector<double> values;
+        if (has(key)) {
+            for (const QVariant& value : m_parameters.value(key).toList())
+                values.push_back(value.toDouble());
+        }
+        return values;
+    }
+
+    /// [start, end]; false (with the message) when missing or not two numbers.
+    bool pair(const QString& key, double& start, double& end)
+    {
+        if (!has(key)) {
+            missing(key);
+            return false;
+        }
+        const std::vector<double> values = numbers(key);
+        if (values.size() != 2 || !std::isfinite(values[0]) || !std::isfinite(values[1])) {
+            invalid(key);
+            return false;
+        }
+        start = values[0];
+        end = values[1];
+        return true;
+    }
+
+    QStringList texts(const QString& key) const { return has(key) ? m_parameters.value(key).toStringList() : QStringList(); }
+
+    void missing(const QString& key) { m_errors << Z::parameterMissingMessage().arg(key); }
+    void invalid(const QString& key) { m_errors << Z::parameterInvalidMessage().arg(key); }
+
+private:
+    const QVariantMap& m_parameters;
+    QStringList& m_errors;
+};
+
+void readSide(Reader& reader, const QString& windowKey, const QString& framesKey, const QString& namesKey,
+              PerieventSideConfig& side)
+{
+    reader.pair(windowKey, side.windowStart, side.windowEnd);
+    const std::vector<double> bounds = reader.numbers(framesKey);
+    if (bounds.size() % 2 != 0) {
+        reader.invalid(framesKey);
+        return;
+    }
+    side.timeFrames.clear();
+    for (std::size_t i = 0; i < bounds.size(); i += 2)
+        side.timeFrames.push_back({bounds[i], bounds[i + 1]});
+    side.timeFrameNames = reader.texts(namesKey);
+    if (!side.timeFrames.empty() && side.timeFrameNames.isEmpty())
+        reader.missing(namesKey);
+    else if (static_cast<std::size_t>(side.timeFrameNames.size()) != side.timeFrames.size())
+        reader.invalid(namesKey);
+}
+
+void readSides(Reader& reader, PerieventRequest& request)
+{
+    PerieventAnalysisConfig& config = request.config;
+    const bool offset = reader.flag(D::Offset);
+    const bool onset = reader.has(D::Onset) ? reader.flag(D::Onset) : !offset;
+    if (!onset && !offset) {
+        reader.invalid(D::Onset);
+        return;
+    }
+    if (reader.flag(D::PlainEvents)) {
+        if (onset && offset) {
+            reader.invalid(D::PlainEvents);
+            return;
+        }
+        // The chosen column becomes a plain array of events, analysed like onsets.
+        request.columns = offset ? PerieventRequest::Columns::Offsets : PerieventRequest::Columns::Onsets;
+        config.sides = PerieventAnalysisConfig::Sides::Onset;
+        readSide(reader, D::PerieventTimeFrame, D::StatisticTimeFrames, D::TimeFramesNames, config.onset);
+        return;
+    }
+    config.sides = onset && offset ? PerieventAnalysisConfig::Sides::Both
+                   : onset         ? PerieventAnalysisConfig::Sides::Onset
+                                   : PerieventAnalysisConfig::Sides::Offset;
+    // The unprefixed keys describe the side taken, the onset side when both are.
+    readSide(reader, D::PerieventTimeFrame, D::StatisticTimeFrames, D::TimeFramesNames,
+             onset ? config.onset : config.offset);
+    if (onset && offset)
+        readSide(reader, D::OffsetPerieventTimeFrame, D::OffsetStatisticTimeFrames, D::OffsetTimeFramesNames,
+                 config.offset);
+}
+
+void readStatistics(Reader& reader, PerieventAnalysisConfig& config)
+{
+    QStringList names = reader.texts(D::Statistics);
+    const QString single = reader.text(D::Statistic, false);
+    if (!single.isEmpty())
+        names << single;
+    names.removeDuplicates(); // one dataset per statistic
+    config.statistics.clear();
+    for (const QString& name : names) {
+        const std::optional<ChunkStatistic::Kind> kind = ChunkStatistic::fromName(name);
+        if (!kind) {
+            reader.invalid(single == name ? D::Statistic : D::Statistics);
+            return;
+        }
+        config.statistics.push_back(*kind);
+    }
+}
+
+void readNormalization(Reader& reader, PerieventAnalysisConfig& config)
+{
+    PerieventNormalization& normalization = config.normalization;
+    normalization = {};
+    if (!reader.has(D::NormalizeWindow))
+        return;
+    normalization.enabled = reader.pair(D::NormalizeWindow, normalization.start, normalization.end);
+    if (reader.has(D::NormalizeMethod)) {
+        const std::optional<PerieventNormalizer::Method> method =
+            PerieventNormalizer::methodFromName(reader.text(D::NormalizeMethod, false));
+        if (method)
+            normalization.method = *method;
+        else
+            reader.invalid(D::NormalizeMethod);
+    }
+    const QString event = reader.text(D::NormalizeEvent, false);
+    if (!event.isEmpty() && event != D::CurrentEvent) {
+        normalization.eventName = event;
+        normalization.eventPath = reader.text(D::NormalizeEventPath, true);
+    }
+}
+
+void readSelection(Reader& reader, PerieventRequest& request)
+{
+    EventSelection& selection = request.config.selection;
+    selection = {};
+    if (!reader.flag(D::SelectEvents))
+        return;
+    if (reader.has(D::TimePeriod)) {
+        selection.mode = EventSelection::Mode::ByTimePeriod;
+        request.timePeriodArray = reader.text(D::TimePeriod, true);
+        request.timePeriodPath = reader.text(D::TimePeriodPath, true);
+        selection.periodName = reader.text(D::TimePeriodName, true);
+        return;
+    }
+    selection.mode = EventSelection::Mode::ByNumber;
+    double first = 0.0, last = 0.0;
+    if (!reader.pair(D::EventRange, first, last))
+        return;
+    if (first != std::floor(first) || last != std::floor(last) || std::abs(first) > 1e9 || std::abs(last) > 1e9) {
+        reader.invalid(D::EventRange);
+        return;
+    }
+    selection.first = static_cast<int>(first);
+    selection.last = static_cast<int>(last);
+}
+
+void readResampling(Reader& reader, PerieventAnalysisConfig& config)
+{
+    PerieventResampling& resampling = config.resampling;
+    resampling = {};
+    if (!reader.flag(D::Resample))
+        return;
+    resampling.enabled = true;
+    if (!reader.has(D::ResampleFrequency)) {
+        reader.missing(D::ResampleFrequency);
+    } else {
+        resampling.frequency = reader.number(D::ResampleFrequency);
+        if (!(resampling.frequency > 0.0) || !std::isfinite(resampling.frequency))
+            reader.invalid(D::ResampleFrequency);
+    }
+    if (reader.has(D::ResampleMethod)) {
+        const auto method = PerieventAnalysis::resampleMethodFromName(reader.text(D::ResampleMethod, false));
+        if (method)
+            resampling.method = *method;
+        else
+            reader.invalid(D::ResampleMethod);
+    }
+}
+
+/// The times of one column as plain events, keeping the names.
+EventArray plainEvents(const EventArray& events, PerieventRequest::Columns columns)
+{
+    const bool offsets = columns == PerieventRequest::Columns::Offsets && events.hasOffsets();
+    return EventArray(offsets ? events.offsets() : events.onsets(), {}, events.names());
+}
+
+} // namespace
+
+QStringList PerieventParameters::parse(const QVariantMap& parameters, PerieventRequest& request)
+{
+    QStringList errors;
+    Reader reader(parameters, errors);
+    request = PerieventRequest{};
+    PerieventAnalysisConfig& config = request.config;
+    config.eventPath = reader.text(D::EventPath, true);
+    config.eventName = reader.text(D::Event, true);
+    readSides(reader, request);
+    readStatistics(reader, config);
+    readNormalization(reader, config);
+    readSelection(reader, request);
+    readResampling(reader, config);
+    return errors;
+}
+
+QString PerieventParameters::loadEvents(HDF5Manager_V6& file, PerieventRequest& request, EventArray& events)
+{
+    PerieventAnalysisConfig& config = request.config;
+    std::optional<EventArray> stored = EventArrayFile::readEvents(file, config.eventPath, config.eventName);
+    const bool needsOffsets = request.columns == PerieventRequest::Columns::Offsets;
+    if (!stored || stored->isEmpty() || (needsOffsets && !stored->hasOffsets()))
+        return D::cannotLoadEventMessage().arg(config.eventPath, config.eventName);
+    events = request.columns == PerieventRequest::Columns::AsStored ? std::move(*stored)
+                                                                    : plainEvents(*stored, request.columns);
+
+    PerieventNormalization& normalization = config.normalization;
+    normalization.events.reset();
+    if (normalization.enabled && !normalization.eventName.isEmpty()) {
+        std::optional<EventArray> baseline =
+            EventArrayFile::readEvents(file, normalization.eventPath, normalization.eventName);
+        if (!baseline || baseline->isEmpty())
+            return D::cannotLoadEventMessage().arg(normalization.eventPath, normalization.eventName);
+        // Baseline events pair with plain events the same way: by the same column.
+        if (request.columns != PerieventRequest::Columns::AsStored)
+            baseline = plainEvents(*baseline, request.columns);
+        normalization.events = std::move(baseline);
+    }
+
+    if (config.selection.mode == EventSelection::Mode::ByTimePeriod) {
+        std::optional<TimePeriodArray> periods =
+            EventArrayFile::readTimePeriods(file, request.timePeriodPath, request.timePeriodArray);
+        if (!periods)
+            return D::cannotLoadEventMessage().arg(request.timePeriodPath, request.timePeriodArray);
+        config.selection.periods = std::move(*periods);
+    }
+    return {};
+}
+
+} // namespace zarvi

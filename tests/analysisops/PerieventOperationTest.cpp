@@ -1,0 +1,271 @@
+// The "Perievents" operation end to end: run through the OperationRunner on the demo
+// recording and on hand-made files, then read back exactly what it wrote.
+#include "PerieventTestFile.h"
+
+#include "analysis/PerieventExport.h"
+#include "analysis/operations/perievents/PerieventResultFile.h"
+#include "fileeditor/CsvTableReader.h"
+#include "framework/OperationRunner.h"
+
+#include <QTextStream>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace zarvi;
+
+namespace {
+
+using D = AnalysisOperationDefinitions;
+using FD = FileDefinitions;
+
+const QString resultGroup = QStringLiteral("DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1");
+
+class PerieventOperationTest : public ::testing::Test
+{
+protected:
+    const DemoTruth& truth = test::PerieventDemo::instance().truth;
+    test::TempDir dir;
+    QString file = test::PerieventDemo::instance().copyTo(dir);
+
+    RunResult run(const QVariantMap& parameters, const QStringList& inputs)
+    {
+        OperationRunner runner;
+        return runner.run(parameters, file, inputs);
+    }
+};
+
+/// Column means of a row-major [rows, columns] matrix.
+std::vector<double> columnMeans(const test::RawDataset& matrix)
+{
+    const std::size_t rows = matrix.dimensions[0], columns = matrix.dimensions[1];
+    std::vector<double> means(columns, 0.0);
+    for (std::size_t r = 0; r < rows; ++r)
+        for (std::size_t c = 0; c < columns; ++c)
+            means[c] += matrix.values[r * columns + c] / static_cast<double>(rows);
+    return means;
+}
+
+TEST_F(PerieventOperationTest, TheEventLockedTransientShowsInTheMeanTrace)
+{
+    QVariantMap parameters = test::demoParameters(truth);
+    const RunResult raw = run(parameters, {truth.biosensorPath});
+    ASSERT_TRUE(raw.succeeded()) << raw.errors.join(' ').toStdString();
+    parameters.insert(D::NormalizeWindow, QVariantList{-2.0, -0.5});
+    parameters.insert(D::NormalizeMethod, D::Mean);
+    const RunResult aligned = run(parameters, {truth.biosensorPath});
+    ASSERT_TRUE(aligned.succeeded()) << aligned.errors.join(' ').toStdString();
+    ASSERT_EQ(aligned.datapaths,
+              QStringList({"DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents2/Biosensor/Perievents"}));
+
+    // Every event lies 20 s or more inside the five minutes: all rows are kept.
+    const test::RawDataset level = test::readRaw(file, raw.datapaths[0]);
+    const test::RawDataset matrix = test::readRaw(file, aligned.datapaths[0]);
+    const test::RawDataset time = test::readRaw(file, resultGroup.chopped(1) + "2/Biosensor/Time");
+    ASSERT_EQ(matrix.dimensions.size(), 2u);
+    EXPECT_EQ(matrix.dimensions[0], truth.eventOnsets.size());
+    ASSERT_EQ(time.values.size(), matrix.dimensions[1]);
+
+    // Baseline level from the raw chunks' first 1.5 s; the aligned mean trace peaks at
+    // the transient's latency with about its relative amplitude.
+    const std::vector<double> rawMeans = columnMeans(level);
+    const std::vector<double> means = columnMeans(matrix);
+    double baseline = 0.0;
+    int baselineSamples = 0;
+    for (std::size_t c = 0; c < time.values.size(); ++c)
+        if (time.values[c] <= -0.5) {
+            baseline += rawMeans[c];
+            ++baselineSamples;
+        }
+    baseline /= baselineSamples;
+    const auto peak = std::max_element(means.begin(), means.end()) - means.begin();
+    EXPECT_NEAR(time.values[peak], truth.transientPeakLatency, 0.1);
+    EXPECT_NEAR(means[peak] / baseline, truth.transientAmplitude, 0.2 * truth.transientAmplitude);
+
+    // Before the event the aligned trace stays at 0 within the noise.
+    for (std::size_t c = 0; c < time.values.size() && time.values[c] < -0.5; ++c)
+        EXPECT_NEAR(means[c], 0.0, 0.01 * baseline);
+}
+
+TEST_F(PerieventOperationTest, SavesTheDocumentedDatasetsAndAttributes)
+{
+    QVariantMap parameters = test::demoParameters(truth);
+    parameters.insert(D::NormalizeWindow, QVariantList{-2.0, -0.5});
+    parameters.insert(D::NormalizeMethod, D::StandardZScore);
+    parameters.insert(D::SelectEvents, 1);
+    parameters.insert(D::EventRange, QVariantList{2, 5});
+    const RunResult result = run(parameters, {truth.isosbesticPath, truth.biosensorPath});
+    ASSERT_TRUE(result.succeeded()) << result.errors.join(' ').toStdString();
+    ASSERT_EQ(result.datapaths, QStringList({resultGroup + "/Isosbestic/Perievents", resultGroup + "/Biosensor/Perievents"}));
+
+    // fs = 300000 / 299.999 Hz: startOffset round(-2 fs) = -2000, endOffset round(4 fs) + 1 = 4001.
+    const test::RawDataset matrix = test::readRaw(file, result.datapaths[1]);
+    ASSERT_EQ(matrix.dimensions, (std::vector<hsize_t>{4, 6001}));
+    EXPECT_EQ(matrix.chunk, (std::vector<hsize_t>{4, 6001})); // a band of rows under 1 MiB
+    const QVariantMap& a = matrix.attributes;
+    EXPECT_EQ(a.value(D::RowNames).toStringList(), QStringList({"Event2", "Event3", "Event4", "Event5"}));
+    EXPECT_EQ(a.value(D::RowLabel).toString(), "Trials");
+    EXPECT_EQ(a.value(D::ColumnLabel).toString(), "Time (sec)");
+    EXPECT_EQ(a.value(D::ColumnRange).toList(), QVariantList({-2.0, 4.0}));
+    EXPECT_EQ(a.value(FD::Unit).toString(), "z-score");
+    EXPECT_EQ(a.value(FD::Username).toString(), "Biosensor Stimulus");
+    EXPECT_EQ(a.value(FD::Operations).toString(), "Perievents");
+    EXPECT_EQ(a.value(FD::SourceDatapath).toString(), truth.biosensorPath);
+    EXPECT_EQ(a.value(D::PerieventTimeFrame).toList(), QVariantList({-2.0, 4.0}));
+
+    const test::RawDataset time = test::readRaw(file, resultGroup + "/Biosensor/Time");
+    EXPECT_EQ(time.attributes.value(FD::Unit).toString(), "s");
+    EXPECT_DOUBLE_EQ(time.values[0], -2.0);
+    EXPECT_NEAR(time.values[1] - time.values[0], 299.999 / 300000.0, 1e-12);
+
+    // One [events, frames] matrix per statistic; the z-scored baseline has mean 0.
+    const test::RawDataset mean = test::readRaw(file, resultGroup + "/Biosensor/Mean");
+    ASSERT_EQ(mean.dimensions, (std::vector<hsize_t>{4, 2}));
+    EXPECT_EQ(mean.attributes.value(D::ColumnNames).toStringList(), QStringList({"Baseline", "Response"}));
+    EXPECT_EQ(mean.attributes.value(D::RowNames).toStringList(), a.value(D::RowNames).toStringList());
+    EXPECT_EQ(mean.attributes.value(FD::Username).toString(), "Biosensor Stimulus Mean");
+    const test::RawDataset maximum = test::readRaw(file, resultGroup + "/Biosensor/Maximum");
+    for (std::size_t row = 0; row < 4; ++row) {
+        EXPECT_GT(maximum.values[row * 2 + 1], mean.values[row * 2 + 1]);
+        EXPECT_GT(mean.values[row * 2 + 1], 3.0); // the transient, in baseline deviations
+    }
+    const test::RawDataset group = test::readRaw(file, resultGroup + "/Isosbestic/Perievents");
+    EXPECT_EQ(group.attributes.value(FD::Username).toString(), "Isosbestic Stimulus");
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(file), 0);
+    const hid_t run = reader.openGroup(reader.fileId(), resultGroup);
+    EXPECT_EQ(reader.readAttribute(run, FD::SourceDatapaths).toStringList(),
+              QStringList({truth.isosbesticPath, truth.biosensorPath}));
+    reader.closeGroup(run);
+}
+
+TEST_F(PerieventOperationTest, BothSidesGoToTheirOwnGroups)
+{
+    QVariantMap parameters = test::demoParameters(truth);
+    parameters.insert(D::Onset, 1);
+    parameters.insert(D::Offset, 1);
+    parameters.insert(D::OffsetPerieventTimeFrame, QVariantList{-1.0, 1.0});
+    parameters.insert(D::OffsetStatisticTimeFrames, QVariantList{0.0, 1.0});
+    parameters.insert(D::OffsetTimeFramesNames, QStringList{QStringLiteral("After")});
+    const RunResult result = run(parameters, {truth.biosensorPath});
+    ASSERT_TRUE(result.succeeded()) << result.errors.join(' ').toStdString();
+    EXPECT_EQ(result.datapaths, QStringList({resultGroup + "/Biosensor/Onset/Perievents",
+                                             resultGroup + "/Biosensor/Offset/Perievents"}));
+    const test::RawDataset offset = test::readRaw(file, result.datapaths[1]);
+    EXPECT_EQ(offset.dimensions[1], 2001u); // round(-fs) = -1000 .. round(fs) + 1 = 1001
+    EXPECT_EQ(offset.attributes.value(FD::Username).toString(), "Biosensor Stimulus (Offset)");
+    EXPECT_EQ(offset.attributes.value(FD::Unit).toString(), "V");
+    const test::RawDataset statistic = test::readRaw(file, resultGroup + "/Biosensor/Offset/Maximum");
+    EXPECT_EQ(statistic.attributes.value(D::ColumnNames).toStringList(), QStringList({"After"}));
+    EXPECT_EQ(statistic.attributes.value(FD::Username).toString(), "Biosensor Stimulus Maximum (Offset)");
+
+    // "Only Offsets": the offsets as plain events, named without a side.
+    parameters = test::demoParameters(truth);
+    parameters.insert(D::Onset, 0);
+    parameters.insert(D::Offset, 1);
+    parameters.insert(D::PlainEvents, 1);
+    const RunResult plain = run(parameters, {truth.biosensorPath});
+    ASSERT_TRUE(plain.succeeded()) << plain.errors.join(' ').toStdString();
+    const test::RawDataset offsets = test::readRaw(file, plain.datapaths[0]);
+    EXPECT_EQ(offsets.attributes.value(FD::Username).toString(), "Biosensor Stimulus");
+    // The offsets come 2 s (2000 samples) after the onsets: offset column j is onset
+    // column j + 2000 of the same event.
+    parameters.remove(D::PlainEvents);
+    parameters.insert(D::Onset, 1);
+    parameters.insert(D::Offset, 0);
+    const RunResult onset = run(parameters, {truth.biosensorPath});
+    const test::RawDataset onsets = test::readRaw(file, onset.datapaths[0]);
+    ASSERT_EQ(offsets.dimensions, onsets.dimensions);
+    const std::size_t columns = onsets.dimensions[1];
+    for (std::size_t r = 0; r < onsets.dimensions[0]; ++r)
+        for (std::size_t j = 0; j + 2000 < columns; j += 250)
+            ASSERT_EQ(offsets.values[r * columns + j], onsets.values[r * columns + j + 2000]) << r << ", " << j;
+}
+
+TEST_F(PerieventOperationTest, FailuresWriteNothing)
+{
+    QVariantMap parameters = test::demoParameters(truth);
+    parameters.insert(D::Event, QStringLiteral("Missing"));
+    RunResult result = run(parameters, {truth.biosensorPath});
+    EXPECT_EQ(result.errors,
+              QStringList({"Cannot find/load event <b>" + truth.eventPath + "/Missing</b> from the file."}));
+    EXPECT_TRUE(result.datapaths.isEmpty());
+
+    // A baseline array of another length.
+    test::writeEventArray(file, truth.eventPath, QStringLiteral("Tone"), {10.0, 50.0, 90.0}, 1);
+    parameters = test::demoParameters(truth);
+    parameters.insert(D::NormalizeWindow, QVariantList{-1.0, 0.0});
+    parameters.insert(D::NormalizeEvent, QStringLiteral("Tone"));
+    parameters.insert(D::NormalizeEventPath, truth.eventPath);
+    result = run(parameters, {truth.biosensorPath});
+    EXPECT_EQ(result.errors, QStringList({"Events <b>Tone</b> used for normalization and events <b>Stimulus</b> do "
+                                          "not have the same number of events."}));
+
+    // The first signal succeeds, the second is missing: the first one's output goes too.
+    result = run(test::demoParameters(truth), {truth.biosensorPath, QStringLiteral("DataAcquisition/None/Signal")});
+    EXPECT_FALSE(result.succeeded());
+    EXPECT_FALSE(test::pathExists(file, resultGroup));
+    EXPECT_FALSE(test::pathExists(file, FD::DataAnalyzed + "/FiberPhotometry/Signals/Series1/Perievents2"));
+
+    // Parameters the operation cannot use.
+    parameters = test::demoParameters(truth);
+    parameters.remove(D::PerieventTimeFrame);
+    parameters.insert(D::Statistics, QStringList{QStringLiteral("Mode")});
+    result = run(parameters, {truth.biosensorPath});
+    EXPECT_EQ(result.errors, QStringList({"Parameter <b>PerieventTimeFrame</b> is missing.",
+                                          "Parameter <b>Statistics</b> has an invalid value."}));
+    EXPECT_FALSE(test::pathExists(file, resultGroup));
+}
+
+TEST_F(PerieventOperationTest, CsvExportReadsBackAsTheMatrix)
+{
+    const RunResult result = run(test::demoParameters(truth), {truth.biosensorPath});
+    ASSERT_TRUE(result.succeeded());
+    const QString csv = dir.file(QStringLiteral("trials.csv"));
+    QStringList written;
+    ASSERT_EQ(PerieventExport::exportFromFile(file, resultGroup + "/Biosensor", csv, written), QString());
+    EXPECT_EQ(written, QStringList({csv, dir.file("trials_Mean.csv"), dir.file("trials_Maximum.csv")}));
+
+    // The first column holds the event names; the rest is numbers the reader parses.
+    QFile text(csv);
+    ASSERT_TRUE(text.open(QIODevice::ReadOnly | QIODevice::Text));
+    QStringList names;
+    QString numbers;
+    QTextStream in(&text);
+    for (QString line = in.readLine(); !line.isNull(); line = in.readLine()) {
+        const qsizetype comma = line.indexOf(QLatin1Char(','));
+        names << line.left(comma);
+        numbers += line.mid(comma + 1) + QLatin1Char('\n');
+    }
+    const QString stripped = dir.file(QStringLiteral("numbers.csv"));
+    QFile out(stripped);
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly));
+    out.write(numbers.toUtf8());
+    out.close();
+    CsvTableReaderConfig config;
+    config.path = stripped;
+    config.timeColumn = -1;
+    const CsvTable table = CsvTableReader::read(config);
+    ASSERT_TRUE(table.ok()) << table.error.toStdString();
+
+    const test::RawDataset matrix = test::readRaw(file, result.datapaths[0]);
+    const test::RawDataset time = test::readRaw(file, resultGroup + "/Biosensor/Time");
+    const std::size_t rows = matrix.dimensions[0], columns = matrix.dimensions[1];
+    EXPECT_EQ(names.first(), "Event");
+    EXPECT_EQ(names.mid(1), matrix.attributes.value(D::RowNames).toStringList());
+    ASSERT_EQ(table.columns.size(), columns);
+    EXPECT_EQ(table.columnNames[0], QStringLiteral("%1 (s)").arg(time.values[0]));
+    for (std::size_t c = 0; c < columns; ++c) {
+        ASSERT_EQ(table.columns[c].values.size(), rows);
+        for (std::size_t r = 0; r < rows; ++r)
+            ASSERT_EQ(table.columns[c].values[r], matrix.values[r * columns + c]) << r << ", " << c;
+    }
+
+    QFile statistic(dir.file("trials_Mean.csv"));
+    ASSERT_TRUE(statistic.open(QIODevice::ReadOnly | QIODevice::Text));
+    EXPECT_EQ(QString::fromUtf8(statistic.readLine()).trimmed(), "Event,Baseline (V),Response (V)");
+}
+
+} // namespace
