@@ -39,12 +39,13 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
     const hsize_t rows = matrix.n_rows;
     const hsize_t columns = matrix.n_cols;
     const hsize_t chunkColumns = std::clamp<hsize_t>(columns, 1, MaxChunkColumns);
-    const hsize_t chunkRows = std::clamp<hsize_t>(ChunkBytes / (sizeof(double) * chunkColumns), 1, std::max<hsize_t>(rows, 1));
+    const hsize_t chunkRows =
+        std::clamp<hsize_t>(ChunkBytes / (sizeof(double) * chunkColumns), 1, std::max<hsize_t>(rows, 1));
     const hid_t dataset = file.createDataset(group, ElementKind::Float64, name, 2, {H5S_UNLIMITED, H5S_UNLIMITED},
                                              {chunkRows, chunkColumns}, {rows, columns}, 0);
     if (dataset < 0)
         return false;
-    std::vector<double> band(static_cast<std::size_t>(chunkRows * columns));
+    std::vector<double> band(static_cast<std::size_t>(std::min(chunkRows, rows) * columns));
     const double* source = matrix.memptr();
     bool ok = true;
     for (hsize_t first = 0; ok && first < rows; first += chunkRows) {

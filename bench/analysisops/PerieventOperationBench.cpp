@@ -1,0 +1,130 @@
+// The "Perievents" operation end to end through `zarvi-cli run`: one hour of 1 kHz
+// signal, 1000 events, window -5 .. +10 s, z-score normalisation from the chunk
+// baseline, three statistic time frames. The file is read, the analysis computed and
+// the 1000 x 15001 matrix with its statistics written back. Each iteration times the
+// command on a fresh copy of the input, then a memcpy of the same matrix bytes; the
+// ratio is reported as "x_memcpy".
+#include "datafile/HDF5Writer_V6.h"
+#include "datafile/SignalDataset.h"
+#include "definitions/AnalysisOperationDefinitions.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstring>
+#include <iostream>
+#include <memory>
+
+namespace {
+
+using namespace zarvi;
+using D = AnalysisOperationDefinitions;
+using Clock = std::chrono::steady_clock;
+
+constexpr std::size_t Samples = 3'600'000;
+constexpr std::size_t Events = 1000;
+constexpr std::size_t MatrixDoubles = Events * 15001;
+const QString SignalGroup = QStringLiteral("DataAcquisition/FiberPhotometry/Signals/Series1/Biosensor");
+const QString EventGroup = QStringLiteral("DataAcquisition/FiberPhotometry/Events/Series1");
+
+bool writeInput(const QString& path)
+{
+    HDF5Writer_V6 file;
+    if (file.create(path) < 0)
+        return false;
+    Signal signal;
+    signal.unit = QStringLiteral("V");
+    signal.time.resize(Samples);
+    signal.values.resize(Samples);
+    for (std::size_t i = 0; i < Samples; ++i) {
+        signal.time[i] = static_cast<double>(i) / 1000.0;
+        signal.values[i] = std::sin(signal.time[i] * 0.7) + 0.1 * std::sin(signal.time[i] * 31.0);
+    }
+    QString error;
+    if (!SignalDataset::write(file, SignalGroup, signal, {}, error))
+        return false;
+    std::vector<double> onsets(Events);
+    for (std::size_t k = 0; k < Events; ++k)
+        onsets[k] = 10.0 + 3.58 * static_cast<double>(k);
+    const hid_t group = file.createGroupPath(file.fileId(), EventGroup);
+    const hid_t events = file.createDataset(group, ElementKind::Float64, QStringLiteral("Stimulus"), 2,
+                                            {H5S_UNLIMITED, 1}, {Events, 1}, {Events, 1}, 0);
+    const bool ok = events >= 0 && file.write(events, onsets.data(), {0, 0}, {Events, 1});
+    file.closeDataset(events);
+    file.closeGroup(group);
+    return ok;
+}
+
+QByteArray parameters()
+{
+    const QJsonObject object{
+        {D::EventPath, EventGroup},
+        {D::Event, QStringLiteral("Stimulus")},
+        {D::PerieventTimeFrame, QJsonArray{-5.0, 10.0}},
+        {D::StatisticTimeFrames, QJsonArray{-5.0, 0.0, 0.0, 2.0, 2.0, 10.0}},
+        {D::TimeFramesNames, QJsonArray{QStringLiteral("Before"), QStringLiteral("Response"), QStringLiteral("After")}},
+        {D::Statistics, QJsonArray{D::AUC}},
+        {D::NormalizeWindow, QJsonArray{-5.0, -1.0}},
+        {D::NormalizeMethod, D::StandardZScore}};
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+double seconds(Clock::time_point from)
+{
+    return std::chrono::duration<double>(Clock::now() - from).count();
+}
+
+void BM_PerieventOperationCli(benchmark::State& state)
+{
+    QTemporaryDir dir;
+    const QString input = dir.filePath(QStringLiteral("input.orvel"));
+    const QString work = dir.filePath(QStringLiteral("work.orvel"));
+    if (!writeInput(input)) {
+        state.SkipWithError("cannot write the input file");
+        return;
+    }
+    const QStringList arguments{QStringLiteral("run"),      work,
+                                QStringLiteral("--operation"), D::Perievents,
+                                QStringLiteral("--params"),    QString::fromUtf8(parameters()),
+                                QStringLiteral("--data"),      SignalGroup + QStringLiteral("/Signal")};
+    std::vector<double> source(MatrixDoubles, 1.0);
+    std::vector<double> target(MatrixDoubles, 0.0);
+    double operation = 0.0;
+    double copy = 0.0;
+    for (auto _ : state) {
+        QFile::remove(work);
+        QFile::copy(input, work);
+        QProcess cli;
+        auto start = Clock::now();
+        cli.start(QStringLiteral(ZARVI_CLI_PATH), arguments);
+        const bool finished = cli.waitForFinished(-1);
+        const double elapsed = seconds(start);
+        if (!finished || cli.exitCode() != 0) {
+            state.SkipWithError(cli.readAllStandardError().constData());
+            return;
+        }
+        operation += elapsed;
+        state.SetIterationTime(elapsed);
+        start = Clock::now();
+        std::memcpy(target.data(), source.data(), MatrixDoubles * sizeof(double));
+        benchmark::DoNotOptimize(target.data());
+        copy += seconds(start);
+    }
+    const double iterations = static_cast<double>(state.iterations());
+    state.counters["seconds"] = operation / iterations;
+    state.counters["memcpy_ms"] = 1e3 * copy / iterations;
+    state.counters["x_memcpy"] = operation / copy;
+}
+
+} // namespace
+
+BENCHMARK(BM_PerieventOperationCli)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+BENCHMARK_MAIN();
