@@ -263,6 +263,12 @@ public:
         return tr(
             "Incorrect statistic time frames. Please verify that all the time frames are well defined.");
     }
+    /// %1 kept events, %2 the most a result can name.
+    static QString tooManyEventsMessage()
+    {
+        return tr("The perievent result holds <b>%1</b> events, more than the <b>%2</b> a result can name. Select "
+                  "fewer events.");
+    }
     static QString oldFormatMessage()
     {
         return tr("Perievent was saved in the old format, and has to be resaved.<br>Please be patient.");

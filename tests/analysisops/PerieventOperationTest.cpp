@@ -6,6 +6,7 @@
 #include "analysis/operations/perievents/PerieventResultFile.h"
 #include "fileeditor/CsvTableReader.h"
 #include "framework/OperationRunner.h"
+#include "datafile/SignalDataset.h"
 
 #include <QTextStream>
 
@@ -266,6 +267,45 @@ TEST_F(PerieventOperationTest, CsvExportReadsBackAsTheMatrix)
     QFile statistic(dir.file("trials_Mean.csv"));
     ASSERT_TRUE(statistic.open(QIODevice::ReadOnly | QIODevice::Text));
     EXPECT_EQ(QString::fromUtf8(statistic.readLine()).trimmed(), "Event,Baseline (V),Response (V)");
+}
+
+TEST(PerieventOperation, MoreEventsThanAResultCanNameIsAMessage)
+{
+    test::TempDir dir;
+    const QString file = dir.file(QStringLiteral("many.orvel"));
+    const QString group = QStringLiteral("DataAcquisition/Rig/Signals/Series1/Green");
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.create(file), 0);
+        Signal signal;
+        for (int i = 0; i < 100000; ++i) {
+            signal.time.push_back(i * 0.01);
+            signal.values.push_back(i);
+        }
+        QString error;
+        ASSERT_TRUE(SignalDataset::write(writer, group, signal, {}, error));
+    }
+    std::vector<double> onsets;
+    for (int k = 0; k < 4001; ++k)
+        onsets.push_back(10.0 + 0.2 * k);
+    test::writeEventArray(file, QStringLiteral("DataAcquisition/Rig/Events/Series1"), QStringLiteral("Lick"), onsets, 1);
+    const QVariantMap parameters{{FD::Operations, D::Perievents},
+                                 {D::EventPath, QStringLiteral("DataAcquisition/Rig/Events/Series1")},
+                                 {D::Event, QStringLiteral("Lick")},
+                                 {D::PerieventTimeFrame, QVariantList{-0.05, 0.05}}};
+    OperationRunner runner;
+    RunResult result = runner.run(parameters, file, {SignalDataset::valuesPath(group)});
+    EXPECT_EQ(result.errors, QStringList({"The perievent result holds <b>4001</b> events, more than the <b>4000</b> "
+                                          "a result can name. Select fewer events."}));
+    EXPECT_FALSE(test::pathExists(file, QStringLiteral("DataAnalyzed/Rig/Signals/Series1/Perievents1")));
+
+    QVariantMap fewer = parameters;
+    fewer.insert(D::SelectEvents, 1);
+    fewer.insert(D::EventRange, QVariantList{2, 4001});
+    result = runner.run(fewer, file, {SignalDataset::valuesPath(group)});
+    ASSERT_TRUE(result.succeeded()) << result.errors.join(' ').toStdString();
+    EXPECT_EQ(test::readRaw(file, result.datapaths[0]).attributes.value(D::RowNames).toStringList().last(),
+              "Event4001");
 }
 
 } // namespace

@@ -135,6 +135,10 @@ QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group, co
                                    double windowEnd, const QString& unit, const PerieventResultNames& names,
                                    const QVariantMap& attributes, QString& error, Feedback* feedback)
 {
+    if (result.eventNames.size() > static_cast<qsizetype>(MaxEvents)) {
+        error = D::tooManyEventsMessage().arg(result.eventNames.size()).arg(MaxEvents);
+        return {};
+    }
     const hid_t groupId = file.createGroupPath(file.fileId(), group);
     if (groupId < 0) {
         error = FD::unableToCreateGroupMessage().arg(group);

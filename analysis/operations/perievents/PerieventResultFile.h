@@ -68,10 +68,15 @@ struct StoredPerieventResult
 class PerieventResultFile
 {
 public:
+    /// The most events a result names: "RowNames" is one attribute, and an attribute of
+    /// a file readable by HDF5 1.8 holds at most 64 KiB (16 bytes per name).
+    static constexpr std::size_t MaxEvents = 4000;
+
     /// Creates `group` and writes `result` into it; `statistics` names result.statistics
     /// in order. `attributes` (the run's parameters, the source path) go onto the matrix
     /// and statistic datasets. Polls `feedback` per band of rows. Returns the matrix path,
-    /// or empty with `error` set (or nothing set when cancelled).
+    /// or empty with `error` set (or nothing set when cancelled); a result of more than
+    /// MaxEvents rows is refused before anything is written.
     static QString write(HDF5Writer_V6& file, const QString& group, const PerieventSideResult& result,
                          const std::vector<ChunkStatistic::Kind>& statistics, double windowStart,
                          double windowEnd, const QString& unit, const PerieventResultNames& names,
