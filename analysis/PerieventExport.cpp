@@ -5,8 +5,6 @@
 #include "fileeditor/CsvTableWriter.h"
 #include "framework/FileAccessLock.h"
 
-#include <QDir>
-#include <QFileInfo>
 
 namespace zarvi {
 
@@ -48,8 +46,9 @@ TableData PerieventExport::statisticTable(const StoredPerieventResult& result,
 
 QString PerieventExport::statisticPath(const QString& csvPath, const QString& statistic)
 {
-    const QFileInfo info(csvPath);
-    return info.dir().filePath(QStringLiteral("%1_%2.csv").arg(info.completeBaseName(), statistic));
+    const QString suffix = QStringLiteral(".csv");
+    const QString base = csvPath.endsWith(suffix, Qt::CaseInsensitive) ? csvPath.chopped(suffix.size()) : csvPath;
+    return QStringLiteral("%1_%2.csv").arg(base, statistic);
 }
 
 QString PerieventExport::write(const StoredPerieventResult& result, const QString& csvPath, QStringList& paths,

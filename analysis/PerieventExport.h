@@ -21,7 +21,7 @@ public:
     static TableData matrixTable(const StoredPerieventResult& result);
     static TableData statisticTable(const StoredPerieventResult& result,
                                     const StoredPerieventResult::Statistic& statistic);
-    /// "<folder of csvPath>/<base name of csvPath>_<statistic>.csv".
+    /// csvPath without its ".csv", then "_<statistic>.csv".
     static QString statisticPath(const QString& csvPath, const QString& statistic);
 
     /// Writes the matrix to `csvPath` and every statistic beside it; `written` gets the

@@ -1,4 +1,5 @@
 #include "cli/DemoCommand.h"
+#include "cli/ExportPerieventsCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
@@ -14,7 +15,9 @@ const char* usage = "usage: zarvi-cli <command> [arguments]\n"
                     "  demo OUT.orvel [--seed N] write the synthetic demo recording\n"
                     "  run FILE --operation NAME --params PARAMS.json --data PATH...\n"
                     "  run FILE --pipeline PIPELINE.json --data PATH...\n"
-                    "                            run operations headless (Ctrl-C cancels)\n";
+                    "                            run operations headless (Ctrl-C cancels)\n"
+                    "  export-perievents FILE --data PATH --to OUT.csv\n"
+                    "                            a saved perievent result and its statistics as .csv\n";
 
 } // namespace
 
@@ -38,6 +41,8 @@ int main(int argc, char* argv[])
         return zarvi::DemoCommand::run(arguments);
     if (command == QStringLiteral("run"))
         return zarvi::RunCommand::run(arguments);
+    if (command == QStringLiteral("export-perievents"))
+        return zarvi::ExportPerieventsCommand::run(arguments);
     QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
     return 2;
 }
