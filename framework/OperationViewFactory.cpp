@@ -1,5 +1,7 @@
 #include "framework/OperationViewFactory.h"
 
+#include "analysis/operations/perievents/PerieventsView.h"
+#include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/SignalOperationDefinitions.h"
 #include "framework/AbstractOperationView.h"
 #include "signal/operations/decimation/DecimationView.h"
@@ -15,6 +17,7 @@ std::unique_ptr<AbstractOperationView> OperationViewFactory::create(const QStrin
     using Maker = std::function<std::unique_ptr<AbstractOperationView>()>;
     static const std::map<QString, Maker> makers{
         {SD::Decimation, [] { return std::make_unique<DecimationView>(); }},
+        {AnalysisOperationDefinitions::Perievents, [] { return std::make_unique<PerieventsView>(); }},
     };
     const auto it = makers.find(operationName);
     return it == makers.end() ? nullptr : it->second();

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "analysis/operations/perievents/EventArrayFile.h"
+#include "framework/AbstractOperationView.h"
+
+#include <vector>
+
+class QCheckBox;
+class QComboBox;
+class QDoubleSpinBox;
+class QLabel;
+class QListWidget;
+class QSpinBox;
+class QTimer;
+
+namespace zarvi {
+
+class PerieventPreview;
+class PerieventSideBox;
+
+/// Parameters of "Perievents", in the analysis dialog: the event array and its side,
+/// the onset and offset time frames with their statistic tables, the statistics, the
+/// baseline alignment, the selection of events and the resampling, with the usable
+/// event range and a preview of one chunk computed by the perievent kernel itself.
+/// The file's event arrays, time-period arrays and the signal's extent are read when
+/// the view is first shown (loadFileData()), each read a short one under the file's
+/// access lock. GUI thread.
+class PerieventsView : public AbstractOperationView
+{
+    Q_OBJECT
+
+public:
+    explicit PerieventsView(QWidget* parent = nullptr);
+
+    /// Reads the event arrays, time periods and signal extent of the file; false when
+    /// the file is busy or unreadable (the range label says why).
+    bool loadFileData();
+    /// Recomputes the preview of the chunk chosen in `cb_previewEvent`.
+    void updatePreview();
+    /// The parameter map as the widgets stand, without checking them.
+    QVariantMap currentParameters() const;
+
+    PerieventSideBox* onsetBox() const { return m_onset; }
+    PerieventSideBox* offsetBox() const { return m_offset; }
+    PerieventPreview* preview() const { return m_preview; }
+
+protected:
+    bool buildParameters(QVariantMap& parameters) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    QWidget* buildEventRows();
+    QWidget* buildStatistics();
+    QWidget* buildNormalize();
+    QWidget* buildSelection();
+    QWidget* buildResample();
+    void onEventChanged();
+    void onTimePeriodChanged();
+    void updateEnabled();
+    void updateRange();
+    bool takesOnset() const;
+    bool takesOffset() const;
+    const StoredArray* currentEvent() const;
+
+    std::vector<StoredArray> m_events;
+    std::vector<StoredArray> m_periods;
+    bool m_loaded = false;
+    bool m_hasExtent = false;
+    double m_firstTime = 0.0;
+    double m_lastTime = 0.0;
+
+    QComboBox* m_event;
+    QLabel* m_onoffLabel;
+    QComboBox* m_onoff;
+    PerieventSideBox* m_onset;
+    PerieventSideBox* m_offset;
+    QListWidget* m_statistics;
+    QCheckBox* m_normalize;
+    QDoubleSpinBox* m_normalizeStart;
+    QDoubleSpinBox* m_normalizeEnd;
+    QComboBox* m_normalizeMethod;
+    QComboBox* m_normalizeSource;
+    QComboBox* m_normalizeEvent;
+    QCheckBox* m_selectEvents;
+    QComboBox* m_selectOption;
+    QSpinBox* m_eventFirst;
+    QSpinBox* m_eventLast;
+    QComboBox* m_timePeriod;
+    QComboBox* m_periodName;
+    QCheckBox* m_resample;
+    QDoubleSpinBox* m_resampleFrequency;
+    QComboBox* m_resampleMethod;
+    QLabel* m_range;
+    QComboBox* m_previewEvent;
+    PerieventPreview* m_preview;
+    QTimer* m_previewTimer;
+};
+
+} // namespace zarvi
