@@ -7,8 +7,10 @@
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
 #include "analysis/AnalysisPipeline.h"
+#include "analysis/PerieventResultView.h"
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
+#include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
@@ -293,10 +295,16 @@ int DatasetPlugin::displayPaths(const QStringList& paths)
 {
     QStringList signalPaths;
     QStringList stackPaths;
+    int added = 0;
     for (const QString& path : paths) {
         const DataFileNode* node = m_tree->node(path);
         if (!node)
             continue;
+        if (const QStringList results = perieventResults(path); !results.isEmpty()) {
+            for (const QString& result : results)
+                added += showPerievents(result);
+            continue;
+        }
         QString target = path;
         if (node->kind == ObjectKind::Group) {
             // A sensor group stands for what it holds.
@@ -312,7 +320,7 @@ int DatasetPlugin::displayPaths(const QStringList& paths)
         else if (shown->dimensions.size() == 1 && shown->name != FD::Time && !signalPaths.contains(target))
             signalPaths << target;
     }
-    int added = signalPaths.isEmpty() ? 0 : showSignals(signalPaths);
+    added += signalPaths.isEmpty() ? 0 : showSignals(signalPaths);
     for (const QString& path : stackPaths)
         added += showImageStack(path);
     return added;
@@ -351,6 +359,32 @@ int DatasetPlugin::showSignals(const QStringList& paths)
     // The tab widget owns the plot from here on.
     return addDisplayTab(plot.release(), names.size() == 1 ? names.first() : DD::signalsTabTitle(),
                          shownPaths);
+}
+
+QStringList DatasetPlugin::perieventResults(const QString& path) const
+{
+    // A perievent matrix, or a group holding one directly or per side.
+    using AD = AnalysisOperationDefinitions;
+    const QString matrix = QLatin1Char('/') + AD::PerieventMatrix;
+    QStringList results;
+    for (const QString& candidate : {path, path + matrix, path + QLatin1Char('/') + AD::Onset + matrix,
+                                     path + QLatin1Char('/') + AD::Offset + matrix}) {
+        const DataFileNode* node = m_tree->node(candidate);
+        if (node && PerieventResultFile::isMatrix(*node))
+            results << candidate;
+    }
+    return results;
+}
+
+int DatasetPlugin::showPerievents(const QString& path)
+{
+    auto view = std::make_unique<PerieventResultView>();
+    QString error;
+    if (!view->load(filePath(), path, error)) {
+        emit sendStatusMessage(error);
+        return 0;
+    }
+    return addDisplayTab(view.release(), displayName(path), {path}); // the tab widget owns it now
 }
 
 int DatasetPlugin::showImageStack(const QString& path)

@@ -43,7 +43,8 @@ public:
 
     /// Shows the datasets at these paths: 1-D signals together in one plot,
     /// each image stack in a browser of its own (a sensor group stands for the
-    /// signal or stack it holds). Returns how many tabs were added.
+    /// signal or stack it holds), each perievent result in a result view (its group
+    /// stands for it, or for both of its sides). Returns how many tabs were added.
     int displayPaths(const QStringList& paths);
     /// Asks for confirmation, then removes the groups and datasets and re-reads
     /// the file. False when refused, busy or when a removal failed.
@@ -78,6 +79,9 @@ private:
     void placeInPage(QWidget* page, QWidget* content);
     int showSignals(const QStringList& paths);
     int showImageStack(const QString& path);
+    /// The saved perievent matrices that `path` names (itself, or in its group).
+    QStringList perieventResults(const QString& path) const;
+    int showPerievents(const QString& path);
     int addDisplayTab(QWidget* display, const QString& title, const QStringList& paths);
 
     QWidget* w_fileManager = nullptr;

@@ -1,5 +1,7 @@
 #include "analysis/operations/perievents/PerieventPreview.h"
 
+#include "analysis/PerieventPlotStyle.h"
+
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 
@@ -28,15 +30,7 @@ PerieventPreview::PerieventPreview(QWidget* parent) : QWidget(parent), m_plot(ne
     layout->addWidget(m_note);
     layout->addWidget(m_plot, 1);
     m_plot->setMinimumHeight(160);
-    m_plot->setBackground(QColor(ZMD::ColorDarkerGrey));
-    for (QCPAxis* axis : {m_plot->xAxis, m_plot->yAxis}) {
-        axis->setBasePen(QPen(QColor(ZMD::ColorMidGrey)));
-        axis->setTickPen(QPen(QColor(ZMD::ColorMidGrey)));
-        axis->setSubTickPen(QPen(QColor(ZMD::ColorMidGrey)));
-        axis->setTickLabelColor(QColor(ZMD::ColorLightGrey));
-        axis->setLabelColor(QColor(ZMD::ColorLightGrey));
-        axis->grid()->setPen(QPen(QColor(ZMD::ColorDarkGrey), 1, Qt::DotLine));
-    }
+    PerieventPlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(D::TimeAxis);
     m_plot->addGraph()->setPen(QPen(QColor(ZMD::ColorBlue), 1.5));
 }

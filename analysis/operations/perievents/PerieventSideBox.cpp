@@ -22,7 +22,7 @@ namespace {
 
 using D = AnalysisOperationDefinitions;
 
-constexpr double SpinLimit = 1e5;
+constexpr double SpinLimit = 1e4;
 
 QDoubleSpinBox* windowBox(QWidget* parent, const QString& objectName, double value)
 {
@@ -62,9 +62,9 @@ PerieventSideBox::PerieventSideBox(const QString& prefix, const QString& title, 
     frameLabel->setToolTip(D::timeFrameTooltip());
     m_start = windowBox(this, QStringLiteral("dsb_%1WindowStart").arg(prefix), -2.0);
     m_end = windowBox(this, QStringLiteral("dsb_%1WindowEnd").arg(prefix), 5.0);
-    layout->addWidget(frameLabel, 0, 0);
-    layout->addWidget(m_start, 0, 1);
-    layout->addWidget(m_end, 0, 2);
+    layout->addWidget(frameLabel, 0, 0, 1, 2);
+    layout->addWidget(m_start, 1, 0);
+    layout->addWidget(m_end, 1, 1);
 
     auto* tableLabel = new QLabel(D::statisticTimeFramesLabel(), this);
     tableLabel->setToolTip(D::statisticTimeFramesTooltip());
@@ -88,8 +88,8 @@ PerieventSideBox::PerieventSideBox(const QString& prefix, const QString& title, 
     buttons->addStretch(1);
     buttons->addWidget(m_add);
     buttons->addWidget(m_remove);
-    layout->addLayout(buttons, 1, 0, 1, 3);
-    layout->addWidget(m_table, 2, 0, 1, 3);
+    layout->addLayout(buttons, 2, 0, 1, 2);
+    layout->addWidget(m_table, 3, 0, 1, 2);
 
     connect(m_add, &QToolButton::clicked, this, [this] {
         addFrame(D::defaultFrameName().arg(frameCount() + 1), windowStart(), windowEnd());

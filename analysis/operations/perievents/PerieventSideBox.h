@@ -12,7 +12,8 @@ namespace zarvi {
 
 /// The parameters of one side (onset or offset) of the perievent analysis: its time
 /// frame and its table of statistic time frames (name, start, end), with add and
-/// remove buttons. Object names carry the side's prefix ("on", "off"):
+/// remove buttons (remove takes the selected rows, else the row being edited, else the
+/// last). Object names carry the side's prefix ("on", "off"):
 /// `dsb_onWindowStart`, `dsb_onWindowEnd`, `tw_onStatistic`, `tb_onAdd`, `tb_onRemove`.
 /// Table cells are line edits, so that a faulty one can be painted. GUI thread.
 class PerieventSideBox : public QGroupBox

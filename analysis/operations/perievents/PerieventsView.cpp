@@ -31,7 +31,7 @@ using D = AnalysisOperationDefinitions;
 
 constexpr int PathRole = Qt::UserRole;
 constexpr int IndexRole = Qt::UserRole + 1;
-constexpr double SpinLimit = 1e5;
+constexpr double SpinLimit = 1e4;
 
 QDoubleSpinBox* secondsBox(QWidget* parent, const char* objectName, double value)
 {
