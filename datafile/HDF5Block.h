@@ -31,7 +31,15 @@ public:
     bool write(hid_t memoryType, const void* data) const;
 
 private:
+    /// True when the block is exactly one chunk of an unfiltered dataset stored
+    /// in memoryType: then it moves straight between the file and the caller's
+    /// buffer, past the chunk cache and type conversion (a frame of a stack, an
+    /// aligned range of a stream).
+    bool isWholeChunk(hid_t memoryType) const;
+
     hid_t m_dataset;
+    std::vector<hsize_t> m_start;
+    std::vector<hsize_t> m_count;
     HDF5Handle m_fileSpace;
     HDF5Handle m_memorySpace{H5I_INVALID_HID, H5Sclose};
     hsize_t m_elements = 0;
