@@ -208,6 +208,9 @@ TEST(DecimationFromViewAndRunner, GiveIdenticalDatasets)
 
 int main(int argc, char** argv)
 {
+    // Without a display the widgets draw offscreen (also when CTest lists the cases).
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
     ::testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
