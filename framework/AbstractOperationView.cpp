@@ -61,12 +61,15 @@ void AbstractOperationView::setupProcess(const QString& filepath, const QStringL
 {
     m_filepath = filepath;
     m_datapaths = datapaths;
-    if (m_process)
-        return;
     const OperationDescriptor* descriptor = OperationRegistry::instance().find(m_operationName);
-    if (!descriptor)
-        return;
-    m_process = descriptor->createProcess();
+    if (!m_process && descriptor)
+        createProcess(*descriptor);
+    datasetsChanged();
+}
+
+void AbstractOperationView::createProcess(const OperationDescriptor& descriptor)
+{
+    m_process = descriptor.createProcess();
     m_thread = std::make_shared<QThread>();
     m_process->moveToThread(m_thread.get());
     m_thread->start(QThread::InheritPriority);
@@ -119,6 +122,12 @@ void AbstractOperationView::onProgressReceived(int progress, bool setApplication
 void AbstractOperationView::onProgressLabelReceived(const QString& label)
 {
     m_progressDialog->setLabelText(label);
+}
+
+void AbstractOperationView::showMessage(const QString& title, const QString& message, const QString& details,
+                                        int icon)
+{
+    m_presentMessage(title, message, details, icon);
 }
 
 void AbstractOperationView::onMessageReceived(const QString& title, const QString& message, const QString& details,
