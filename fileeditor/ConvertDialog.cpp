@@ -292,6 +292,7 @@ bool ConvertDialog::checkTarget(QString& problem) const
 
 std::optional<ConversionRequest> ConvertDialog::buildRequest(QString& problem) const
 {
+    problem.clear();
     const SourceType type = sourceType();
     const QString source = m_source->text().trimmed();
     if (source.isEmpty()) {

@@ -215,6 +215,7 @@ void ExportDialog::browseOutput()
 
 std::optional<DataExportConfig> ExportDialog::buildConfig(QString& problem) const
 {
+    problem.clear();
     const std::vector<ExportableDataset> checked = checkedDatasets();
     const QString output = m_output->text().trimmed();
     if (checked.empty()) {
