@@ -62,7 +62,6 @@ public:
     /// mustBeNew it must not exist at all.
     bool open(const QString& filepath, bool mustBeNew, QString& error);
     HDF5Writer_V6& file() { return m_file; }
-    bool createdFile() const { return m_createdFile; }
 
     /// The series number to write: the one named (above 0) or one above the highest
     /// "Series<N>" under DataConverted/<device>/<kind>.

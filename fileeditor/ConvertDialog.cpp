@@ -50,6 +50,8 @@ QToolButton* browseButton(QWidget* parent, const QString& name)
 ConvertDialog::ConvertDialog(const QString& currentFile, QWidget* parent) : QDialog(parent)
 {
     setWindowTitle(Texts::convertWindowTitle());
+    // Wide enough to show a whole file path.
+    setMinimumWidth(560);
     buildWidgets();
     if (!currentFile.isEmpty()) {
         m_existingFile->setChecked(true);

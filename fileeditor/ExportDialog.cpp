@@ -69,6 +69,8 @@ ExportDialog::ExportDialog(const QString& file, const QStringList& selectedPaths
     : QDialog(parent), m_file(file)
 {
     setWindowTitle(Texts::exportWindowTitle());
+    // Wide enough to show a whole file path.
+    setMinimumWidth(560);
     buildWidgets();
     const QFileInfo info(file);
     m_output->setText(info.absoluteDir().filePath(info.completeBaseName() + QStringLiteral(".csv")));

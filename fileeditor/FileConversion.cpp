@@ -28,17 +28,4 @@ QString FileConversion::sourcePath(const ConversionRequest& request)
     return std::visit([](const auto& config) { return config.sourcePath; }, request);
 }
 
-QString FileConversion::targetPath(const ConversionRequest& request)
-{
-    return std::visit(Overloaded{
-                          [](const Version5ConversionConfig& c) {
-                              return c.targetPath.isEmpty()
-                                         ? Version5Converter::defaultTargetPath(c.sourcePath)
-                                         : c.targetPath;
-                          },
-                          [](const auto& c) { return c.destination.filepath; },
-                      },
-                      request);
-}
-
 } // namespace zarvi

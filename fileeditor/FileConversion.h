@@ -25,8 +25,6 @@ public:
     static ConversionResult run(const ConversionRequest& request, Feedback* feedback = nullptr);
     /// The file the request reads.
     static QString sourcePath(const ConversionRequest& request);
-    /// The data file the request writes into.
-    static QString targetPath(const ConversionRequest& request);
 };
 
 } // namespace zarvi

@@ -40,7 +40,6 @@ public:
     bool exec(const QString& label, Work work);
     /// Asks the running work to stop. Safe from any thread.
     void cancel() { m_canceled = true; }
-    bool isRunning() const { return m_running; }
     bool wasCanceled() const { return m_canceled; }
     QProgressDialog* progressDialog() const { return m_progressDialog.get(); }
 

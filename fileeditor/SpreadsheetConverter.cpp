@@ -39,6 +39,14 @@ QString storedName(const QString& name, const QString& generated, QSet<QString>&
     return unique;
 }
 
+/// File names that end like an Excel workbook.
+bool isWorkbook(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == QStringLiteral("xlsx") || suffix == QStringLiteral("xls") ||
+           suffix == QStringLiteral("xlsm");
+}
+
 /// Writes one signal per value column, all on the table's time.
 bool writeSignals(const SpreadsheetConversionConfig& config, CsvTable& table, ConversionTarget& target,
                   ConversionResult& result, ProgressTracker& progress, std::size_t& done)
@@ -126,7 +134,8 @@ bool writeEvents(const SpreadsheetConversionConfig& config, CsvTable& table, Con
             result.error =
                 FD::unableToCreateDatasetMessage().arg(path) + QStringLiteral("<br>") + file.lastError();
         file.closeDataset(dataset);
-        result.datapaths << path;
+        if (ok)
+            result.datapaths << path;
         progress.update(++done);
     }
     file.closeGroup(group);
@@ -134,13 +143,6 @@ bool writeEvents(const SpreadsheetConversionConfig& config, CsvTable& table, Con
 }
 
 } // namespace
-
-bool SpreadsheetConverter::isWorkbook(const QString& path)
-{
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    return suffix == QStringLiteral("xlsx") || suffix == QStringLiteral("xls") ||
-           suffix == QStringLiteral("xlsm");
-}
 
 bool SpreadsheetConverter::startsWithHeader(const QString& path)
 {

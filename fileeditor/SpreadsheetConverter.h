@@ -40,8 +40,6 @@ public:
     /// True when the first non-blank line of a delimited text file holds a cell that
     /// is not a number, that is a header line.
     static bool startsWithHeader(const QString& path);
-    /// True for file names that end like an Excel workbook (.xlsx, .xls).
-    static bool isWorkbook(const QString& path);
 };
 
 } // namespace zarvi
