@@ -16,22 +16,34 @@ QString dimensionsText(const std::vector<hsize_t>& dims)
     return parts.isEmpty() ? QStringLiteral("scalar") : parts.join(QStringLiteral(" x "));
 }
 
+QString datasetPath(hid_t dataset)
+{
+    const ssize_t length = H5Iget_name(dataset, nullptr, 0);
+    if (length <= 0)
+        return QStringLiteral("(unnamed)");
+    QByteArray path(static_cast<qsizetype>(length) + 1, '\0');
+    H5Iget_name(dataset, path.data(), static_cast<size_t>(path.size()));
+    path.truncate(static_cast<qsizetype>(length));
+    return QString::fromUtf8(path);
+}
+
 } // namespace
 
-HDF5Block::HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize_t>& start,
-                     const std::vector<hsize_t>& count)
+HDF5Block::HDF5Block(hid_t dataset, const std::vector<hsize_t>& start, const std::vector<hsize_t>& count)
     : m_dataset(dataset), m_start(start), m_count(count), m_fileSpace(H5Dget_space(dataset), H5Sclose)
 {
+    // The path is looked up only for a message: it costs a search of the file.
+    const auto name = [dataset] { return datasetPath(dataset); };
     const int rank = H5Sget_simple_extent_ndims(m_fileSpace.get());
     if (!m_fileSpace.valid() || rank < 0) {
-        m_problem = QStringLiteral("Unable to get the extent of dataset %1").arg(name);
+        m_problem = QStringLiteral("Unable to get the extent of dataset %1").arg(name());
         return;
     }
     std::vector<hsize_t> dims(static_cast<std::size_t>(rank));
     H5Sget_simple_extent_dims(m_fileSpace.get(), dims.data(), nullptr);
     if (start.size() != dims.size() || count.size() != dims.size()) {
         m_problem = QStringLiteral("Dataset %1 has rank %2 but the request has rank %3")
-                        .arg(name)
+                        .arg(name())
                         .arg(dims.size())
                         .arg(count.size());
         return;
@@ -41,7 +53,7 @@ HDF5Block::HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize
     for (std::size_t i = 0; i < dims.size(); ++i) {
         if (start[i] > dims[i] || count[i] > dims[i] - start[i]) {
             m_problem = QStringLiteral("Block %1 at %2 lies outside dataset %3 of extent %4")
-                            .arg(dimensionsText(count), dimensionsText(start), name, dimensionsText(dims));
+                            .arg(dimensionsText(count), dimensionsText(start), name(), dimensionsText(dims));
             return;
         }
         m_elements = count[i] != 0 && m_elements > largest / count[i] ? largest : m_elements * count[i];
@@ -50,7 +62,7 @@ HDF5Block::HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize
         return;
     if (rank > 0 && H5Sselect_hyperslab(m_fileSpace.get(), H5S_SELECT_SET, start.data(), nullptr,
                                         count.data(), nullptr) < 0) {
-        m_problem = QStringLiteral("Unable to select a block of dataset %1").arg(name);
+        m_problem = QStringLiteral("Unable to select a block of dataset %1").arg(name());
         return;
     }
     m_memorySpace = HDF5Handle(
@@ -82,7 +94,7 @@ bool HDF5Block::read(hid_t memoryType, void* out) const
         return true;
     // A chunk never written has no storage; the ordinary read below gives its fill values.
     std::uint32_t filters = 0;
-    if (out && isWholeChunk(memoryType) && H5Dflush(m_dataset) >= 0 &&
+    if (out && isWholeChunk(memoryType) &&
         H5Dread_chunk(m_dataset, H5P_DEFAULT, m_start.data(), &filters, out) >= 0)
         return true;
     return out &&

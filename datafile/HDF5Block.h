@@ -16,11 +16,10 @@ namespace zarvi {
 class HDF5Block
 {
 public:
-    /// name is the dataset's path, used in problem().
-    HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize_t>& start,
-              const std::vector<hsize_t>& count);
+    HDF5Block(hid_t dataset, const std::vector<hsize_t>& start, const std::vector<hsize_t>& count);
 
-    /// Empty when the block lies inside the dataset; otherwise why it does not.
+    /// Empty when the block lies inside the dataset; otherwise why it does not,
+    /// naming the dataset by its path.
     const QString& problem() const { return m_problem; }
     /// Number of elements in the block: 0 for a zero count, saturated at the largest hsize_t.
     hsize_t elements() const { return m_elements; }
