@@ -6,21 +6,13 @@
 #include <QThread>
 
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/ProgressDialogFactory.h"
 
 namespace zarvi {
 
 FileEditorJob::FileEditorJob()
 {
-    m_progressDialog = std::make_shared<QProgressDialog>();
-    m_progressDialog->setWindowTitle(ZarviMainDefinitions::progressTitle());
-    m_progressDialog->setWindowModality(Qt::ApplicationModal);
-    m_progressDialog->setMinimumDuration(0);
-    m_progressDialog->setAutoClose(false);
-    m_progressDialog->setAutoReset(false);
-    m_progressDialog->setRange(0, 100);
-    // Created closed: stop the dialog's own show timer until a job starts.
-    m_progressDialog->reset();
-    m_progressDialog->hide();
+    m_progressDialog = ProgressDialogFactory::create(ZarviMainDefinitions::progressTitle());
     connect(m_progressDialog.get(), &QProgressDialog::canceled, this, [this] {
         if (m_running)
             cancel();

@@ -1,6 +1,7 @@
 #include "framework/PreviewJob.h"
 
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/ProgressDialogFactory.h"
 
 #include <QProgressDialog>
 #include <QThread>
@@ -9,15 +10,7 @@ namespace zarvi {
 
 PreviewJob::PreviewJob(QObject* parent) : QObject(parent)
 {
-    m_dialog = std::make_shared<QProgressDialog>();
-    m_dialog->setWindowTitle(ZarviMainDefinitions::previewProgressTitle());
-    m_dialog->setWindowModality(Qt::ApplicationModal);
-    m_dialog->setMinimumDuration(0);
-    m_dialog->setAutoClose(false);
-    m_dialog->setAutoReset(false);
-    m_dialog->setRange(0, 100);
-    m_dialog->reset();
-    m_dialog->hide();
+    m_dialog = ProgressDialogFactory::create(ZarviMainDefinitions::previewProgressTitle());
     connect(m_dialog.get(), &QProgressDialog::canceled, this, &PreviewJob::cancel);
 }
 
