@@ -1,9 +1,13 @@
 #include "app/MainWindow.h"
 
 #include "app/NewDataFile.h"
+#include "app/browser/DataFileTreeWidget.h"
 #include "app/plugins/AbstractPlugin.h"
+#include "app/plugins/DatasetPlugin.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "fileeditor/ConvertDialog.h"
+#include "fileeditor/ExportDialog.h"
 
 #include <QAction>
 #include <QDragEnterEvent>
@@ -42,6 +46,8 @@ MainWindow::MainWindow(IconFont* icons, QWidget* parent) : QMainWindow(parent)
     connect(m_ui.actionCreate, &QAction::triggered, this, &MainWindow::onCreateTriggered);
     connect(m_ui.actionClose, &QAction::triggered, this, &MainWindow::onCloseTriggered);
     connect(m_ui.actionAbout, &QAction::triggered, this, &MainWindow::onAboutTriggered);
+    connect(m_ui.actionConvert, &QAction::triggered, this, &MainWindow::onConvertTriggered);
+    connect(m_ui.actionExport, &QAction::triggered, this, &MainWindow::onExportTriggered);
     connect(m_ui.actionWhatsThis, &QAction::triggered, this, [] { QWhatsThis::enterWhatsThisMode(); });
     connect(m_ui.tb_hideFile, &QToolButton::toggled, this, &MainWindow::onHideFileToggled);
     connect(m_ui.tw_files, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
@@ -152,6 +158,25 @@ void MainWindow::onAboutTriggered()
                        QStringLiteral("<b>%1</b> %2<br>%3")
                            .arg(ZarviMainDefinitions::ApplicationName, ZarviMainDefinitions::VersionText,
                                 ZarviMainDefinitions::OrganizationName));
+}
+
+void MainWindow::onConvertTriggered()
+{
+    const AbstractPlugin* current = m_tabs->plugin(m_ui.tw_files->currentIndex());
+    const bool dataFile = qobject_cast<const DatasetPlugin*>(current) != nullptr;
+    const QString written = ConvertDialog::run(this, dataFile ? current->filePath() : QString());
+    if (!written.isEmpty())
+        onLoadFileRequested(written);
+}
+
+void MainWindow::onExportTriggered()
+{
+    const auto* plugin = qobject_cast<const DatasetPlugin*>(m_tabs->plugin(m_ui.tw_files->currentIndex()));
+    if (!plugin) {
+        showMessage(ZarviMainDefinitions::exportNeedsDataFileMessage());
+        return;
+    }
+    ExportDialog::run(this, plugin->filePath(), plugin->fileTree()->selectedPaths());
 }
 
 void MainWindow::onCurrentTabChanged(int index)

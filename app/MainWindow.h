@@ -48,6 +48,8 @@ private slots:
     void onCreateTriggered();
     void onCloseTriggered();
     void onAboutTriggered();
+    void onConvertTriggered();
+    void onExportTriggered();
     void onCurrentTabChanged(int index);
     void onHideFileToggled(bool hidden);
     void onPluginAdded(zarvi::AbstractPlugin* plugin);

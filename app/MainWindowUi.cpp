@@ -103,8 +103,7 @@ void MainWindowUi::setupUi(QMainWindow* window, const IconFont* icons)
                                  QObject::tr("Step-by-step tutorials"), icons, IconFont::Book);
     actionWebinar = makeAction(window, "actionWebinar", QObject::tr("Webinar"),
                                QObject::tr("Recorded webinars"), icons, IconFont::YoutubePlay);
-    for (QAction* action : {actionConvert, actionMerge, actionSplit, actionExport, actionLicense,
-                            actionTutorials, actionWebinar})
+    for (QAction* action : {actionMerge, actionSplit, actionLicense, actionTutorials, actionWebinar})
         markUnavailable(action);
 
     auto* menuBar = new QMenuBar(window);

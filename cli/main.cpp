@@ -1,5 +1,6 @@
+#include "cli/ConvertCommand.h"
 #include "cli/DemoCommand.h"
-#include "cli/ExportPerieventsCommand.h"
+#include "cli/ExportCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
@@ -9,15 +10,23 @@
 
 namespace {
 
-const char* usage = "usage: zarvi-cli <command> [arguments]\n"
-                    "commands:\n"
-                    "  info FILE                 classification, root attributes and tree of a data file\n"
-                    "  demo OUT.orvel [--seed N] write the synthetic demo recording\n"
-                    "  run FILE --operation NAME --params PARAMS.json --data PATH...\n"
-                    "  run FILE --pipeline PIPELINE.json --data PATH...\n"
-                    "                            run operations headless (Ctrl-C cancels)\n"
-                    "  export-perievents FILE --data PATH --to OUT.csv\n"
-                    "                            a saved perievent result and its statistics as .csv\n";
+const char* usage =
+    "usage: zarvi-cli <command> [arguments]\n"
+    "commands:\n"
+    "  info FILE                 classification, root attributes and tree of a data file\n"
+    "  demo OUT.orvel [--seed N] write the synthetic demo recording\n"
+    "  run FILE --operation NAME --params PARAMS.json --data PATH...\n"
+    "  run FILE --pipeline PIPELINE.json --data PATH...\n"
+    "                            run operations headless (Ctrl-C cancels)\n"
+    "  convert --tiff PATH|FOLDER (--rate HZ | --timestamps CSV) --device NAME --sensor NAME\n"
+    "          [--series N] --into FILE.orvel\n"
+    "  convert --video PATH [--as-stack] --device NAME [--sensor NAME] [--series N] --into FILE.orvel\n"
+    "  convert --csv PATH --time-column N [--time-unit s|ms|us|min] [--event-columns I,J]\n"
+    "          --device NAME [--series N] --into FILE.orvel\n"
+    "  convert --v5 FILE [--into NEW.orvel]\n"
+    "                            bring files into a data file (Ctrl-C cancels)\n"
+    "  export FILE --data PATH... --to OUT.(csv|xlsx|tif) [--frames A:B]\n"
+    "                            write datasets to a table or a TIFF stack\n";
 
 } // namespace
 
@@ -41,8 +50,10 @@ int main(int argc, char* argv[])
         return zarvi::DemoCommand::run(arguments);
     if (command == QStringLiteral("run"))
         return zarvi::RunCommand::run(arguments);
-    if (command == QStringLiteral("export-perievents"))
-        return zarvi::ExportPerieventsCommand::run(arguments);
+    if (command == QStringLiteral("convert"))
+        return zarvi::ConvertCommand::run(arguments);
+    if (command == QStringLiteral("export"))
+        return zarvi::ExportCommand::run(arguments);
     QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
     return 2;
 }

@@ -16,22 +16,34 @@ QString dimensionsText(const std::vector<hsize_t>& dims)
     return parts.isEmpty() ? QStringLiteral("scalar") : parts.join(QStringLiteral(" x "));
 }
 
+QString datasetPath(hid_t dataset)
+{
+    const ssize_t length = H5Iget_name(dataset, nullptr, 0);
+    if (length <= 0)
+        return QStringLiteral("(unnamed)");
+    QByteArray path(static_cast<qsizetype>(length) + 1, '\0');
+    H5Iget_name(dataset, path.data(), static_cast<size_t>(path.size()));
+    path.truncate(static_cast<qsizetype>(length));
+    return QString::fromUtf8(path);
+}
+
 } // namespace
 
-HDF5Block::HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize_t>& start,
-                     const std::vector<hsize_t>& count)
-    : m_dataset(dataset), m_fileSpace(H5Dget_space(dataset), H5Sclose)
+HDF5Block::HDF5Block(hid_t dataset, const std::vector<hsize_t>& start, const std::vector<hsize_t>& count)
+    : m_dataset(dataset), m_start(start), m_count(count), m_fileSpace(H5Dget_space(dataset), H5Sclose)
 {
+    // The path is looked up only for a message: it costs a search of the file.
+    const auto name = [dataset] { return datasetPath(dataset); };
     const int rank = H5Sget_simple_extent_ndims(m_fileSpace.get());
     if (!m_fileSpace.valid() || rank < 0) {
-        m_problem = QStringLiteral("Unable to get the extent of dataset %1").arg(name);
+        m_problem = QStringLiteral("Unable to get the extent of dataset %1").arg(name());
         return;
     }
     std::vector<hsize_t> dims(static_cast<std::size_t>(rank));
     H5Sget_simple_extent_dims(m_fileSpace.get(), dims.data(), nullptr);
     if (start.size() != dims.size() || count.size() != dims.size()) {
         m_problem = QStringLiteral("Dataset %1 has rank %2 but the request has rank %3")
-                        .arg(name)
+                        .arg(name())
                         .arg(dims.size())
                         .arg(count.size());
         return;
@@ -41,7 +53,7 @@ HDF5Block::HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize
     for (std::size_t i = 0; i < dims.size(); ++i) {
         if (start[i] > dims[i] || count[i] > dims[i] - start[i]) {
             m_problem = QStringLiteral("Block %1 at %2 lies outside dataset %3 of extent %4")
-                            .arg(dimensionsText(count), dimensionsText(start), name, dimensionsText(dims));
+                            .arg(dimensionsText(count), dimensionsText(start), name(), dimensionsText(dims));
             return;
         }
         m_elements = count[i] != 0 && m_elements > largest / count[i] ? largest : m_elements * count[i];
@@ -50,11 +62,28 @@ HDF5Block::HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize
         return;
     if (rank > 0 && H5Sselect_hyperslab(m_fileSpace.get(), H5S_SELECT_SET, start.data(), nullptr,
                                         count.data(), nullptr) < 0) {
-        m_problem = QStringLiteral("Unable to select a block of dataset %1").arg(name);
+        m_problem = QStringLiteral("Unable to select a block of dataset %1").arg(name());
         return;
     }
     m_memorySpace = HDF5Handle(
         rank == 0 ? H5Screate(H5S_SCALAR) : H5Screate_simple(rank, count.data(), nullptr), H5Sclose);
+}
+
+bool HDF5Block::isWholeChunk(hid_t memoryType) const
+{
+    if (m_count.empty())
+        return false;
+    const HDF5Handle creation(H5Dget_create_plist(m_dataset), H5Pclose);
+    if (!creation.valid() || H5Pget_layout(creation.get()) != H5D_CHUNKED || H5Pget_nfilters(creation.get()) != 0)
+        return false;
+    std::vector<hsize_t> chunk(m_count.size());
+    if (H5Pget_chunk(creation.get(), static_cast<int>(chunk.size()), chunk.data()) != static_cast<int>(chunk.size()))
+        return false;
+    for (std::size_t i = 0; i < chunk.size(); ++i)
+        if (m_count[i] != chunk[i] || m_start[i] % chunk[i] != 0)
+            return false;
+    const HDF5Handle stored(H5Dget_type(m_dataset), H5Tclose);
+    return stored.valid() && H5Tequal(stored.get(), memoryType) > 0;
 }
 
 bool HDF5Block::read(hid_t memoryType, void* out) const
@@ -62,6 +91,11 @@ bool HDF5Block::read(hid_t memoryType, void* out) const
     if (!m_problem.isEmpty())
         return false;
     if (m_elements == 0)
+        return true;
+    // A chunk never written has no storage; the ordinary read below gives its fill values.
+    std::uint32_t filters = 0;
+    if (out && isWholeChunk(memoryType) &&
+        H5Dread_chunk(m_dataset, H5P_DEFAULT, m_start.data(), &filters, out) >= 0)
         return true;
     return out &&
            H5Dread(m_dataset, memoryType, m_memorySpace.get(), m_fileSpace.get(), H5P_DEFAULT, out) >= 0;
@@ -73,6 +107,12 @@ bool HDF5Block::write(hid_t memoryType, const void* data) const
         return false;
     if (m_elements == 0)
         return true;
+    if (data && isWholeChunk(memoryType)) {
+        const std::size_t bytes = static_cast<std::size_t>(m_elements) * H5Tget_size(memoryType);
+        // Flushing first keeps a partly written copy of the chunk in the cache from
+        // later overwriting what goes straight to the file here.
+        return H5Dwrite_chunk(m_dataset, H5P_DEFAULT, 0, m_start.data(), bytes, data) >= 0;
+    }
     return data &&
            H5Dwrite(m_dataset, memoryType, m_memorySpace.get(), m_fileSpace.get(), H5P_DEFAULT, data) >= 0;
 }

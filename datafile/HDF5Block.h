@@ -16,11 +16,10 @@ namespace zarvi {
 class HDF5Block
 {
 public:
-    /// name is the dataset's path, used in problem().
-    HDF5Block(hid_t dataset, const QString& name, const std::vector<hsize_t>& start,
-              const std::vector<hsize_t>& count);
+    HDF5Block(hid_t dataset, const std::vector<hsize_t>& start, const std::vector<hsize_t>& count);
 
-    /// Empty when the block lies inside the dataset; otherwise why it does not.
+    /// Empty when the block lies inside the dataset; otherwise why it does not,
+    /// naming the dataset by its path.
     const QString& problem() const { return m_problem; }
     /// Number of elements in the block: 0 for a zero count, saturated at the largest hsize_t.
     hsize_t elements() const { return m_elements; }
@@ -31,7 +30,15 @@ public:
     bool write(hid_t memoryType, const void* data) const;
 
 private:
+    /// True when the block is exactly one chunk of an unfiltered dataset stored
+    /// in memoryType: then it moves straight between the file and the caller's
+    /// buffer, past the chunk cache and type conversion (a frame of a stack, an
+    /// aligned range of a stream).
+    bool isWholeChunk(hid_t memoryType) const;
+
     hid_t m_dataset;
+    std::vector<hsize_t> m_start;
+    std::vector<hsize_t> m_count;
     HDF5Handle m_fileSpace;
     HDF5Handle m_memorySpace{H5I_INVALID_HID, H5Sclose};
     hsize_t m_elements = 0;

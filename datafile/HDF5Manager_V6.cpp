@@ -435,8 +435,8 @@ bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& co
     elements = 0;
     if (!isValidDataset(dataset))
         return false;
-    const QString name = pathOf(dataset);
-    const HDF5Block block(dataset, name, std::vector<hsize_t>(count.size(), 0), count);
+    const auto name = [dataset] { return pathOf(dataset); };
+    const HDF5Block block(dataset, std::vector<hsize_t>(count.size(), 0), count);
     if (!block.problem().isEmpty()) {
         setError(block.problem());
         return false;
@@ -444,20 +444,20 @@ bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& co
     const HDF5Handle type(H5Dget_type(dataset), H5Tclose);
     const H5T_class_t typeClass = H5Tget_class(type.get());
     if (typeClass != H5T_INTEGER && typeClass != H5T_FLOAT) {
-        setError(QStringLiteral("Dataset %1 does not hold numbers").arg(name));
+        setError(QStringLiteral("Dataset %1 does not hold numbers").arg(name()));
         return false;
     }
     // Refuse before allocating: a file may claim an extent that no machine can hold.
     constexpr hsize_t largest = std::numeric_limits<hsize_t>::max();
     if (elementBytes != 0 && block.elements() > largest / elementBytes) {
         setError(
-            QStringLiteral("Dataset %1 is too large to read (more than %2 bytes)").arg(name).arg(largest));
+            QStringLiteral("Dataset %1 is too large to read (more than %2 bytes)").arg(name()).arg(largest));
         return false;
     }
     const hsize_t bytes = block.elements() * elementBytes;
     if (bytes > physicalMemoryBytes() ||
         block.elements() > static_cast<hsize_t>(std::numeric_limits<std::ptrdiff_t>::max())) {
-        setError(QStringLiteral("Dataset %1 is too large to read (%2 bytes)").arg(name).arg(bytes));
+        setError(QStringLiteral("Dataset %1 is too large to read (%2 bytes)").arg(name()).arg(bytes));
         return false;
     }
     elements = block.elements();
@@ -469,7 +469,7 @@ bool HDF5Manager_V6::readRaw(hid_t dataset, ElementKind kind, const std::vector<
 {
     if (!isValidDataset(dataset))
         return false;
-    const HDF5Block block(dataset, pathOf(dataset), start, count);
+    const HDF5Block block(dataset, start, count);
     if (!block.problem().isEmpty()) {
         setError(block.problem());
         return false;

@@ -300,7 +300,7 @@ bool HDF5Writer_V6::writeRaw(hid_t dataset, ElementKind kind, const void* data,
 {
     if (!isValidDataset(dataset))
         return false;
-    const HDF5Block block(dataset, pathOf(dataset), start, count);
+    const HDF5Block block(dataset, start, count);
     if (!block.problem().isEmpty()) {
         setError(block.problem());
         return false;
@@ -321,10 +321,10 @@ bool HDF5Writer_V6::appendRaw(hid_t dataset, ElementKind kind, const void* data,
             setError(QStringLiteral("Dataset %1 has no axis to grow").arg(pathOf(dataset)));
         return false;
     }
-    const QString name = pathOf(dataset);
+    const auto name = [dataset] { return pathOf(dataset); };
     if (count.size() != dims.size()) {
         setError(QStringLiteral("Dataset %1 has rank %2 but %3 counts were given")
-                     .arg(name)
+                     .arg(name())
                      .arg(dims.size())
                      .arg(count.size()));
         return false;
@@ -332,7 +332,7 @@ bool HDF5Writer_V6::appendRaw(hid_t dataset, ElementKind kind, const void* data,
     if (!std::equal(dims.begin(), dims.end() - 1, count.begin())) {
         setError(
             QStringLiteral("Dataset %1: the appended block must match the extent on every axis but the last")
-                .arg(name));
+                .arg(name()));
         return false;
     }
     if (count.back() == 0)
@@ -340,7 +340,7 @@ bool HDF5Writer_V6::appendRaw(hid_t dataset, ElementKind kind, const void* data,
     const hsize_t maximum = maximumDimensions(dataset).back();
     if (count.back() > std::numeric_limits<hsize_t>::max() - dims.back() ||
         (maximum != H5S_UNLIMITED && dims.back() + count.back() > maximum)) {
-        setError(QStringLiteral("Dataset %1 cannot grow beyond %2 on its last axis").arg(name).arg(maximum));
+        setError(QStringLiteral("Dataset %1 cannot grow beyond %2 on its last axis").arg(name()).arg(maximum));
         return false;
     }
     if (!data) {
@@ -350,7 +350,7 @@ bool HDF5Writer_V6::appendRaw(hid_t dataset, ElementKind kind, const void* data,
     std::vector<hsize_t> grown = dims;
     grown.back() += count.back();
     if (H5Dset_extent(dataset, grown.data()) < 0) {
-        setLibraryError(QStringLiteral("Unable to extend dataset %1").arg(name));
+        setLibraryError(QStringLiteral("Unable to extend dataset %1").arg(name()));
         return false;
     }
     // The block goes at the old end. Should this write fail, the grown extent is

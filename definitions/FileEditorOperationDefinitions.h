@@ -110,6 +110,7 @@ public:
         return tr("<b>%1</b> could not be opened as a video; the file may be damaged or in a format "
                   "that cannot be decoded.");
     }
+    static QString videoFrameLocation() { return tr("Frame %1 of <b>%2</b>"); }
     static QString videoTruncatedMessage()
     {
         return tr("Only %1 of the %2 frames announced by <b>%3</b> could be read; the file may be "
@@ -134,6 +135,207 @@ public:
         return tr("The table has %1 columns, but an Excel sheet holds at most %2; export it as .csv "
                   "instead.");
     }
+
+    // Names written by the conversions and the export (keys: never translated).
+    /// Suffix of the version-6 copy of a version-5 file: "<name>_V6.orvel".
+    static inline const QString Version6CopySuffix = QStringLiteral("_V6");
+    /// Row names of an exported 2-D result that names no rows, numbered from 1.
+    static inline const QString RowPattern = QStringLiteral("Row%1");
+    /// Header of the row-names column of exported event arrays.
+    static inline const QString EventRowsTitle = QStringLiteral("Event");
+    /// Exported event columns: "<array> Onset (s)", "<array> Offset (s)".
+    static inline const QString OnsetColumnPattern = QStringLiteral("%1 Onset");
+    static inline const QString OffsetColumnPattern = QStringLiteral("%1 Offset");
+    /// Exported columns of a 2-D result without a time axis: "<dataset> <column from 1>".
+    static inline const QString MatrixColumnPattern = QStringLiteral("%1 %2");
+    /// Unit of times and of event arrays.
+    static inline const QString SecondsUnit = QStringLiteral("s");
+
+    // Conversion.
+    static QString deviceNameMessage()
+    {
+        return tr("The device name <b>%1</b> cannot be used: a name must not be empty, hold \"/\" or \"\\\", "
+                  "be a reserved name of the data file or contain \"Series\".");
+    }
+    static QString sensorNameMessage()
+    {
+        return tr("The sensor name <b>%1</b> cannot be used: a name must not be empty, hold \"/\" or \"\\\", "
+                  "be a reserved name of the data file or contain \"Series\".");
+    }
+    static QString renamedColumnMessage()
+    {
+        return tr("Column <b>%1</b> is stored as <b>%2</b>: a name must not hold \"/\" or \"\\\", be a "
+                  "reserved name of the data file, contain \"Series\" or repeat another column's name.");
+    }
+    static QString seriesNumberMessage() { return tr("Series numbers start at 1, not %1."); }
+    static QString pathExistsMessage()
+    {
+        return tr("<b>%1</b> already exists in <b>%2</b>; choose another series or sensor name.");
+    }
+    static QString notVersion6TargetMessage()
+    {
+        return tr("<b>%1</b> is not a version-6 data file; convert into a data file or into a new file.");
+    }
+    static QString experimentTargetMessage()
+    {
+        return tr("<b>%1</b> is an experiment file; convert into a data file or into a new file.");
+    }
+    static QString frameRateMessage()
+    {
+        return tr("Enter a frame rate above 0 Hz, or choose a timestamps file.");
+    }
+    static QString timestampsColumnsMessage()
+    {
+        return tr("<b>%1</b> must hold one column of times in seconds, but it holds %2.");
+    }
+    static QString timestampCountMessage()
+    {
+        return tr("<b>%1</b> holds %2 timestamps, but the stack has %3 frames.");
+    }
+    static QString xlsxNotReadMessage()
+    {
+        return tr("<b>%1</b> is an Excel workbook. Workbooks cannot be read: no .xlsx reader is available to "
+                  "this program. Save the sheet as .csv in your spreadsheet program and convert the .csv "
+                  "file.");
+    }
+    static QString spreadsheetNoteText()
+    {
+        return tr("Only .csv files are read: save .xlsx workbooks as .csv first.");
+    }
+    static QString noTimeColumnMessage() { return tr("Choose the column that holds the time."); }
+    static QString noValueColumnsMessage()
+    {
+        return tr("<b>%1</b> holds no value or event columns besides the time.");
+    }
+    static QString version5TargetExistsMessage()
+    {
+        return tr("<b>%1</b> already exists; a version-5 file is copied into a new file.");
+    }
+    static QString sameFileMessage()
+    {
+        return tr("The file to convert and the data file are the same file.");
+    }
+    static QString version5NoDataMessage() { return tr("<b>%1</b> holds no data groups to copy."); }
+    static QString version5CopiedMessage()
+    {
+        return tr("<b>%1</b> is a version-5 data file. Its groups %2 were copied as they are into the new "
+                  "version-6 file <b>%3</b>, without \"Configurations\". Their contents keep the version-5 "
+                  "layout: they are not rearranged into version-6 paths.");
+    }
+    static QString unableToCopyMessage() { return tr("Unable to copy <b>%1</b>: %2"); }
+    static QString unableToFinishMessage() { return tr("Unable to complete <b>%1</b>: %2"); }
+    static QString convertedTitle() { return tr("Conversion"); }
+    static QString convertedMessage() { return tr("Written to <b>%1</b>:<br>%2"); }
+    static QString convertingLabel() { return tr("Converting <b>%1</b>..."); }
+
+    // Labels of the Convert dialog.
+    static QString convertWindowTitle() { return tr("Convert"); }
+    static QString sourceTypeLabel() { return tr("Convert"); }
+    static QString tiffFileSourceText() { return tr("TIFF stack (multi-page file)"); }
+    static QString tiffFolderSourceText() { return tr("TIFF stack (folder of single images)"); }
+    static QString videoSourceText() { return tr("Video (.avi, .mp4, .mpeg)"); }
+    static QString spreadsheetSourceText() { return tr("Spreadsheet (.csv)"); }
+    static QString version5SourceText() { return tr("Data file of the previous version (V5)"); }
+    static QString sourceLabel() { return tr("Source"); }
+    static QString browseText() { return tr("..."); }
+    static QString namesTitle() { return tr("Path in the data file"); }
+    static QString deviceLabel() { return tr("Device"); }
+    static QString sensorLabel() { return tr("Sensor"); }
+    static QString nextSeriesText() { return tr("Next free series"); }
+    static QString seriesLabel() { return tr("Series"); }
+    static QString timingTitle() { return tr("Frame times"); }
+    static QString frameRateText() { return tr("Frame rate (Hz)"); }
+    static QString timestampsText() { return tr("Timestamps file (.csv, one column of seconds)"); }
+    static QString asImageStackText() { return tr("Also store the frames as a greyscale image stack"); }
+    static QString spreadsheetTitle() { return tr("Columns"); }
+    static QString timeColumnLabel() { return tr("Time column"); }
+    static QString timeUnitLabel() { return tr("Time unit"); }
+    static QString eventColumnsLabel() { return tr("Event columns"); }
+    static QString eventColumnsPlaceholder() { return tr("e.g. 4, 5 (counted from 1)"); }
+    static QString targetTitle() { return tr("Data file"); }
+    static QString existingFileText() { return tr("Existing file"); }
+    static QString newFileText() { return tr("New file"); }
+    static QString version6TargetPlaceholder() { return tr("beside the source, named <name>_V6.orvel"); }
+    static QString convertButtonText() { return tr("Convert"); }
+    static QString closeButtonText() { return tr("Close"); }
+    static QString tiffFilter() { return tr("TIFF stacks (*.tif *.tiff)"); }
+    static QString videoFilter() { return tr("Videos (*.avi *.mp4 *.mpeg *.mpg)"); }
+    static QString spreadsheetFilter() { return tr("Spreadsheets (*.csv *.txt)"); }
+    static QString chooseSourceMessage() { return tr("Choose the file or folder to convert."); }
+    static QString chooseTargetMessage() { return tr("Choose the data file to convert into."); }
+    static QString chooseTimestampsMessage() { return tr("Choose the timestamps file."); }
+    static QString newFileExistsMessage()
+    {
+        return tr("<b>%1</b> already exists; choose \"Existing file\" to convert into it.");
+    }
+    static QString eventColumnsMessage()
+    {
+        return tr("Event columns are column numbers from 1, separated by commas, not <b>%1</b>.");
+    }
+
+    // Labels of the Export dialog.
+    static QString exportWindowTitle() { return tr("Export"); }
+    static QString datasetsLabel() { return tr("Datasets"); }
+    static QString formatLabel() { return tr("Format"); }
+    static QString outputLabel() { return tr("Export to"); }
+    static QString framesTitle() { return tr("Frames"); }
+    static QString firstFrameLabel() { return tr("First"); }
+    static QString lastFrameLabel() { return tr("Last"); }
+    static QString exportButtonText() { return tr("Export"); }
+    static QString csvFilter() { return tr("Comma-separated values (*.csv)"); }
+    static QString xlsxFilter() { return tr("Excel workbooks (*.xlsx)"); }
+    static QString tiffExportFilter() { return tr("TIFF stacks (*.tif)"); }
+    static QString chooseOutputMessage() { return tr("Choose the file to export to."); }
+    static QString signalKindText() { return tr("signal"); }
+    static QString eventsKindText() { return tr("events"); }
+    static QString matrixKindText() { return tr("2-D result"); }
+    static QString imageStackKindText() { return tr("image stack"); }
+
+    // Export.
+    static QString exportNothingMessage() { return tr("Choose at least one dataset to export."); }
+    static QString exportUnknownDatasetMessage()
+    {
+        return tr("<b>%1</b> is not a signal, an event array, a 2-D result or an image stack; it cannot be "
+                  "exported.");
+    }
+    static QString exportMixedMessage()
+    {
+        return tr("Signals, event arrays, 2-D results and image stacks are exported separately; choose "
+                  "datasets of one kind.");
+    }
+    static QString exportTimeBaseMessage()
+    {
+        return tr("<b>%1</b> and <b>%2</b> do not share their time vectors; signals exported together "
+                  "must have the same Time. Export them one at a time.");
+    }
+    static QString exportOneMatrixMessage()
+    {
+        return tr("2-D results are exported one per file; choose one.");
+    }
+    static QString exportOneStackMessage()
+    {
+        return tr("Image stacks are exported one per file; choose one.");
+    }
+    static QString exportFormatMessage()
+    {
+        return tr("Signals, event arrays and 2-D results are exported to .csv or .xlsx, image stacks to "
+                  ".tif or .tiff; <b>%1</b> does not fit what was chosen.");
+    }
+    static QString exportFrameRangeMessage()
+    {
+        return tr("Frames %1 to %2 do not lie within the stack's %3 frames.");
+    }
+    static QString exportExtensionMessage()
+    {
+        return tr("Choose an output file ending in .csv, .xlsx, .tif or .tiff, not <b>%1</b>.");
+    }
+    static QString fileBusyMessage()
+    {
+        return tr("<b>%1</b> is in use by a running operation; try again when it has finished.");
+    }
+    static QString exportedTitle() { return tr("Export"); }
+    static QString exportedMessage() { return tr("Exported to <b>%1</b>."); }
+    static QString exportingLabel() { return tr("Exporting to <b>%1</b>..."); }
 };
 
 } // namespace zarvi

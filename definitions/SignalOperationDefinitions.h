@@ -78,6 +78,10 @@ public:
     static inline const QString StandardZScore = QStringLiteral("Standard Z Score");
     static inline const QString ModifiedZScore = QStringLiteral("Modified Z Score");
 
+    // Units of the ΔF/F output: a ratio has none of its own, a standardised difference is in z-scores.
+    static inline const QString RatioUnit = QStringLiteral("a.u.");
+    static inline const QString ZScoreUnit = QStringLiteral("z-score");
+
     // Progress labels.
     static QString applyingFilterLabel() { return tr("Applying filter..."); }
     static QString calculatingFilterResponseLabel() { return tr("Calculating filter response..."); }
@@ -108,6 +112,30 @@ public:
     static QString slopeLabel() { return tr("Slope"); }
     static QString inliersLabel() { return tr("Inliers"); }
     static QString outliersLabel() { return tr("Outliers"); }
+    static QString timeAxisLabel() { return tr("Time (s)"); }
+
+    // Field and button labels of the views.
+    static QString filterTypeLabel() { return tr("Filter type"); }
+    static QString lowCutoffLabel() { return tr("Low cutoff frequency (Hz)"); }
+    static QString highCutoffLabel() { return tr("High cutoff frequency (Hz)"); }
+    static QString smoothMethodLabel() { return tr("Smoothing method"); }
+    static QString smoothTimeFrameLabel() { return tr("Time frame (sec)"); }
+    static QString smoothFrequencyLabel() { return tr("Cutoff frequency (Hz)"); }
+    static QString isosbesticNameLabel() { return tr("Isosbestic sensor"); }
+    static QString biosensorNameLabel() { return tr("Biosensor sensor"); }
+    static QString discardStartLabel() { return tr("Discard start (sec)"); }
+    static QString discardEndLabel() { return tr("Discard end (sec)"); }
+    static QString decimationLabel() { return tr("Decimation factor"); }
+    static QString smoothingLabel() { return tr("Smoothing"); }
+    static QString removeSlopeLabel() { return tr("Remove slope"); }
+    static QString slopeLambdaLabel() { return tr("Lambda"); }
+    static QString slopeRatioLabel() { return tr("Ratio"); }
+    static QString slopeTimeWindowLabel() { return tr("Time window (sec)"); }
+    static QString slopeOrderLabel() { return tr("Order"); }
+    static QString standardizeLabel() { return tr("Standardize"); }
+    static QString residualThresholdLabel() { return tr("Residual threshold"); }
+    static QString previewSignalLabel() { return tr("Preview signal"); }
+    static QString previewButtonText() { return tr("Preview"); }
 
     // Tooltips.
     static QString decimationFactorTooltip()
@@ -165,6 +193,14 @@ public:
             "*The Cutoff Frequency of the %1 operation must be less than half of the sample rate of the "
             "decimated signals. Otherwise, %1 operation won't be executed.");
     }
+    static QString cutoffAboveNyquistMessage()
+    {
+        return tr("*Cutoff value must be less than half of the sample rate.");
+    }
+    static QString timeFrameBelowOneSampleMessage()
+    {
+        return tr("*Time frame must be at least one sample long.");
+    }
     static QString badDecimationFactorMessage() { return tr("Bad value for decimation factor."); }
     static QString parameterMissingMessage() { return tr("Parameter <b>%1</b> is missing."); }
     static QString matchingSignalsNotFoundMessage()
@@ -183,6 +219,13 @@ public:
     {
         return tr("For the selected signal %1, isosbestic signal was not found. Load all data or select "
                   "different signal.");
+    }
+
+    static QString fileBusyMessage() { return tr("The file <b>%1</b> is in use by a running operation."); }
+    static QString warningOperationTitle() { return tr("Warning Operation"); }
+    static QString unknownFilterNameMessage()
+    {
+        return tr("Error: the filter <b>%1</b> is not available; only Butterworth filters are built.");
     }
 
     // Messages of the kernels themselves.

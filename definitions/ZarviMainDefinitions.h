@@ -78,6 +78,7 @@ public:
     static QString operationUnknownMessage() { return tr("Operation <b>%1</b> does not exist."); }
     static QString noDatasetsMessage() { return tr("No datasets set to the operation"); }
     static QString operationCanceledMessage() { return tr("The operation was cancelled."); }
+    static QString exportNeedsDataFileMessage() { return tr("Open a data file and select what to export first."); }
 };
 
 } // namespace zarvi

@@ -4,6 +4,7 @@
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/AbstractOperationProcess.h"
 #include "framework/OperationRegistry.h"
+#include "framework/ProgressDialogFactory.h"
 
 #include <QMessageBox>
 #include <QProgressDialog>
@@ -27,16 +28,7 @@ void showMessageBox(const QString& title, const QString& message, const QString&
 AbstractOperationView::AbstractOperationView(const QString& operationName, QWidget* parent)
     : QWidget(parent), m_operationName(operationName), m_presentMessage(showMessageBox)
 {
-    m_progressDialog = std::make_shared<QProgressDialog>();
-    m_progressDialog->setWindowTitle(ZarviMainDefinitions::progressTitle());
-    m_progressDialog->setWindowModality(Qt::ApplicationModal);
-    m_progressDialog->setMinimumDuration(0);
-    m_progressDialog->setAutoClose(false);
-    m_progressDialog->setAutoReset(false);
-    m_progressDialog->setRange(0, 100);
-    // Created closed: stop the dialog's own show timer until a run starts.
-    m_progressDialog->reset();
-    m_progressDialog->hide();
+    m_progressDialog = ProgressDialogFactory::create(ZarviMainDefinitions::progressTitle());
     connect(m_progressDialog.get(), &QProgressDialog::canceled, this, [this] {
         if (!m_running)
             return;
@@ -61,12 +53,15 @@ void AbstractOperationView::setupProcess(const QString& filepath, const QStringL
 {
     m_filepath = filepath;
     m_datapaths = datapaths;
-    if (m_process)
-        return;
     const OperationDescriptor* descriptor = OperationRegistry::instance().find(m_operationName);
-    if (!descriptor)
-        return;
-    m_process = descriptor->createProcess();
+    if (!m_process && descriptor)
+        createProcess(*descriptor);
+    datasetsChanged();
+}
+
+void AbstractOperationView::createProcess(const OperationDescriptor& descriptor)
+{
+    m_process = descriptor.createProcess();
     m_thread = std::make_shared<QThread>();
     m_process->moveToThread(m_thread.get());
     m_thread->start(QThread::InheritPriority);
@@ -119,6 +114,12 @@ void AbstractOperationView::onProgressReceived(int progress, bool setApplication
 void AbstractOperationView::onProgressLabelReceived(const QString& label)
 {
     m_progressDialog->setLabelText(label);
+}
+
+void AbstractOperationView::showMessage(const QString& title, const QString& message, const QString& details,
+                                        int icon)
+{
+    m_presentMessage(title, message, details, icon);
 }
 
 void AbstractOperationView::onMessageReceived(const QString& title, const QString& message, const QString& details,

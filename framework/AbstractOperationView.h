@@ -13,6 +13,7 @@ class QThread;
 namespace zarvi {
 
 class AbstractOperationProcess;
+struct OperationDescriptor;
 
 /// The parameter half of an operation, on the GUI thread inside its dialog. It
 /// owns its process, the worker thread the process lives on and the progress
@@ -60,8 +61,15 @@ protected:
     /// Fills the operation's own keys ("Operations" is added by the view); false
     /// when a field is invalid, after showing why beside it.
     virtual bool buildParameters(QVariantMap& parameters) = 0;
+    /// Called by setupProcess() once the file and the datasets are known, so that a
+    /// view can fill its choices or its preview from them. Does nothing here.
+    virtual void datasetsChanged() {}
+    /// Shows a message the way the process's messages are shown (a message box, or
+    /// what a test put in its place).
+    void showMessage(const QString& title, const QString& message, const QString& details, int icon);
 
 private:
+    void createProcess(const OperationDescriptor& descriptor);
     void onProgressLabelReceived(const QString& label);
 
     QString m_operationName;

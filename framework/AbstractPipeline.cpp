@@ -5,6 +5,7 @@
 #include "framework/OperationDialog.h"
 #include "framework/OperationViewFactory.h"
 #include "framework/PipelineFile.h"
+#include "framework/ProgressDialogFactory.h"
 
 #include <QFileDialog>
 #include <QLabel>
@@ -113,12 +114,7 @@ RunResult AbstractPipeline::runSavedPipeline(const QString& path)
         return result;
     }
     m_runner = std::make_unique<OperationRunner>();
-    m_pipelineProgress = std::make_unique<QProgressDialog>();
-    m_pipelineProgress->setWindowTitle(ZarviMainDefinitions::pipelineProgressTitle());
-    m_pipelineProgress->setWindowModality(Qt::ApplicationModal);
-    m_pipelineProgress->setMinimumDuration(0);
-    m_pipelineProgress->setAutoClose(false);
-    m_pipelineProgress->setRange(0, 100);
+    m_pipelineProgress = ProgressDialogFactory::create(ZarviMainDefinitions::pipelineProgressTitle());
     connect(m_pipelineProgress.get(), &QProgressDialog::canceled, this, &AbstractPipeline::onCancelPipelineReceived);
     m_runner->onProgress = [this](int progress) { onProgressReceived(progress); };
     m_runner->onLabel = [this](const QString& label) { m_pipelineProgress->setLabelText(label); };

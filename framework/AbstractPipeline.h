@@ -61,7 +61,7 @@ private:
     QString m_filepath;
     QStringList m_datapaths;
     QLabel* m_selectionLabel = nullptr;
-    std::unique_ptr<QProgressDialog> m_pipelineProgress;
+    std::shared_ptr<QProgressDialog> m_pipelineProgress;
     std::unique_ptr<OperationRunner> m_runner;
 };
 

@@ -5,6 +5,9 @@
 #include "definitions/SignalOperationDefinitions.h"
 #include "framework/OperationRegistry.h"
 #include "signal/operations/decimation/DecimationProcess.h"
+#include "signal/operations/filter/FilterProcess.h"
+#include "signal/operations/photometry/PhotometryDeltaFProcess.h"
+#include "signal/operations/smooth/SmoothProcess.h"
 
 namespace zarvi {
 
@@ -23,8 +26,37 @@ void registerBuiltInOperations(OperationRegistry& registry)
     using SD = SignalOperationDefinitions;
     using T = ParameterType;
 
+    registry.add({SD::Filter,
+                  OperationFamily::Signal,
+                  {{SD::FilterType, T::String},
+                   {SD::LowCutoffFrequency, T::Double},
+                   {SD::HighCutoffFrequency, T::Double},
+                   {SD::FilterName, T::String}},
+                  factory<FilterProcess>()});
+    registry.add({SD::SmoothSignals,
+                  OperationFamily::Signal,
+                  {{SD::SmoothMethod, T::String}, {SD::SmoothTimeFrame, T::Double}, {SD::SmoothFrequency, T::Double}},
+                  factory<SmoothProcess>()});
     registry.add({SD::Decimation, OperationFamily::Signal, {{SD::DecimationFactor, T::Int}},
                   factory<DecimationProcess>()});
+    registry.add({SD::PhotometryDeltaF,
+                  OperationFamily::Signal,
+                  {{SD::IsosbesticName, T::String},
+                   {SD::BiosensorName, T::String},
+                   {SD::DiscardStart, T::Double},
+                   {SD::DiscardEnd, T::Double},
+                   {SD::DecimationFactor, T::Int},
+                   {SD::SmoothMethod, T::String},
+                   {SD::SmoothTimeFrame, T::Double},
+                   {SD::SmoothFrequency, T::Double},
+                   {SD::RemoveSlopeMethod, T::String},
+                   {SD::SlopeLambda, T::Int},
+                   {SD::SlopeRatio, T::Double},
+                   {SD::SlopeTimeWindow, T::Double},
+                   {SD::SlopeOrder, T::Int},
+                   {SD::StandardizeMethod, T::String},
+                   {SD::ResidualThreshold, T::Double}},
+                  factory<PhotometryDeltaFProcess>()});
 
     using AD = AnalysisOperationDefinitions;
     registry.add({AD::Perievents,

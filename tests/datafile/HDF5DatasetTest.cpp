@@ -164,3 +164,44 @@ TYPED_TEST(HDF5ElementKind, RoundTripsWholeAndByBlock)
         for (hsize_t c = 0; c < 3; ++c)
             EXPECT_EQ(block[r * 3 + c], values[(1 + r) * columns + 2 + c]);
 }
+
+// Whole chunks move past the chunk cache; partial writes go through it. Mixing
+// the two on one chunk must never let a stale copy win.
+TEST(HDF5Dataset, WholeChunkAndPartialAccessAgreeOnTheSameChunk)
+{
+    TempDir dir;
+    HDF5Writer_V6 writer;
+    const hid_t file = writer.create(dir.file(QStringLiteral("mixed.orvel")));
+    const hid_t stream = writer.create1D(file, ElementKind::Float64, QStringLiteral("Stream"), 8);
+    std::vector<double> whole(8);
+    std::iota(whole.begin(), whole.end(), 0.0);
+    ASSERT_TRUE(writer.append(stream, whole.data(), {8}));
+
+    // A partial write lands in the cache; a whole-chunk read must see it.
+    const double patched = -5.0;
+    ASSERT_TRUE(writer.write(stream, &patched, {3}, {1}));
+    std::vector<double> read(8);
+    ASSERT_TRUE(writer.read(stream, {0}, {8}, read.data()));
+    EXPECT_EQ(read[3], -5.0);
+
+    // A partial write, then a whole-chunk write: the whole chunk wins, also after closing.
+    ASSERT_TRUE(writer.write(stream, &patched, {5}, {1}));
+    std::vector<double> replacement(8, 42.0);
+    ASSERT_TRUE(writer.write(stream, replacement.data(), {0}, {8}));
+    ASSERT_TRUE(writer.read(stream, {0}, {8}, read.data()));
+    EXPECT_EQ(read, replacement);
+    writer.closeDataset(stream);
+    writer.closeFile();
+
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(dir.file(QStringLiteral("mixed.orvel"))), 0);
+    const hid_t again = reader.openDataset(reader.fileId(), QStringLiteral("Stream"));
+    std::vector<double> stored;
+    ASSERT_TRUE(reader.read(again, stored));
+    EXPECT_EQ(stored, replacement);
+    // Read as another type, the same chunk goes through conversion.
+    std::vector<float> converted;
+    ASSERT_TRUE(reader.read(again, converted));
+    EXPECT_EQ(converted[0], 42.0f);
+    reader.closeDataset(again);
+}

@@ -7,6 +7,8 @@
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
 #include "app/plugins/DatasetPlugin.h"
+#include "framework/DatasetPipeline.h"
+#include "framework/DatasetSelector.h"
 #include "common/TempDir.h"
 #include "datafile/DemoRecording.h"
 
@@ -75,5 +77,13 @@ TEST(MainWindowScreenshot, DemoRecordingWithSignalAndImageStack)
     zarvi::test::settle(100);
     EXPECT_TRUE(window->grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/main-window-stack.png")));
     EXPECT_TRUE(QFileInfo(signalShot).size() > 0);
+
+    // The processing page: checking the two photometry signals offers the signal operations.
+    plugin->pipeline()->selector()->select({truth.isosbesticPath, truth.biosensorPath});
+    ASSERT_NE(plugin->pipeline()->currentPipeline(), nullptr);
+    EXPECT_TRUE(plugin->pipeline()->currentPipeline()->operationNames().contains(QStringLiteral("Photometry deltaF/F")));
+    QMetaObject::invokeMethod(plugin->findChild<QObject*>(QStringLiteral("tb_pipeline")), "click");
+    zarvi::test::settle(100);
+    EXPECT_TRUE(window->grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/main-window-pipeline.png")));
     startup.shutdown();
 }

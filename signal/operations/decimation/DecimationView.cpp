@@ -9,7 +9,7 @@ namespace zarvi {
 
 using SD = SignalOperationDefinitions;
 
-DecimationView::DecimationView(QWidget* parent) : AbstractOperationView(SD::Decimation, parent)
+DecimationView::DecimationView(QWidget* parent) : SignalOperationView(SD::Decimation, parent)
 {
     auto* layout = new QFormLayout(this);
     m_factor = new QSpinBox(this);

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "framework/AbstractOperationView.h"
+#include "signal/SignalOperationView.h"
 
 class QSpinBox;
 
 namespace zarvi {
 
 /// Parameters of "Decimation": the factor M. GUI thread.
-class DecimationView : public AbstractOperationView
+class DecimationView : public SignalOperationView
 {
     Q_OBJECT
 

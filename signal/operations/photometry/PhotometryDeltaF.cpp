@@ -4,13 +4,10 @@
 #include "signal/operations/SampleRate.h"
 #include "framework/Feedback.h"
 #include "signal/operations/decimation/Decimation.h"
-#include "signal/operations/filter/FilterDesign.h"
-#include "signal/operations/filter/ZeroPhaseFilter.h"
-#include "signal/operations/smooth/RunningAverage.h"
+#include "signal/operations/smooth/Smoothing.h"
 #include "signal/operations/standardize/ZScore.h"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 
 namespace zarvi {
@@ -94,18 +91,8 @@ KernelOutcome decimate(Signal& s, int factor, Feedback* feedback)
 
 KernelOutcome smooth(Signal& s, const PhotometryDeltaF::Config& config, Feedback* feedback)
 {
-    if (config.smoothMethod == Defs::RunningAverage) {
-        VectorResult smoothed = RunningAverage::compute(s.values, s.time, config.smoothTimeFrame, feedback);
-        if (smoothed.outcome.ok())
-            s.values = std::move(smoothed.values);
-        return smoothed.outcome;
-    }
-    const std::array<double, 1> cutoff{config.smoothFrequency};
-    FilterDesign::Result design =
-        FilterDesign::design(Defs::LowPass, cutoff, FilterDesign::RateFromTime, s.time);
-    if (!design.outcome.ok())
-        return design.outcome;
-    return ZeroPhaseFilter::apply(design.filter, s.values, feedback);
+    return Smoothing::apply({config.smoothMethod, config.smoothTimeFrame, config.smoothFrequency}, s.values,
+                            s.time, feedback);
 }
 
 /// Subtracts the slope of the chosen method and keeps it in `slope`.
@@ -195,7 +182,7 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
 
     Result result;
     const bool lowPass = config.smoothMethod == Defs::LowPassButterworthFilter;
-    const bool smoothing = config.smoothMethod == Defs::RunningAverage || lowPass;
+    const bool smoothing = Smoothing::isKnownMethod(config.smoothMethod);
     const double decimatedRate = sampleRateOf(biosensor.time);
     if (lowPass && !(config.smoothFrequency < decimatedRate / 2.0)) {
         result.warnings << Defs::smoothingCutoffTooHighMessage().arg(Defs::SmoothSignals);

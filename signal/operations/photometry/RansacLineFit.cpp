@@ -36,8 +36,8 @@ double standardDeviation(std::span<const double> v)
 
 /// Counts the points with |a x + b y + c| < threshold. The fixed-width inner loop
 /// with one accumulator per lane lets the compiler vectorise it at -O2.
-std::size_t countInliers(const double* __restrict x, const double* __restrict y, std::size_t n, double a,
-                         double b, double c, double threshold)
+std::size_t countBlock(const double* __restrict x, const double* __restrict y, std::size_t n, double a,
+                       double b, double c, double threshold)
 {
     constexpr std::size_t Lanes = 8;
     std::array<double, Lanes> lanes{};
@@ -52,6 +52,25 @@ std::size_t countInliers(const double* __restrict x, const double* __restrict y,
     std::size_t count = static_cast<std::size_t>(total);
     for (; i < n; ++i)
         count += std::fabs(a * x[i] + b * y[i] + c) < threshold ? 1 : 0;
+    return count;
+}
+
+/// The inlier count of a model, block by block. A model only matters when it reaches
+/// `needed` (the best count so far), so the count stops, below `needed`, as soon as the
+/// points left could no longer bring it there: the chosen model and the iteration count
+/// are exactly those of a full count, and most losing models are dropped after a
+/// fraction of the samples.
+std::size_t countInliers(const double* x, const double* y, std::size_t n, double a, double b, double c,
+                         double threshold, std::size_t needed)
+{
+    constexpr std::size_t Block = 8192;
+    std::size_t count = 0;
+    for (std::size_t start = 0; start < n; start += Block) {
+        const std::size_t end = std::min(n, start + Block);
+        count += countBlock(x + start, y + start, end - start, a, b, c, threshold);
+        if (count + (n - end) < needed)
+            break;
+    }
     return count;
 }
 
@@ -117,7 +136,7 @@ RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<co
             if (attempt % 4096 == 0 && progress.isCanceled())
                 return withOutcome(KernelOutcome::cancelled());
         }
-        const std::size_t count = countInliers(x.data(), y.data(), n, a, b, c, residualThreshold);
+        const std::size_t count = countInliers(x.data(), y.data(), n, a, b, c, residualThreshold, bestCount);
         if (count >= bestCount) {
             bestCount = count;
             result.a = a;

@@ -46,7 +46,9 @@ public:
     /// (a, b): the same line through samples twice as far apart doubles them. The best
     /// model is the last one with the most inliers; the iteration count is
     /// max(1000, int(log(0.001) / log(1 - w^2))) with w the best inlier fraction,
-    /// recomputed after every model. Reports "Calculating regression line...".
+    /// recomputed after every model. A model's count stops once the samples left cannot
+    /// bring it up to the best count, which leaves the result as a full count would.
+    /// Reports "Calculating regression line...".
     static Result fit(std::span<const double> x, std::span<const double> y, double residualThreshold,
                       Feedback* feedback);
 };

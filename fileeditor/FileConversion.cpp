@@ -1,0 +1,31 @@
+#include "fileeditor/FileConversion.h"
+
+namespace zarvi {
+
+namespace {
+
+template <typename... Handlers> struct Overloaded : Handlers...
+{
+    using Handlers::operator()...;
+};
+
+} // namespace
+
+ConversionResult FileConversion::run(const ConversionRequest& request, Feedback* feedback)
+{
+    return std::visit(
+        Overloaded{
+            [&](const TiffStackConversionConfig& c) { return TiffStackConverter::convert(c, feedback); },
+            [&](const VideoConversionConfig& c) { return VideoConverter::convert(c, feedback); },
+            [&](const SpreadsheetConversionConfig& c) { return SpreadsheetConverter::convert(c, feedback); },
+            [&](const Version5ConversionConfig& c) { return Version5Converter::convert(c, feedback); },
+        },
+        request);
+}
+
+QString FileConversion::sourcePath(const ConversionRequest& request)
+{
+    return std::visit([](const auto& config) { return config.sourcePath; }, request);
+}
+
+} // namespace zarvi

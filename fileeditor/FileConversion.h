@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+
+#include <variant>
+
+#include "fileeditor/ConversionTarget.h"
+#include "fileeditor/SpreadsheetConverter.h"
+#include "fileeditor/TiffStackConverter.h"
+#include "fileeditor/Version5Converter.h"
+#include "fileeditor/VideoConverter.h"
+#include "framework/Feedback.h"
+
+namespace zarvi {
+
+/// One conversion as the dialog and the command line describe it.
+using ConversionRequest = std::variant<TiffStackConversionConfig, VideoConversionConfig,
+                                       SpreadsheetConversionConfig, Version5ConversionConfig>;
+
+/// Runs whichever conversion a request describes, so that the dialog and the command
+/// line share one entry. Runs on the job's worker thread (the command line's main thread).
+class FileConversion
+{
+public:
+    static ConversionResult run(const ConversionRequest& request, Feedback* feedback = nullptr);
+    /// The file the request reads.
+    static QString sourcePath(const ConversionRequest& request);
+};
+
+} // namespace zarvi

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QString>
+
+#include <vector>
+
+#include "fileeditor/ConversionTarget.h"
+#include "fileeditor/CsvTableReader.h"
+#include "framework/Feedback.h"
+
+namespace zarvi {
+
+struct SpreadsheetConversionConfig
+{
+    /// A .csv (or other delimited text) file; .xlsx workbooks are refused with a message.
+    QString sourcePath;
+    /// Device and series; the sensor groups are named after the columns.
+    ConversionDestination destination;
+    /// Column (from 0) holding the sample times.
+    int timeColumn = 0;
+    TimeUnit timeUnit = TimeUnit::Seconds;
+    /// Columns (from 0) whose cells are event times, in timeUnit.
+    std::vector<int> eventColumns;
+    CsvDelimiter delimiter = CsvDelimiter::Automatic;
+};
+
+/// Brings a table of numbers into a data file: every value column becomes a signal
+/// "DataConverted/<device>/Signals/Series<N>/<column name>/{Signal, Time}" sharing the
+/// time column (converted to seconds), every event column an event array
+/// "DataConverted/<device>/Events/Series<M>/<column name>" (float64 [events, 1], seconds,
+/// sorted). Columns are named by their header, or "Sensor%1" / "Event%1" without one;
+/// a name that holds a slash, is structural or repeats another is stored under a safe
+/// name, which the result's notes report. A header line is recognised by a cell that is
+/// not a number. Progress: reading to 40 %, writing to 100 %. Runs on the job's worker thread.
+class SpreadsheetConverter
+{
+public:
+    static ConversionResult convert(const SpreadsheetConversionConfig& config, Feedback* feedback = nullptr);
+
+    /// True when the first non-blank line of a delimited text file holds a cell that
+    /// is not a number, that is a header line.
+    static bool startsWithHeader(const QString& path);
+};
+
+} // namespace zarvi

@@ -1,0 +1,163 @@
+#include "signal/operations/filter/FilterView.h"
+
+#include "definitions/SignalOperationDefinitions.h"
+#include "signal/SignalFileReader.h"
+#include "signal/operations/filter/FilterDesign.h"
+#include "signal/operations/filter/FilterResponse.h"
+#include "signal/operations/filter/SignalSpectrum.h"
+
+#include <QComboBox>
+#include <QDoubleSpinBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+
+#include <qcustomplot.h>
+
+namespace zarvi {
+
+namespace {
+
+using SD = SignalOperationDefinitions;
+
+/// Points of the drawn response curve.
+constexpr std::size_t responsePoints = 2000;
+
+QDoubleSpinBox* cutoffBox(QWidget* parent, const QString& objectName, double value)
+{
+    auto* box = new QDoubleSpinBox(parent);
+    box->setObjectName(objectName);
+    box->setDecimals(3);
+    box->setRange(0.001, 1e6);
+    box->setValue(value);
+    return box;
+}
+
+void setCurve(QCPGraph* graph, const std::vector<double>& x, const std::vector<double>& y)
+{
+    graph->setData(QVector<double>(x.begin(), x.end()), QVector<double>(y.begin(), y.end()), true);
+}
+
+} // namespace
+
+FilterView::FilterView(QWidget* parent) : SignalOperationView(SD::Filter, parent)
+{
+    auto* layout = new QFormLayout(this);
+    m_type = new QComboBox(this);
+    m_type->setObjectName(QStringLiteral("cb_filterType"));
+    m_type->addItems({SD::LowPass, SD::HighPass, SD::BandPass, SD::BandStop});
+    layout->addRow(SD::filterTypeLabel(), m_type);
+
+    m_low = cutoffBox(this, QStringLiteral("dsb_lowCutoff"), 1.0);
+    m_lowValidation = makeValidationLabel(QStringLiteral("lb_lowCutoffValidation"));
+    auto* lowRow = new QHBoxLayout;
+    lowRow->addWidget(m_low);
+    lowRow->addWidget(m_lowValidation, 1);
+    layout->addRow(SD::lowCutoffLabel(), lowRow);
+
+    m_high = cutoffBox(this, QStringLiteral("dsb_highCutoff"), 10.0);
+    m_highValidation = makeValidationLabel(QStringLiteral("lb_highCutoffValidation"));
+    auto* highRow = new QHBoxLayout;
+    highRow->addWidget(m_high);
+    highRow->addWidget(m_highValidation, 1);
+    layout->addRow(SD::highCutoffLabel(), highRow);
+
+    m_plot = new QCustomPlot(this);
+    m_plot->setObjectName(QStringLiteral("plot_filterResponse"));
+    m_plot->setMinimumHeight(220);
+    m_plot->xAxis->setLabel(SD::frequencyAxisLabel());
+    m_plot->yAxis->setLabel(SD::amplitudeAxisLabel());
+    m_plot->legend->setVisible(true);
+    QCPGraph* spectrum = m_plot->addGraph();
+    spectrum->setName(SD::signalFftLabel());
+    spectrum->setPen(QPen(QColor(0x86, 0x84, 0x82)));
+    QCPGraph* response = m_plot->addGraph();
+    response->setName(SD::filterResponseLabel());
+    response->setPen(QPen(QColor(0xe6, 0x7e, 0x22), 2));
+    m_plot->setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
+    layout->addRow(m_plot);
+
+    const auto changed = [this] {
+        m_high->setEnabled(isBand());
+        validate();
+        updateResponse();
+    };
+    connect(m_type, &QComboBox::currentIndexChanged, this, changed);
+    connect(m_low, &QDoubleSpinBox::valueChanged, this, changed);
+    connect(m_high, &QDoubleSpinBox::valueChanged, this, changed);
+    m_high->setEnabled(isBand());
+}
+
+bool FilterView::isBand() const
+{
+    const QString type = m_type->currentText();
+    return type == SD::BandPass || type == SD::BandStop;
+}
+
+bool FilterView::validate()
+{
+    const double nyquist = sampleRate() / 2.0;
+    const bool known = nyquist > 0.0;
+    QString lowText;
+    QString highText;
+    if (known && m_low->value() >= nyquist)
+        lowText = SD::lowAboveNyquistMessage();
+    if (isBand() && known && m_high->value() >= nyquist)
+        highText = SD::highAboveNyquistMessage();
+    if (isBand() && lowText.isEmpty() && m_low->value() >= m_high->value())
+        lowText = SD::lowNotBelowHighMessage();
+    setValidationText(m_lowValidation, lowText);
+    setValidationText(m_highValidation, highText);
+    return lowText.isEmpty() && highText.isEmpty();
+}
+
+void FilterView::updateResponse()
+{
+    QCPGraph* response = m_plot->graph(1);
+    response->data()->clear();
+    const double rate = sampleRate();
+    if (rate > 0.0 && validate()) {
+        std::vector<double> cutoffs{m_low->value()};
+        if (isBand())
+            cutoffs.push_back(m_high->value());
+        const FilterDesign::Result design = FilterDesign::design(m_type->currentText(), cutoffs, rate);
+        if (design.outcome.ok()) {
+            const FilterResponse::Result curve =
+                FilterResponse::compute(design.filter, rate, responsePoints, nullptr);
+            setCurve(response, curve.frequencies, curve.magnitudesDb);
+        }
+    }
+    m_plot->rescaleAxes();
+    m_plot->replot(QCustomPlot::rpQueuedReplot);
+}
+
+void FilterView::datasetsChanged()
+{
+    SignalOperationView::datasetsChanged();
+    QCPGraph* spectrum = m_plot->graph(0);
+    spectrum->data()->clear();
+    Signal signal;
+    QString error;
+    if (!datapaths().isEmpty() && SignalFileReader::read(filepath(), datapaths().first(), signal, error)) {
+        const SignalSpectrum::Result fft = SignalSpectrum::compute(signal.values, sampleRate());
+        if (fft.outcome.ok())
+            setCurve(spectrum, fft.frequencies, fft.magnitudesDb);
+    }
+    validate();
+    updateResponse();
+}
+
+bool FilterView::buildParameters(QVariantMap& parameters)
+{
+    if (!validate())
+        return false;
+    parameters.insert(SD::FilterType, m_type->currentText());
+    parameters.insert(SD::LowCutoffFrequency, m_low->value());
+    // A low- or high-pass filter takes the last cut-off given, so only band filters send the high one.
+    if (isBand())
+        parameters.insert(SD::HighCutoffFrequency, m_high->value());
+    parameters.insert(SD::FilterName, SD::Butterworth);
+    return true;
+}
+
+} // namespace zarvi

@@ -1,0 +1,25 @@
+#include "signal/operations/smooth/SmoothProcess.h"
+
+#include "definitions/SignalOperationDefinitions.h"
+#include "signal/operations/smooth/Smoothing.h"
+
+namespace zarvi {
+
+using SD = SignalOperationDefinitions;
+
+SmoothProcess::SmoothProcess() : SignalOperationProcess(SD::SmoothedSignals) {}
+
+bool SmoothProcess::computeOperation()
+{
+    const Smoothing::Config config{m_parameters.value(SD::SmoothMethod).toString(),
+                                   m_parameters.value(SD::SmoothTimeFrame).toDouble(),
+                                   m_parameters.value(SD::SmoothFrequency).toDouble()};
+    m_output.values = std::move(m_input.values);
+    m_output.time = std::move(m_input.time);
+    const KernelOutcome outcome = Smoothing::apply(config, m_output.values, m_output.time, m_stepFeedback);
+    if (outcome.isFailed())
+        addError(outcome.error);
+    return outcome.ok();
+}
+
+} // namespace zarvi
