@@ -88,6 +88,20 @@ TEST_F(PerieventOperationTest, TheEventLockedTransientShowsInTheMeanTrace)
     // Before the event the aligned trace stays at 0 within the noise.
     for (std::size_t c = 0; c < time.values.size() && time.values[c] < -0.5; ++c)
         EXPECT_NEAR(means[c], 0.0, 0.01 * baseline);
+
+    // On the photometry ΔF/F of the pair, the relative rise is the trace itself.
+    const QVariantMap deltaF{{FD::Operations, QStringLiteral("Photometry deltaF/F")},
+                             {QStringLiteral("IsosbesticName"), QStringLiteral("Isosbestic")},
+                             {QStringLiteral("BiosensorName"), QStringLiteral("Biosensor")},
+                             {QStringLiteral("ResidualThreshold"), 0.01}};
+    OperationRunner runner;
+    const RunResult dff = runner.runPipeline({deltaF, parameters}, file, {truth.isosbesticPath, truth.biosensorPath});
+    ASSERT_TRUE(dff.succeeded()) << dff.errors.join(' ').toStdString();
+    ASSERT_EQ(dff.datapaths.size(), 1);
+    const std::vector<double> dffMeans = columnMeans(test::readRaw(file, dff.datapaths[0]));
+    const auto dffPeak = std::max_element(dffMeans.begin(), dffMeans.end()) - dffMeans.begin();
+    EXPECT_NEAR(time.values[dffPeak], truth.transientPeakLatency, 0.1);
+    EXPECT_NEAR(dffMeans[dffPeak], truth.transientAmplitude, 0.2 * truth.transientAmplitude);
 }
 
 TEST_F(PerieventOperationTest, SavesTheDocumentedDatasetsAndAttributes)
