@@ -20,8 +20,8 @@ void AnalysisOperationProcess::runOperation()
         addError(file.lastError());
         return;
     }
-    RunOutputs results(file, FileDefinitions::DataAnalyzed, FileDefinitions::Signals, m_outputName, m_parameters,
-                       m_sourceDatapaths);
+    RunOutputs results(file, FileDefinitions::DataAnalyzed, FileDefinitions::Signals, m_outputName,
+                       m_parameters, m_sourceDatapaths);
     m_file = &file;
     m_results = &results;
     const int count = static_cast<int>(m_sourceDatapaths.size());

@@ -5,7 +5,6 @@
 #include "fileeditor/CsvTableWriter.h"
 #include "framework/FileAccessLock.h"
 
-
 namespace zarvi {
 
 namespace {
@@ -47,23 +46,25 @@ TableData PerieventExport::statisticTable(const StoredPerieventResult& result,
 QString PerieventExport::statisticPath(const QString& csvPath, const QString& statistic)
 {
     const QString suffix = QStringLiteral(".csv");
-    const QString base = csvPath.endsWith(suffix, Qt::CaseInsensitive) ? csvPath.chopped(suffix.size()) : csvPath;
+    const QString base =
+        csvPath.endsWith(suffix, Qt::CaseInsensitive) ? csvPath.chopped(suffix.size()) : csvPath;
     return QStringLiteral("%1_%2.csv").arg(base, statistic);
 }
 
-QString PerieventExport::write(const StoredPerieventResult& result, const QString& csvPath, QStringList& paths,
-                               Feedback* feedback)
+QString PerieventExport::write(const StoredPerieventResult& result, const QString& csvPath,
+                               QStringList& paths, Feedback* feedback)
 {
     QString error = written(matrixTable(result), csvPath, paths, feedback);
     for (std::size_t s = 0; error.isEmpty() && s < result.statistics.size(); ++s) {
         const StoredPerieventResult::Statistic& statistic = result.statistics[s];
-        error = written(statisticTable(result, statistic), statisticPath(csvPath, statistic.name), paths, nullptr);
+        error = written(statisticTable(result, statistic), statisticPath(csvPath, statistic.name), paths,
+                        nullptr);
     }
     return error;
 }
 
-QString PerieventExport::exportFromFile(const QString& filepath, const QString& datapath, const QString& csvPath,
-                                        QStringList& paths, Feedback* feedback)
+QString PerieventExport::exportFromFile(const QString& filepath, const QString& datapath,
+                                        const QString& csvPath, QStringList& paths, Feedback* feedback)
 {
     StoredPerieventResult result;
     QString error;

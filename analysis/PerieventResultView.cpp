@@ -120,7 +120,8 @@ void PerieventResultView::fillTable()
 bool PerieventResultView::saveImage(const QString& path)
 {
     QCustomPlot* plot = m_tabs->currentWidget() == m_traces ? m_traces->plot() : m_heatMap->plot();
-    return path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive) ? plot->savePdf(path) : plot->savePng(path);
+    return path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive) ? plot->savePdf(path)
+                                                                      : plot->savePng(path);
 }
 
 QString PerieventResultView::exportCsv(const QString& path, QStringList& written)

@@ -200,7 +200,10 @@ public:
     static QString methodLabel() { return tr("Method"); }
     static QString sourceLabel() { return tr("Source"); }
     static QString frequencyLabel() { return tr("Frequency (Hz)"); }
-    static QString removeStatisticRowTooltip() { return tr("Remove the selected rows from statistic table."); }
+    static QString removeStatisticRowTooltip()
+    {
+        return tr("Remove the selected rows from statistic table.");
+    }
     /// %1 first, %2 last event time whose whole chunk fits in the signal, seconds.
     static QString rangeText() { return tr("Events between %1 and %2 sec"); }
     static QString noRangeText() { return tr("No signal selected"); }
@@ -266,8 +269,9 @@ public:
     /// %1 kept events, %2 the most a result can name.
     static QString tooManyEventsMessage()
     {
-        return tr("The perievent result holds <b>%1</b> events, more than the <b>%2</b> a result can name. Select "
-                  "fewer events.");
+        return tr(
+            "The perievent result holds <b>%1</b> events, more than the <b>%2</b> a result can name. Select "
+            "fewer events.");
     }
     static QString oldFormatMessage()
     {

@@ -70,7 +70,8 @@ QByteArray parameters()
         {D::Event, QStringLiteral("Stimulus")},
         {D::PerieventTimeFrame, QJsonArray{-5.0, 10.0}},
         {D::StatisticTimeFrames, QJsonArray{-5.0, 0.0, 0.0, 2.0, 2.0, 10.0}},
-        {D::TimeFramesNames, QJsonArray{QStringLiteral("Before"), QStringLiteral("Response"), QStringLiteral("After")}},
+        {D::TimeFramesNames,
+         QJsonArray{QStringLiteral("Before"), QStringLiteral("Response"), QStringLiteral("After")}},
         {D::Statistics, QJsonArray{D::AUC}},
         {D::NormalizeWindow, QJsonArray{-5.0, -1.0}},
         {D::NormalizeMethod, D::StandardZScore}};
@@ -91,7 +92,7 @@ void BM_PerieventOperationCli(benchmark::State& state)
         state.SkipWithError("cannot write the input file");
         return;
     }
-    const QStringList arguments{QStringLiteral("run"),      work,
+    const QStringList arguments{QStringLiteral("run"),         work,
                                 QStringLiteral("--operation"), D::Perievents,
                                 QStringLiteral("--params"),    QString::fromUtf8(parameters()),
                                 QStringLiteral("--data"),      SignalGroup + QStringLiteral("/Signal")};

@@ -4,9 +4,9 @@
 
 #include "analysis/PerieventExport.h"
 #include "analysis/operations/perievents/PerieventResultFile.h"
+#include "datafile/SignalDataset.h"
 #include "fileeditor/CsvTableReader.h"
 #include "framework/OperationRunner.h"
-#include "datafile/SignalDataset.h"
 
 #include <QTextStream>
 
@@ -95,7 +95,8 @@ TEST_F(PerieventOperationTest, TheEventLockedTransientShowsInTheMeanTrace)
                              {QStringLiteral("BiosensorName"), QStringLiteral("Biosensor")},
                              {QStringLiteral("ResidualThreshold"), 0.01}};
     OperationRunner runner;
-    const RunResult dff = runner.runPipeline({deltaF, parameters}, file, {truth.isosbesticPath, truth.biosensorPath});
+    const RunResult dff =
+        runner.runPipeline({deltaF, parameters}, file, {truth.isosbesticPath, truth.biosensorPath});
     ASSERT_TRUE(dff.succeeded()) << dff.errors.join(' ').toStdString();
     ASSERT_EQ(dff.datapaths.size(), 1);
     const std::vector<double> dffMeans = columnMeans(test::readRaw(file, dff.datapaths[0]));
@@ -113,7 +114,8 @@ TEST_F(PerieventOperationTest, SavesTheDocumentedDatasetsAndAttributes)
     parameters.insert(D::EventRange, QVariantList{2, 5});
     const RunResult result = run(parameters, {truth.isosbesticPath, truth.biosensorPath});
     ASSERT_TRUE(result.succeeded()) << result.errors.join(' ').toStdString();
-    ASSERT_EQ(result.datapaths, QStringList({resultGroup + "/Isosbestic/Perievents", resultGroup + "/Biosensor/Perievents"}));
+    ASSERT_EQ(result.datapaths,
+              QStringList({resultGroup + "/Isosbestic/Perievents", resultGroup + "/Biosensor/Perievents"}));
 
     // fs = 300000 / 299.999 Hz: startOffset round(-2 fs) = -2000, endOffset round(4 fs) + 1 = 4001.
     const test::RawDataset matrix = test::readRaw(file, result.datapaths[1]);
@@ -196,7 +198,8 @@ TEST_F(PerieventOperationTest, BothSidesGoToTheirOwnGroups)
     const std::size_t columns = onsets.dimensions[1];
     for (std::size_t r = 0; r < onsets.dimensions[0]; ++r)
         for (std::size_t j = 0; j + 2000 < columns; j += 250)
-            ASSERT_EQ(offsets.values[r * columns + j], onsets.values[r * columns + j + 2000]) << r << ", " << j;
+            ASSERT_EQ(offsets.values[r * columns + j], onsets.values[r * columns + j + 2000])
+                << r << ", " << j;
 }
 
 TEST_F(PerieventOperationTest, FailuresWriteNothing)
@@ -215,11 +218,13 @@ TEST_F(PerieventOperationTest, FailuresWriteNothing)
     parameters.insert(D::NormalizeEvent, QStringLiteral("Tone"));
     parameters.insert(D::NormalizeEventPath, truth.eventPath);
     result = run(parameters, {truth.biosensorPath});
-    EXPECT_EQ(result.errors, QStringList({"Events <b>Tone</b> used for normalization and events <b>Stimulus</b> do "
-                                          "not have the same number of events."}));
+    EXPECT_EQ(result.errors,
+              QStringList({"Events <b>Tone</b> used for normalization and events <b>Stimulus</b> do "
+                           "not have the same number of events."}));
 
     // The first signal succeeds, the second is missing: the first one's output goes too.
-    result = run(test::demoParameters(truth), {truth.biosensorPath, QStringLiteral("DataAcquisition/None/Signal")});
+    result = run(test::demoParameters(truth),
+                 {truth.biosensorPath, QStringLiteral("DataAcquisition/None/Signal")});
     EXPECT_FALSE(result.succeeded());
     EXPECT_FALSE(test::pathExists(file, resultGroup));
     EXPECT_FALSE(test::pathExists(file, FD::DataAnalyzed + "/FiberPhotometry/Signals/Series1/Perievents2"));
@@ -283,7 +288,7 @@ TEST_F(PerieventOperationTest, CsvExportReadsBackAsTheMatrix)
     EXPECT_EQ(QString::fromUtf8(statistic.readLine()).trimmed(), "Event,Baseline (V),Response (V)");
 }
 
-TEST(PerieventOperation, MoreEventsThanAResultCanNameIsAMessage)
+TEST(PerieventOperation, TooManyEventsOrACancelWriteNothing)
 {
     test::TempDir dir;
     const QString file = dir.file(QStringLiteral("many.orvel"));
@@ -302,15 +307,29 @@ TEST(PerieventOperation, MoreEventsThanAResultCanNameIsAMessage)
     std::vector<double> onsets;
     for (int k = 0; k < 4001; ++k)
         onsets.push_back(10.0 + 0.2 * k);
-    test::writeEventArray(file, QStringLiteral("DataAcquisition/Rig/Events/Series1"), QStringLiteral("Lick"), onsets, 1);
+    test::writeEventArray(file, QStringLiteral("DataAcquisition/Rig/Events/Series1"), QStringLiteral("Lick"),
+                          onsets, 1);
     const QVariantMap parameters{{FD::Operations, D::Perievents},
                                  {D::EventPath, QStringLiteral("DataAcquisition/Rig/Events/Series1")},
                                  {D::Event, QStringLiteral("Lick")},
                                  {D::PerieventTimeFrame, QVariantList{-0.05, 0.05}}};
     OperationRunner runner;
     RunResult result = runner.run(parameters, file, {SignalDataset::valuesPath(group)});
-    EXPECT_EQ(result.errors, QStringList({"The perievent result holds <b>4001</b> events, more than the <b>4000</b> "
-                                          "a result can name. Select fewer events."}));
+    EXPECT_EQ(result.errors,
+              QStringList({"The perievent result holds <b>4001</b> events, more than the <b>4000</b> "
+                           "a result can name. Select fewer events."}));
+    EXPECT_FALSE(test::pathExists(file, QStringLiteral("DataAnalyzed/Rig/Signals/Series1/Perievents1")));
+
+    // Cancelled while computing: nothing stays in the file.
+    QVariantMap wide = parameters;
+    wide.insert(D::PerieventTimeFrame, QVariantList{-20.0, 20.0}); // 3901 x 4001 values
+    wide.insert(D::SelectEvents, 1);
+    wide.insert(D::EventRange, QVariantList{100, 4000});
+    OperationRunner canceling;
+    canceling.onLabel = [&](const QString&) { canceling.requestCancel(); };
+    result = canceling.run(wide, file, {SignalDataset::valuesPath(group)});
+    EXPECT_TRUE(result.canceled);
+    EXPECT_FALSE(result.succeeded());
     EXPECT_FALSE(test::pathExists(file, QStringLiteral("DataAnalyzed/Rig/Signals/Series1/Perievents1")));
 
     QVariantMap fewer = parameters;

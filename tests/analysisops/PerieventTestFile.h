@@ -80,8 +80,9 @@ inline void writeEventArray(const QString& file, const QString& group, const QSt
     const hid_t location = writer.createGroupPath(writer.fileId(), group);
     const hsize_t count = rows.size() / static_cast<hsize_t>(columns);
     const hsize_t width = static_cast<hsize_t>(columns);
-    const hid_t dataset = writer.createDataset(location, ElementKind::Float64, name, 2, {H5S_UNLIMITED, width},
-                                               {std::max<hsize_t>(count, 1), width}, {count, width}, 0);
+    const hid_t dataset =
+        writer.createDataset(location, ElementKind::Float64, name, 2, {H5S_UNLIMITED, width},
+                             {std::max<hsize_t>(count, 1), width}, {count, width}, 0);
     ASSERT_GE(dataset, 0);
     ASSERT_TRUE(writer.write(dataset, rows.data(), {0, 0}, {count, width}));
     writer.closeDataset(dataset);

@@ -43,8 +43,7 @@ protected:
     test::TempDir dir;
     QString file = test::PerieventDemo::instance().copyTo(dir);
 
-    template <typename T>
-    static T* child(const QWidget& view, const char* name)
+    template <typename T> static T* child(const QWidget& view, const char* name)
     {
         T* widget = view.findChild<T*>(QString::fromLatin1(name));
         EXPECT_NE(widget, nullptr) << name;
@@ -59,23 +58,36 @@ TEST_F(PerieventViewTest, ControlsLabelsAndTheEventArraysOfTheFile)
     view.setupProcess(file, {truth.biosensorPath});
     ASSERT_TRUE(view.loadFileData());
     EXPECT_EQ(view.windowTitle(), "Perievents Parameters");
-    for (const char* name :
-         {"cb_event", "cb_onoff", "lb_onoff", "w_onset", "dsb_onWindowStart", "dsb_onWindowEnd", "tw_onStatistic",
-          "tb_onAdd", "tb_onRemove", "w_offset", "dsb_offWindowStart", "dsb_offWindowEnd", "tw_offStatistic",
-          "tb_offAdd", "tb_offRemove", "lw_statistics", "lb_statistic", "cb_normalize", "dsb_normalizeStart",
-          "dsb_normalizeEnd", "cb_normalizeMethod", "cb_normalizeSource", "cb_normalizeEvent", "cb_selectEvents",
-          "cb_selectOption", "sb_eventFirst", "sb_eventLast", "cb_timePeriod", "cb_periodName", "cb_resample",
-          "dsb_resampleFreq", "cb_resampleMethod", "lb_range", "w_signal"})
+    for (const char* name : {"cb_event",           "cb_onoff",
+                             "lb_onoff",           "w_onset",
+                             "dsb_onWindowStart",  "dsb_onWindowEnd",
+                             "tw_onStatistic",     "tb_onAdd",
+                             "tb_onRemove",        "w_offset",
+                             "dsb_offWindowStart", "dsb_offWindowEnd",
+                             "tw_offStatistic",    "tb_offAdd",
+                             "tb_offRemove",       "lw_statistics",
+                             "lb_statistic",       "cb_normalize",
+                             "dsb_normalizeStart", "dsb_normalizeEnd",
+                             "cb_normalizeMethod", "cb_normalizeSource",
+                             "cb_normalizeEvent",  "cb_selectEvents",
+                             "cb_selectOption",    "sb_eventFirst",
+                             "sb_eventLast",       "cb_timePeriod",
+                             "cb_periodName",      "cb_resample",
+                             "dsb_resampleFreq",   "cb_resampleMethod",
+                             "lb_range",           "w_signal"})
         EXPECT_NE(view.findChild<QWidget*>(QString::fromLatin1(name)), nullptr) << name;
 
-    EXPECT_TRUE(child<QLabel>(view, "lb_description")->text().contains(QString::fromUtf8("event\u2011centered")));
+    EXPECT_TRUE(
+        child<QLabel>(view, "lb_description")->text().contains(QString::fromUtf8("event\u2011centered")));
     EXPECT_EQ(child<QWidget>(view, "w_onset")->toolTip(),
               "Onset perievent parameters. Select perievent time frame and area under curve time frames.");
-    EXPECT_EQ(child<QWidget>(view, "cb_onoff")->toolTip(),
-              "If event array contains onsets and offsets, it is possible to calculate perievents before onset, "
-              "or offset, or both.");
+    EXPECT_EQ(
+        child<QWidget>(view, "cb_onoff")->toolTip(),
+        "If event array contains onsets and offsets, it is possible to calculate perievents before onset, "
+        "or offset, or both.");
     EXPECT_EQ(child<QWidget>(view, "cb_normalize")->toolTip(), "Aligns signal chunks to the same zero level");
-    EXPECT_TRUE(child<QWidget>(view, "dsb_normalizeStart")->toolTip().contains("perievent chunk.  If the time"));
+    EXPECT_TRUE(
+        child<QWidget>(view, "dsb_normalizeStart")->toolTip().contains("perievent chunk.  If the time"));
     EXPECT_TRUE(child<QWidget>(view, "tb_onAdd")->toolTip() == "Add a row to statistic table.");
     const QStringList headers{"Name", "Start", "End"};
     auto* table = child<QTableWidget>(view, "tw_onStatistic");
@@ -124,15 +136,17 @@ TEST_F(PerieventViewTest, StatisticTableCheckPaintsFaultyCellsAndRefuses)
     view.setupProcess(file, {truth.biosensorPath});
     ASSERT_TRUE(view.loadFileData());
     QStringList messages;
-    view.setMessagePresenter([&](const QString&, const QString& message, const QString&, int) { messages << message; });
+    view.setMessagePresenter(
+        [&](const QString&, const QString& message, const QString&, int) { messages << message; });
 
     // Window -2 .. 5: a frame ending at 6 and a frame whose start is not below its end.
     PerieventSideBox* box = view.onsetBox();
     box->cell(0, 2)->setText("6");
     box->addFrame("Late", 3.0, 1.0);
     EXPECT_FALSE(view.run());
-    EXPECT_EQ(messages, QStringList({"Incorrect statistic time frames. Please verify that all the time frames are "
-                                     "well defined."}));
+    EXPECT_EQ(messages,
+              QStringList({"Incorrect statistic time frames. Please verify that all the time frames are "
+                           "well defined."}));
     EXPECT_EQ(box->cell(0, 2)->styleSheet(), "background-color: red;");
     EXPECT_EQ(box->cell(0, 1)->styleSheet(), "");
     EXPECT_EQ(box->cell(2, 1)->styleSheet(), "background-color: red;");
@@ -149,9 +163,10 @@ TEST_F(PerieventViewTest, StatisticTableCheckPaintsFaultyCellsAndRefuses)
     EXPECT_EQ(box->cell(0, 2)->styleSheet(), "");
     const QStringList errors = finished.first().at(2).toStringList();
     ASSERT_TRUE(errors.isEmpty()) << errors.join(' ').toStdString();
-    const test::RawDataset late = test::readRaw(
-        file, "DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1/Biosensor/AUC");
-    EXPECT_EQ(late.attributes.value(D::ColumnNames).toStringList(), QStringList({"Baseline", "Response", "Late"}));
+    const test::RawDataset late =
+        test::readRaw(file, "DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1/Biosensor/AUC");
+    EXPECT_EQ(late.attributes.value(D::ColumnNames).toStringList(),
+              QStringList({"Baseline", "Response", "Late"}));
 }
 
 TEST_F(PerieventViewTest, PreviewIsTheChunkOfTheChosenEvent)
@@ -180,7 +195,8 @@ TEST_F(PerieventViewTest, PreviewIsTheChunkOfTheChosenEvent)
     view.updatePreview();
     double baseline = 0.0;
     int count = 0;
-    for (auto it = preview->plot()->graph(0)->data()->begin(); it != preview->plot()->graph(0)->data()->end(); ++it)
+    for (auto it = preview->plot()->graph(0)->data()->begin(); it != preview->plot()->graph(0)->data()->end();
+         ++it)
         if (it->key <= -1.0) {
             baseline += it->value;
             ++count;
@@ -197,8 +213,8 @@ TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
 
     PerieventResultView view;
     QString error;
-    ASSERT_TRUE(view.load(file, QStringLiteral("DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1/Biosensor"),
-                          error))
+    ASSERT_TRUE(view.load(
+        file, QStringLiteral("DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1/Biosensor"), error))
         << error.toStdString();
     QCPColorMapData* cells = view.heatMap()->colorMap()->data();
     EXPECT_EQ(cells->keySize(), static_cast<int>(matrix.dimensions[1]));
@@ -233,7 +249,8 @@ TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
     DatasetPlugin plugin(QStringLiteral("zarvi"), QStringLiteral("2.0.8.1"), nullptr);
     ASSERT_TRUE(plugin.loadFile(file));
     const int tabs = plugin.viewTabs()->count();
-    EXPECT_EQ(plugin.displayPaths({QStringLiteral("DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1/Biosensor")}),
+    EXPECT_EQ(plugin.displayPaths(
+                  {QStringLiteral("DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1/Biosensor")}),
               1);
     ASSERT_EQ(plugin.viewTabs()->count(), tabs + 1);
     EXPECT_NE(qobject_cast<PerieventResultView*>(plugin.viewTabs()->widget(tabs)), nullptr);

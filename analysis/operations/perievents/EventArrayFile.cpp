@@ -13,7 +13,8 @@ using FD = FileDefinitions;
 bool isUnderKind(const QString& path, const QString& kind)
 {
     const QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    return parts.size() >= 3 && parts[parts.size() - 3] == kind && parts[parts.size() - 2].contains(FD::SeriesText);
+    return parts.size() >= 3 && parts[parts.size() - 3] == kind &&
+           parts[parts.size() - 2].contains(FD::SeriesText);
 }
 
 bool isNumeric(const ElementType& type)
@@ -60,8 +61,9 @@ std::vector<StoredArray> EventArrayFile::eventArrays(const std::vector<DataFileN
 {
     std::vector<StoredArray> arrays;
     for (const DataFileNode& node : nodes) {
-        const bool shape = node.dimensions.size() == 1 ||
-                           (node.dimensions.size() == 2 && (node.dimensions[1] == 1 || node.dimensions[1] == 2));
+        const bool shape =
+            node.dimensions.size() == 1 ||
+            (node.dimensions.size() == 2 && (node.dimensions[1] == 1 || node.dimensions[1] == 2));
         if (node.kind == ObjectKind::Dataset && shape && isNumeric(node.elementType) &&
             isUnderKind(node.path, FD::Events))
             arrays.push_back(storedArray(node));
@@ -85,7 +87,8 @@ std::vector<StoredArray> EventArrayFile::timePeriodArrays(const std::vector<Data
     return arrays;
 }
 
-std::optional<EventArray> EventArrayFile::readEvents(HDF5Manager_V6& file, const QString& path, const QString& name)
+std::optional<EventArray> EventArrayFile::readEvents(HDF5Manager_V6& file, const QString& path,
+                                                     const QString& name)
 {
     std::vector<double> values;
     hsize_t rows = 0, columns = 0;

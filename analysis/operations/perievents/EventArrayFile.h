@@ -41,11 +41,12 @@ public:
 
     /// The events of the array `name` in the group `path`, named "Event1", ... by row;
     /// nullopt when it is missing, not numeric or not [events], [events, 1] or [events, 2].
-    static std::optional<EventArray> readEvents(HDF5Manager_V6& file, const QString& path, const QString& name);
+    static std::optional<EventArray> readEvents(HDF5Manager_V6& file, const QString& path,
+                                                const QString& name);
     /// The periods of the array `name` in the group `path` with their names; nullopt
     /// when it is missing, not [periods, 2] or its names do not pair with the rows.
     static std::optional<TimePeriodArray> readTimePeriods(HDF5Manager_V6& file, const QString& path,
-                                                         const QString& name);
+                                                          const QString& name);
 };
 
 } // namespace zarvi

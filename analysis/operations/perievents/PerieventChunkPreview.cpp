@@ -32,7 +32,8 @@ struct Span
 
 } // namespace
 
-PerieventChunkPreview::Result PerieventChunkPreview::compute(HDF5Manager_V6& file, const QVariantMap& parameters,
+PerieventChunkPreview::Result PerieventChunkPreview::compute(HDF5Manager_V6& file,
+                                                             const QVariantMap& parameters,
                                                              const QString& valuesPath, std::size_t event)
 {
     Result result;

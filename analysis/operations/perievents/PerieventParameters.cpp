@@ -66,7 +66,10 @@ public:
         return true;
     }
 
-    QStringList texts(const QString& key) const { return has(key) ? m_parameters.value(key).toStringList() : QStringList(); }
+    QStringList texts(const QString& key) const
+    {
+        return has(key) ? m_parameters.value(key).toStringList() : QStringList();
+    }
 
     void missing(const QString& key) { m_errors << Z::parameterMissingMessage().arg(key); }
     void invalid(const QString& key) { m_errors << Z::parameterInvalidMessage().arg(key); }
@@ -183,7 +186,8 @@ void readSelection(Reader& reader, PerieventRequest& request)
     double first = 0.0, last = 0.0;
     if (!reader.pair(D::EventRange, first, last))
         return;
-    if (first != std::floor(first) || last != std::floor(last) || std::abs(first) > 1e9 || std::abs(last) > 1e9) {
+    if (first != std::floor(first) || last != std::floor(last) || std::abs(first) > 1e9 ||
+        std::abs(last) > 1e9) {
         reader.invalid(D::EventRange);
         return;
     }

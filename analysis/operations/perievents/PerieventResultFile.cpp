@@ -41,8 +41,9 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
     const hsize_t chunkColumns = std::clamp<hsize_t>(columns, 1, MaxChunkColumns);
     const hsize_t chunkRows =
         std::clamp<hsize_t>(ChunkBytes / (sizeof(double) * chunkColumns), 1, std::max<hsize_t>(rows, 1));
-    const hid_t dataset = file.createDataset(group, ElementKind::Float64, name, 2, {H5S_UNLIMITED, H5S_UNLIMITED},
-                                             {chunkRows, chunkColumns}, {rows, columns}, 0);
+    const hid_t dataset =
+        file.createDataset(group, ElementKind::Float64, name, 2, {H5S_UNLIMITED, H5S_UNLIMITED},
+                           {chunkRows, chunkColumns}, {rows, columns}, 0);
     if (dataset < 0)
         return false;
     std::vector<double> band(static_cast<std::size_t>(std::min(chunkRows, rows) * columns));
@@ -81,7 +82,8 @@ bool writeTime(HDF5Writer_V6& file, hid_t group, const std::vector<double>& time
     return ok;
 }
 
-bool writeDatasetAttributes(HDF5Writer_V6& file, hid_t group, const QString& name, const QVariantMap& attributes)
+bool writeDatasetAttributes(HDF5Writer_V6& file, hid_t group, const QString& name,
+                            const QVariantMap& attributes)
 {
     const hid_t dataset = file.openDataset(group, name);
     const bool ok = dataset >= 0 && writeAttributes(file, dataset, attributes);
@@ -102,8 +104,8 @@ bool readMatrix(HDF5Manager_V6& file, hid_t dataset, arma::mat& matrix)
     return true;
 }
 
-QVariantMap readDataset(HDF5Manager_V6& file, const QString& path, arma::mat* matrix, std::vector<double>* vector,
-                        bool& ok)
+QVariantMap readDataset(HDF5Manager_V6& file, const QString& path, arma::mat* matrix,
+                        std::vector<double>* vector, bool& ok)
 {
     const hid_t dataset = file.openDataset(file.fileId(), path);
     ok = dataset >= 0;
@@ -130,7 +132,8 @@ QString PerieventResultNames::statisticTitle(const QString& statistic) const
     return side.isEmpty() ? title : D::QualifiedNamePattern.arg(title, side);
 }
 
-QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group, const PerieventSideResult& result,
+QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
+                                   const PerieventSideResult& result,
                                    const std::vector<ChunkStatistic::Kind>& statistics, double windowStart,
                                    double windowEnd, const QString& unit, const PerieventResultNames& names,
                                    const QVariantMap& attributes, QString& error, Feedback* feedback)
@@ -241,8 +244,8 @@ bool PerieventResultFile::read(HDF5Manager_V6& file, const QString& path, Stored
 
 bool PerieventResultFile::isMatrix(const DataFileNode& node)
 {
-    return node.kind == ObjectKind::Dataset && node.name == D::PerieventMatrix && node.dimensions.size() == 2 &&
-           node.attributes.value(D::RowLabel).toString() == D::TrialsAxis &&
+    return node.kind == ObjectKind::Dataset && node.name == D::PerieventMatrix &&
+           node.dimensions.size() == 2 && node.attributes.value(D::RowLabel).toString() == D::TrialsAxis &&
            node.attributes.contains(D::ColumnRange);
 }
 

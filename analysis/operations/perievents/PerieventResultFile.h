@@ -83,7 +83,8 @@ public:
                          const QVariantMap& attributes, QString& error, Feedback* feedback);
 
     /// Reads the result whose matrix is at `path`, or held by the group at `path`.
-    static bool read(HDF5Manager_V6& file, const QString& path, StoredPerieventResult& result, QString& error);
+    static bool read(HDF5Manager_V6& file, const QString& path, StoredPerieventResult& result,
+                     QString& error);
 
     /// Whether a node of the file's tree is a saved perievent matrix.
     static bool isMatrix(const DataFileNode& node);

@@ -91,9 +91,8 @@ PerieventSideBox::PerieventSideBox(const QString& prefix, const QString& title, 
     layout->addLayout(buttons, 2, 0, 1, 2);
     layout->addWidget(m_table, 3, 0, 1, 2);
 
-    connect(m_add, &QToolButton::clicked, this, [this] {
-        addFrame(D::defaultFrameName().arg(frameCount() + 1), windowStart(), windowEnd());
-    });
+    connect(m_add, &QToolButton::clicked, this,
+            [this] { addFrame(D::defaultFrameName().arg(frameCount() + 1), windowStart(), windowEnd()); });
     connect(m_remove, &QToolButton::clicked, this, &PerieventSideBox::removeSelectedRows);
     for (QDoubleSpinBox* box : {m_start, m_end})
         connect(box, &QDoubleSpinBox::valueChanged, this, &PerieventSideBox::windowChanged);

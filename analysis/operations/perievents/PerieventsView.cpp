@@ -64,12 +64,14 @@ void fillArrays(QComboBox* box, const std::vector<StoredArray>& arrays, const QS
     box->clear();
     box->addItems(leading);
     for (std::size_t i = 0; i < arrays.size(); ++i) {
-        const bool repeated = std::count_if(arrays.begin(), arrays.end(),
-                                            [&](const StoredArray& a) { return a.name == arrays[i].name; }) > 1;
+        const bool repeated = std::count_if(arrays.begin(), arrays.end(), [&](const StoredArray& a) {
+                                  return a.name == arrays[i].name;
+                              }) > 1;
         box->addItem(repeated ? D::QualifiedNamePattern.arg(arrays[i].name, arrays[i].path) : arrays[i].name);
         box->setItemData(box->count() - 1, arrays[i].path, PathRole);
         box->setItemData(box->count() - 1, static_cast<int>(i), IndexRole);
-        box->setItemData(box->count() - 1, arrays[i].path + QLatin1Char('/') + arrays[i].name, Qt::ToolTipRole);
+        box->setItemData(box->count() - 1, arrays[i].path + QLatin1Char('/') + arrays[i].name,
+                         Qt::ToolTipRole);
     }
     if (const int index = box->findText(kept); index >= 0)
         box->setCurrentIndex(index);
@@ -201,8 +203,8 @@ QWidget* PerieventsView::buildNormalize()
     m_normalizeMethod = comboBox(box, "cb_normalizeMethod", {D::Mean, D::StandardZScore, D::ModifiedZScore});
     m_normalizeSource = comboBox(box, "cb_normalizeSource", {D::CurrentEvent, D::otherEventLabel()});
     m_normalizeEvent = comboBox(box, "cb_normalizeEvent");
-    for (QWidget* widget : std::initializer_list<QWidget*>{m_normalizeStart, m_normalizeEnd, m_normalizeMethod,
-                                                            m_normalizeSource, m_normalizeEvent})
+    for (QWidget* widget : std::initializer_list<QWidget*>{
+             m_normalizeStart, m_normalizeEnd, m_normalizeMethod, m_normalizeSource, m_normalizeEvent})
         widget->setToolTip(D::normalizeDetailedTooltip());
     grid->addWidget(m_normalize, 0, 0);
     grid->addWidget(m_normalizeStart, 0, 1);
@@ -360,8 +362,8 @@ void PerieventsView::updateEnabled()
     m_onset->setEnabled(takesOnset());
     m_offset->setEnabled(takesOffset());
     const bool normalize = m_normalize->isChecked();
-    for (QWidget* widget : std::initializer_list<QWidget*>{m_normalizeStart, m_normalizeEnd, m_normalizeMethod,
-                                                            m_normalizeSource})
+    for (QWidget* widget : std::initializer_list<QWidget*>{m_normalizeStart, m_normalizeEnd,
+                                                           m_normalizeMethod, m_normalizeSource})
         widget->setEnabled(normalize);
     m_normalizeEvent->setEnabled(normalize && m_normalizeSource->currentIndex() == 1);
     const bool select = m_selectEvents->isChecked();
@@ -409,7 +411,8 @@ QVariantMap PerieventsView::currentParameters() const
     }
     // The unprefixed keys hold the side taken, the onset side when both are.
     const bool both = takesOnset() && takesOffset();
-    const PerieventSideBox* first = takesOnset() || !currentEvent() || !currentEvent()->hasOffsets ? m_onset : m_offset;
+    const PerieventSideBox* first =
+        takesOnset() || !currentEvent() || !currentEvent()->hasOffsets ? m_onset : m_offset;
     const auto addSide = [&](const PerieventSideBox* box, const QString& window, const QString& frames,
                              const QString& names) {
         parameters.insert(window, QVariantList{box->windowStart(), box->windowEnd()});
@@ -420,7 +423,8 @@ QVariantMap PerieventsView::currentParameters() const
     };
     addSide(first, D::PerieventTimeFrame, D::StatisticTimeFrames, D::TimeFramesNames);
     if (both && currentEvent() && currentEvent()->hasOffsets)
-        addSide(m_offset, D::OffsetPerieventTimeFrame, D::OffsetStatisticTimeFrames, D::OffsetTimeFramesNames);
+        addSide(m_offset, D::OffsetPerieventTimeFrame, D::OffsetStatisticTimeFrames,
+                D::OffsetTimeFramesNames);
 
     QStringList statistics;
     for (int row = 0; row < m_statistics->count(); ++row)
@@ -429,7 +433,8 @@ QVariantMap PerieventsView::currentParameters() const
     if (!statistics.isEmpty())
         parameters.insert(D::Statistics, statistics);
     if (m_normalize->isChecked()) {
-        parameters.insert(D::NormalizeWindow, QVariantList{m_normalizeStart->value(), m_normalizeEnd->value()});
+        parameters.insert(D::NormalizeWindow,
+                          QVariantList{m_normalizeStart->value(), m_normalizeEnd->value()});
         parameters.insert(D::NormalizeMethod, m_normalizeMethod->currentText());
         if (m_normalizeSource->currentIndex() == 1 && m_normalizeEvent->currentIndex() >= 0) {
             const StoredArray& baseline = m_events[m_normalizeEvent->currentData(IndexRole).toInt()];
@@ -462,8 +467,8 @@ bool PerieventsView::buildParameters(QVariantMap& parameters)
     const bool onsetGood = !m_onset->isEnabled() || m_onset->check();
     const bool offsetGood = !m_offset->isEnabled() || m_offset->check();
     if (!onsetGood || !offsetGood) {
-        onMessageReceived(ZarviMainDefinitions::errorOperationTitle(), D::incorrectTimeFramesMessage(), QString(),
-                          QMessageBox::Warning);
+        onMessageReceived(ZarviMainDefinitions::errorOperationTitle(), D::incorrectTimeFramesMessage(),
+                          QString(), QMessageBox::Warning);
         return false;
     }
     parameters = currentParameters();

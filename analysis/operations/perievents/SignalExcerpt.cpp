@@ -21,7 +21,8 @@ QString timePath(const QString& valuesPath)
 class Dataset
 {
 public:
-    Dataset(HDF5Manager_V6& file, const QString& path) : m_file(file), m_id(file.openDataset(file.fileId(), path))
+    Dataset(HDF5Manager_V6& file, const QString& path)
+        : m_file(file), m_id(file.openDataset(file.fileId(), path))
     {
         const std::vector<hsize_t> dims = m_id >= 0 ? file.dimensions(m_id) : std::vector<hsize_t>();
         m_size = dims.size() == 1 ? static_cast<std::size_t>(dims[0]) : 0;
@@ -83,7 +84,8 @@ std::optional<SignalExcerpt::Extent> SignalExcerpt::extent(HDF5Manager_V6& file,
     return ok ? std::optional<Extent>(extent) : std::nullopt;
 }
 
-bool SignalExcerpt::read(HDF5Manager_V6& file, const QString& valuesPath, double from, double to, Signal& excerpt)
+bool SignalExcerpt::read(HDF5Manager_V6& file, const QString& valuesPath, double from, double to,
+                         Signal& excerpt)
 {
     excerpt = Signal{};
     Dataset time(file, timePath(valuesPath));

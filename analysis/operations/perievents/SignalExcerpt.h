@@ -31,7 +31,8 @@ public:
     /// Their place is estimated from the mean sample rate and checked against the stored
     /// times; where the rate is uneven, a search over the times finds it. False when the
     /// signal cannot be read; an empty excerpt when no sample lies in the range.
-    static bool read(HDF5Manager_V6& file, const QString& valuesPath, double from, double to, Signal& excerpt);
+    static bool read(HDF5Manager_V6& file, const QString& valuesPath, double from, double to,
+                     Signal& excerpt);
 };
 
 } // namespace zarvi

@@ -24,7 +24,8 @@ TrialAverage TrialAverage::of(const arma::mat& trials)
             squares += (column[k] - mean) * (column[k] - mean);
         average.mean[j] = mean;
         if (rows > 1)
-            average.sem[j] = std::sqrt(squares / static_cast<double>(rows - 1)) / std::sqrt(static_cast<double>(rows));
+            average.sem[j] =
+                std::sqrt(squares / static_cast<double>(rows - 1)) / std::sqrt(static_cast<double>(rows));
     }
     return average;
 }
