@@ -3,11 +3,14 @@
 // baseline, three statistic time frames. The file is read, the analysis computed and
 // the 1000 x 15001 matrix with its statistics written back. Each iteration times the
 // command on a fresh copy of the input, then a memcpy of the same matrix bytes; the
-// ratio is reported as "x_memcpy".
+// ratio is reported as "x_memcpy". The same run inside this process shows what the
+// start of the program costs.
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "framework/OperationRunner.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -125,7 +128,58 @@ void BM_PerieventOperationCli(benchmark::State& state)
     state.counters["x_memcpy"] = operation / copy;
 }
 
+/// The same run inside this process through the OperationRunner: the command without
+/// the start of a program.
+void BM_PerieventOperationInProcess(benchmark::State& state)
+{
+    QTemporaryDir dir;
+    const QString input = dir.filePath(QStringLiteral("input.orvel"));
+    const QString work = dir.filePath(QStringLiteral("work.orvel"));
+    if (!writeInput(input)) {
+        state.SkipWithError("cannot write the input file");
+        return;
+    }
+    QVariantMap request = QJsonDocument::fromJson(parameters()).object().toVariantMap();
+    request.insert(QStringLiteral("Operations"), D::Perievents);
+    std::vector<double> source(MatrixDoubles, 1.0);
+    std::vector<double> target(MatrixDoubles, 0.0);
+    double operation = 0.0;
+    double copy = 0.0;
+    for (auto _ : state) {
+        QFile::remove(work);
+        QFile::copy(input, work);
+        OperationRunner runner;
+        auto start = Clock::now();
+        const RunResult result = runner.run(request, work, {SignalGroup + QStringLiteral("/Signal")});
+        const double elapsed = seconds(start);
+        if (!result.succeeded()) {
+            state.SkipWithError(result.errors.join(QLatin1Char(' ')).toUtf8().constData());
+            return;
+        }
+        operation += elapsed;
+        state.SetIterationTime(elapsed);
+        start = Clock::now();
+        std::memcpy(target.data(), source.data(), MatrixDoubles * sizeof(double));
+        benchmark::DoNotOptimize(target.data());
+        copy += seconds(start);
+    }
+    const double iterations = static_cast<double>(state.iterations());
+    state.counters["seconds"] = operation / iterations;
+    state.counters["memcpy_ms"] = 1e3 * copy / iterations;
+    state.counters["x_memcpy"] = operation / copy;
+}
+
 } // namespace
 
 BENCHMARK(BM_PerieventOperationCli)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
-BENCHMARK_MAIN();
+BENCHMARK(BM_PerieventOperationInProcess)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char** argv)
+{
+    // The in-process runner needs an application object for its event loop.
+    QCoreApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
