@@ -202,6 +202,38 @@ TEST_F(PerieventOperationTest, BothSidesGoToTheirOwnGroups)
                 << r << ", " << j;
 }
 
+TEST_F(PerieventOperationTest, SelectsTheEventsOfANamedTimePeriod)
+{
+    // Periods "Light" over the first and third minute, "Dark" over the second.
+    const QString periods = QStringLiteral("DataBehavior/Box/TimePeriods/Series1");
+    test::writeEventArray(file, periods, QStringLiteral("Phases"), {0.0, 60.0, 60.0, 120.0, 120.0, 180.0}, 2);
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        const hid_t dataset = writer.openDataset(writer.fileId(), periods + QStringLiteral("/Phases"));
+        ASSERT_TRUE(writer.writeAttribute(dataset, FD::PeriodNames, QStringList({"Light", "Dark", "Light"})));
+        writer.closeDataset(dataset);
+    }
+    QVariantMap parameters = test::demoParameters(truth);
+    parameters.insert(D::SelectEvents, 1);
+    parameters.insert(D::TimePeriodPath, periods);
+    parameters.insert(D::TimePeriod, QStringLiteral("Phases"));
+    parameters.insert(D::TimePeriodName, QStringLiteral("Dark"));
+    const RunResult result = run(parameters, {truth.biosensorPath});
+    ASSERT_TRUE(result.succeeded()) << result.errors.join(' ').toStdString();
+    QStringList expected;
+    for (std::size_t k = 0; k < truth.eventOnsets.size(); ++k)
+        if (truth.eventOnsets[k] >= 60.0 && truth.eventOnsets[k] <= 120.0)
+            expected << QStringLiteral("Event%1").arg(k + 1);
+    ASSERT_FALSE(expected.isEmpty());
+    EXPECT_EQ(test::readRaw(file, result.datapaths[0]).attributes.value(D::RowNames).toStringList(),
+              expected);
+
+    parameters.insert(D::TimePeriodName, QStringLiteral("Dusk"));
+    EXPECT_EQ(run(parameters, {truth.biosensorPath}).errors,
+              QStringList({"Cannot pick selected events Dusk."}));
+}
+
 TEST_F(PerieventOperationTest, FailuresWriteNothing)
 {
     QVariantMap parameters = test::demoParameters(truth);
