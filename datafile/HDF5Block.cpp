@@ -58,15 +58,19 @@ HDF5Block::HDF5Block(hid_t dataset, const std::vector<hsize_t>& start, const std
         }
         m_elements = count[i] != 0 && m_elements > largest / count[i] ? largest : m_elements * count[i];
     }
-    if (m_elements == 0)
-        return;
-    if (rank > 0 && H5Sselect_hyperslab(m_fileSpace.get(), H5S_SELECT_SET, start.data(), nullptr,
-                                        count.data(), nullptr) < 0) {
-        m_problem = QStringLiteral("Unable to select a block of dataset %1").arg(name());
-        return;
-    }
-    m_memorySpace = HDF5Handle(
-        rank == 0 ? H5Screate(H5S_SCALAR) : H5Screate_simple(rank, count.data(), nullptr), H5Sclose);
+}
+
+bool HDF5Block::selectInFile() const
+{
+    if (m_memorySpace.valid())
+        return true;
+    if (!m_start.empty() && H5Sselect_hyperslab(m_fileSpace.get(), H5S_SELECT_SET, m_start.data(), nullptr,
+                                                m_count.data(), nullptr) < 0)
+        return false;
+    m_memorySpace = HDF5Handle(m_start.empty() ? H5Screate(H5S_SCALAR)
+                                               : H5Screate_simple(static_cast<int>(m_count.size()), m_count.data(), nullptr),
+                               H5Sclose);
+    return m_memorySpace.valid();
 }
 
 bool HDF5Block::isWholeChunk(hid_t memoryType) const
@@ -97,7 +101,7 @@ bool HDF5Block::read(hid_t memoryType, void* out) const
     if (out && isWholeChunk(memoryType) &&
         H5Dread_chunk(m_dataset, H5P_DEFAULT, m_start.data(), &filters, out) >= 0)
         return true;
-    return out &&
+    return out && selectInFile() &&
            H5Dread(m_dataset, memoryType, m_memorySpace.get(), m_fileSpace.get(), H5P_DEFAULT, out) >= 0;
 }
 
@@ -113,7 +117,7 @@ bool HDF5Block::write(hid_t memoryType, const void* data) const
         // later overwriting what goes straight to the file here.
         return H5Dwrite_chunk(m_dataset, H5P_DEFAULT, 0, m_start.data(), bytes, data) >= 0;
     }
-    return data &&
+    return data && selectInFile() &&
            H5Dwrite(m_dataset, memoryType, m_memorySpace.get(), m_fileSpace.get(), H5P_DEFAULT, data) >= 0;
 }
 

@@ -35,12 +35,15 @@ private:
     /// buffer, past the chunk cache and type conversion (a frame of a stack, an
     /// aligned range of a stream).
     bool isWholeChunk(hid_t memoryType) const;
+    /// Selects the block in the file's dataspace for an ordinary read or write
+    /// (whole chunks need no selection).
+    bool selectInFile() const;
 
     hid_t m_dataset;
     std::vector<hsize_t> m_start;
     std::vector<hsize_t> m_count;
     HDF5Handle m_fileSpace;
-    HDF5Handle m_memorySpace{H5I_INVALID_HID, H5Sclose};
+    mutable HDF5Handle m_memorySpace{H5I_INVALID_HID, H5Sclose};
     hsize_t m_elements = 0;
     QString m_problem;
 };

@@ -436,9 +436,14 @@ bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& co
     if (!isValidDataset(dataset))
         return false;
     const auto name = [dataset] { return pathOf(dataset); };
-    const HDF5Block block(dataset, std::vector<hsize_t>(count.size(), 0), count);
-    if (!block.problem().isEmpty()) {
-        setError(block.problem());
+    // Only the sizes are checked here, cheaply: the block's place in the extent is
+    // checked when it is selected for the read itself.
+    const std::vector<hsize_t> dims = dimensions(dataset);
+    if (dims.size() != count.size()) {
+        setError(QStringLiteral("Dataset %1 has rank %2 but the request has rank %3")
+                     .arg(name())
+                     .arg(dims.size())
+                     .arg(count.size()));
         return false;
     }
     const HDF5Handle type(H5Dget_type(dataset), H5Tclose);
@@ -449,18 +454,20 @@ bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& co
     }
     // Refuse before allocating: a file may claim an extent that no machine can hold.
     constexpr hsize_t largest = std::numeric_limits<hsize_t>::max();
-    if (elementBytes != 0 && block.elements() > largest / elementBytes) {
+    hsize_t requested = 1;
+    for (const hsize_t c : count)
+        requested = c != 0 && requested > largest / c ? largest : requested * c;
+    if (elementBytes != 0 && requested > largest / elementBytes) {
         setError(
             QStringLiteral("Dataset %1 is too large to read (more than %2 bytes)").arg(name()).arg(largest));
         return false;
     }
-    const hsize_t bytes = block.elements() * elementBytes;
-    if (bytes > physicalMemoryBytes() ||
-        block.elements() > static_cast<hsize_t>(std::numeric_limits<std::ptrdiff_t>::max())) {
+    const hsize_t bytes = requested * elementBytes;
+    if (bytes > physicalMemoryBytes() || requested > static_cast<hsize_t>(std::numeric_limits<std::ptrdiff_t>::max())) {
         setError(QStringLiteral("Dataset %1 is too large to read (%2 bytes)").arg(name()).arg(bytes));
         return false;
     }
-    elements = block.elements();
+    elements = requested;
     return true;
 }
 
