@@ -1,4 +1,5 @@
 #include "RecordingFeedback.h"
+#include "common/SampleStatistics.h"
 
 #include "definitions/SignalOperationDefinitions.h"
 #include "signal/operations/photometry/PhotometryDeltaF.h"
@@ -16,18 +17,6 @@ namespace {
 
 using Defs = SignalOperationDefinitions;
 using Signal = PhotometryDeltaF::Signal;
-
-double sampleDeviation(const std::vector<double>& v)
-{
-    double mean = 0.0;
-    for (const double x : v)
-        mean += x;
-    mean /= static_cast<double>(v.size());
-    double squares = 0.0;
-    for (const double x : v)
-        squares += (x - mean) * (x - mean);
-    return std::sqrt(squares / static_cast<double>(v.size() - 1));
-}
 
 /// An isosbestic-like signal: a slow decay with a wobble, 100 Hz, 20 s.
 Signal isosbesticSignal(std::size_t n = 2000)
@@ -72,8 +61,8 @@ TEST(RansacLineFit, FollowsTheIterationRuleAndRejectsInadmissiblePairs)
     // A negatively correlated pair still gets a flat or rising line, never steeper than sd(y)/sd(x),
     // and never one through two samples that are close in both x and y (those would make nearly
     // every residual tiny, since residuals scale with the distance of the two samples).
-    const double sx = sampleDeviation(x);
-    const double sy = sampleDeviation(y);
+    const double sx = test::sampleDeviation(x);
+    const double sy = test::sampleDeviation(y);
     for (int run = 0; run < 5; ++run) {
         const RansacLineFit::Result fit = RansacLineFit::fit(x, y, 0.3, nullptr);
         ASSERT_TRUE(fit.outcome.ok());
@@ -141,7 +130,7 @@ TEST(PhotometryDeltaF, GivesARatioOnRawSignalsAndADifferenceOtherwise)
         for (const double x : v)
             mean += x;
         mean /= static_cast<double>(v.size());
-        const double sd = sampleDeviation(v);
+        const double sd = test::sampleDeviation(v);
         std::vector<double> out;
         for (const double x : v)
             out.push_back((x - mean) / sd);

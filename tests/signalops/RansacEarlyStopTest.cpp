@@ -1,4 +1,5 @@
 #include "signal/operations/photometry/RansacLineFit.h"
+#include "common/SampleStatistics.h"
 
 #include <gtest/gtest.h>
 
@@ -17,23 +18,11 @@ struct Model
     long long iterations = 0;
 };
 
-double deviation(const std::vector<double>& v)
-{
-    double mean = 0.0;
-    for (const double x : v)
-        mean += x;
-    mean /= static_cast<double>(v.size());
-    double squares = 0.0;
-    for (const double x : v)
-        squares += (x - mean) * (x - mean);
-    return std::sqrt(squares / static_cast<double>(v.size() - 1));
-}
-
 /// The fit written out plainly: every model counted over every sample.
 Model plainFit(const std::vector<double>& x, const std::vector<double>& y, double threshold)
 {
     const std::size_t n = x.size();
-    const double sx = deviation(x), sy = deviation(y);
+    const double sx = test::sampleDeviation(x), sy = test::sampleDeviation(y);
     const auto draw = [n] {
         return static_cast<std::size_t>(((std::rand() >> 16) & 0x7FFF) / 32767.0 * (n - 1));
     };
