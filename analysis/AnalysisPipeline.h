@@ -1,7 +1,7 @@
 #pragma once
 
+#include "analysis/AnalysisOperationDialog.h"
 #include "framework/AbstractPipeline.h"
-#include "framework/OperationDialog.h"
 
 namespace zarvi {
 

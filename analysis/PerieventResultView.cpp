@@ -3,8 +3,8 @@
 #include "analysis/PerieventExport.h"
 #include "analysis/PerieventHeatMap.h"
 #include "analysis/PerieventTracePlot.h"
-#include "app/browser/GuiFileRead.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "framework/LockedFileRead.h"
 
 #include <QFileDialog>
 #include <QHBoxLayout>
@@ -71,7 +71,7 @@ bool PerieventResultView::load(const QString& filepath, const QString& path, QSt
 {
     StoredPerieventResult result;
     {
-        GuiFileRead read(filepath);
+        LockedFileRead read(filepath);
         if (!read.isOpen()) {
             error = read.error();
             return false;

@@ -1,10 +1,21 @@
+#include "analysis/AnalysisOperationViews.h"
+#include "analysis/AnalysisOperations.h"
 #include "app/ApplicationStartup.h"
+#include "framework/OperationRegistry.h"
+#include "framework/OperationViewRegistry.h"
+#include "signal/SignalOperationViews.h"
+#include "signal/SignalOperations.h"
 
 #include <QApplication>
 
 int main(int argc, char* argv[])
 {
     QApplication application(argc, argv);
+    // Each family brings its operations and their views; nothing central lists them.
+    zarvi::registerSignalOperations(zarvi::OperationRegistry::instance());
+    zarvi::registerAnalysisOperations(zarvi::OperationRegistry::instance());
+    zarvi::registerSignalOperationViews(zarvi::OperationViewRegistry::instance());
+    zarvi::registerAnalysisOperationViews(zarvi::OperationViewRegistry::instance());
     zarvi::ApplicationStartup startup(application);
     return startup.run();
 }

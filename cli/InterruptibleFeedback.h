@@ -5,7 +5,7 @@
 #include <csignal>
 
 #include "cli/TerminalProgress.h"
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 namespace zarvi {
 

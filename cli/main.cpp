@@ -1,9 +1,13 @@
+#include "analysis/AnalysisOperations.h"
 #include "cli/ConvertCommand.h"
 #include "cli/DemoCommand.h"
 #include "cli/ExportCommand.h"
+#include "cli/HelpCommand.h"
 #include "cli/InfoCommand.h"
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/OperationRegistry.h"
+#include "signal/SignalOperations.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
@@ -15,6 +19,8 @@ const char* usage =
     "commands:\n"
     "  info FILE                 classification, root attributes and tree of a data file\n"
     "  demo OUT.orvel [--seed N] write the synthetic demo recording\n"
+    "  ops                       list the operations by family\n"
+    "  help NAME                 an operation's parameters, their kinds, units, defaults and ranges\n"
     "  run FILE --operation NAME --params PARAMS.json --data PATH...\n"
     "  run FILE --pipeline PIPELINE.json --data PATH...\n"
     "                            run operations headless (Ctrl-C cancels)\n"
@@ -37,6 +43,9 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(zarvi::ZarviMainDefinitions::ApplicationName);
     QCoreApplication::setApplicationVersion(zarvi::ZarviMainDefinitions::VersionText);
 
+    zarvi::registerSignalOperations(zarvi::OperationRegistry::instance());
+    zarvi::registerAnalysisOperations(zarvi::OperationRegistry::instance());
+
     QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.isEmpty() || arguments.first() == QStringLiteral("--help") ||
         arguments.first() == QStringLiteral("-h")) {
@@ -48,6 +57,10 @@ int main(int argc, char* argv[])
         return zarvi::InfoCommand::run(arguments);
     if (command == QStringLiteral("demo"))
         return zarvi::DemoCommand::run(arguments);
+    if (command == QStringLiteral("ops"))
+        return zarvi::HelpCommand::listOperations();
+    if (command == QStringLiteral("help"))
+        return zarvi::HelpCommand::describe(arguments);
     if (command == QStringLiteral("run"))
         return zarvi::RunCommand::run(arguments);
     if (command == QStringLiteral("convert"))

@@ -1,9 +1,9 @@
 #include "datafile/DemoRecording.h"
 
+#include "datafile/Feedback.h"
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/FileDefinitions.h"
-#include "framework/Feedback.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -39,8 +39,8 @@ double transientPeakTime()
 
 double transientShape(double tau)
 {
-    static const double peak = std::exp(-transientPeakTime() / transientDecay) -
-                               std::exp(-transientPeakTime() / transientRise);
+    static const double peak =
+        std::exp(-transientPeakTime() / transientDecay) - std::exp(-transientPeakTime() / transientRise);
     if (tau < 0.0)
         return 0.0;
     return (std::exp(-tau / transientDecay) - std::exp(-tau / transientRise)) / peak;
@@ -74,8 +74,9 @@ bool writePhotometry(HDF5Writer_V6& file, const DemoSettings& s, std::mt19937& r
     for (double onset : truth.eventOnsets) {
         const auto first = static_cast<std::size_t>(std::ceil(onset * s.photometryRate));
         for (std::size_t k = first; k < std::min(n, first + transientSamples); ++k)
-            transient[k] += truth.transientAmplitude *
-                            transientShape(static_cast<double>(k) / s.photometryRate - onset - transientDelay);
+            transient[k] +=
+                truth.transientAmplitude *
+                transientShape(static_cast<double>(k) / s.photometryRate - onset - transientDelay);
     }
     std::normal_distribution<double> noise(0.0, 0.003);
     for (std::size_t k = 0; k < n; ++k) {
@@ -85,12 +86,13 @@ bool writePhotometry(HDF5Writer_V6& file, const DemoSettings& s, std::mt19937& r
             artefact -= 0.08 * std::exp(-0.5 * ((t - a) / 0.8) * ((t - a) / 0.8));
         iso.time[k] = t;
         iso.values[k] = 1.2 * (0.6 + 0.4 * std::exp(-t / 180.0)) * artefact + noise(rng);
-        bio.values[k] = 2.0 * (0.5 + 0.5 * std::exp(-t / 150.0)) * artefact * (1.0 + transient[k]) + noise(rng);
+        bio.values[k] =
+            2.0 * (0.5 + 0.5 * std::exp(-t / 150.0)) * artefact * (1.0 + transient[k]) + noise(rng);
     }
     bio.time = iso.time;
 
-    const QString series = join({FD::DataAcquisition, QStringLiteral("FiberPhotometry"), FD::Signals,
-                                 FD::SeriesPattern.arg(1)});
+    const QString series =
+        join({FD::DataAcquisition, QStringLiteral("FiberPhotometry"), FD::Signals, FD::SeriesPattern.arg(1)});
     const QString isoGroup = series + QStringLiteral("/Isosbestic");
     const QString bioGroup = series + QStringLiteral("/Biosensor");
     if (!SignalDataset::write(file, isoGroup, iso, {{FD::Username, QStringLiteral("Isosbestic")}}, error) ||
@@ -100,13 +102,14 @@ bool writePhotometry(HDF5Writer_V6& file, const DemoSettings& s, std::mt19937& r
     truth.biosensorPath = SignalDataset::valuesPath(bioGroup);
 
     // Event array: one row per event, onset then offset, seconds.
-    truth.eventPath = join({FD::DataAcquisition, QStringLiteral("FiberPhotometry"), FD::Events,
-                            FD::SeriesPattern.arg(1)});
+    truth.eventPath =
+        join({FD::DataAcquisition, QStringLiteral("FiberPhotometry"), FD::Events, FD::SeriesPattern.arg(1)});
     truth.eventName = QStringLiteral("Stimulus");
     const hid_t group = file.createGroupPath(file.fileId(), truth.eventPath);
     const hsize_t events = truth.eventOnsets.size();
-    const hid_t dataset = file.createDataset(group, ElementKind::Float64, truth.eventName, 2, {H5S_UNLIMITED, 2},
-                                             {std::max<hsize_t>(events, 1), 2}, {events, 2}, 0);
+    const hid_t dataset =
+        file.createDataset(group, ElementKind::Float64, truth.eventName, 2, {H5S_UNLIMITED, 2},
+                           {std::max<hsize_t>(events, 1), 2}, {events, 2}, 0);
     std::vector<double> rows;
     for (std::size_t k = 0; k < events; ++k) {
         rows.push_back(truth.eventOnsets[k]);
@@ -209,7 +212,8 @@ bool writeVideo(HDF5Writer_V6& file, const QString& dataFilePath, const DemoSett
                 QString& error)
 {
     const QFileInfo info(dataFilePath);
-    truth.videoFilePath = info.absoluteDir().filePath(info.completeBaseName() + QStringLiteral("_behavior.avi"));
+    truth.videoFilePath =
+        info.absoluteDir().filePath(info.completeBaseName() + QStringLiteral("_behavior.avi"));
     truth.videoFrameRate = s.videoFrameRate;
     truth.videoFrames = s.videoFrames;
     cv::VideoWriter writer(QFile::encodeName(truth.videoFilePath).toStdString(),
@@ -242,7 +246,8 @@ bool writeVideo(HDF5Writer_V6& file, const QString& dataFilePath, const DemoSett
     truth.videoGroupPath = join({FD::DataConverted, QStringLiteral("BehaviorCamera"), FD::Video,
                                  FD::SeriesPattern.arg(1), FD::VideoPattern.arg(1)});
     const hid_t group = file.createGroupPath(file.fileId(), truth.videoGroupPath);
-    const hid_t time = file.create1D(group, ElementKind::Float64, FD::Time, static_cast<hsize_t>(s.videoFrames));
+    const hid_t time =
+        file.create1D(group, ElementKind::Float64, FD::Time, static_cast<hsize_t>(s.videoFrames));
     std::vector<double> times(static_cast<std::size_t>(s.videoFrames));
     for (std::size_t k = 0; k < times.size(); ++k)
         times[k] = static_cast<double>(k) / s.videoFrameRate;

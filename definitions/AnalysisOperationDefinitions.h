@@ -118,6 +118,38 @@ public:
                   "per-trial average is also available to highlight how the signal changes globally in "
                   "response to the event.");
     }
+    // Labels and tooltips of the keys that have no field of their own in the dialog.
+    static QString eventPathLabel() { return tr("Event group"); }
+    static QString eventPathTooltip()
+    {
+        return tr("Data path of the group holding the analysed event array.");
+    }
+    static QString eventTooltip() { return tr("Name of the analysed event array."); }
+    static QString plainEventsLabel() { return tr("Plain events"); }
+    static QString plainEventsTooltip()
+    {
+        return tr("1 reads the chosen side of an onset/offset array as plain events (Only Onsets, Only "
+                  "Offsets).");
+    }
+    static QString timeFramesNamesLabel() { return tr("Time frame names"); }
+    static QString timeFramesNamesTooltip() { return tr("One name per statistic time frame."); }
+    static QString offsetTimeFrameLabel() { return tr("Offset time frame"); }
+    static QString offsetStatisticTimeFramesLabel() { return tr("Offset statistic time frames"); }
+    static QString offsetTimeFramesNamesLabel() { return tr("Offset time frame names"); }
+    static QString eventRangeTooltip() { return tr("First and last event number, counted from 1."); }
+    static QString timePeriodTooltip()
+    {
+        return tr("Event array (with its group and the name of the period) whose periods select the events.");
+    }
+    static QString timePeriodPathLabel() { return tr("Time period group"); }
+    static QString timePeriodNameLabel() { return tr("Time period name"); }
+    static QString normalizeEventTooltip()
+    {
+        return tr("Events whose chunks give the baselines; \"Current Event\" or absent uses the analysed "
+                  "chunks.");
+    }
+    static QString normalizeEventPathLabel() { return tr("Normalization event group"); }
+
     static QString perieventsWindowTitle() { return tr("Perievents Parameters"); }
     static QString eventLabel() { return tr("Event"); }
     static QString onsetOffsetLabel() { return tr("Onset/Offset"); }

@@ -85,6 +85,7 @@ public:
     // Progress labels.
     static QString applyingFilterLabel() { return tr("Applying filter..."); }
     static QString calculatingFilterResponseLabel() { return tr("Calculating filter response..."); }
+    static QString calculatingSpectrumLabel() { return tr("Calculating the signal's spectrum..."); }
     static QString decimatingSignalLabel() { return tr("Decimating signal..."); }
     static QString discardingBeginningLabel() { return tr("Discarding the beginning of the signals..."); }
     static QString discardingEndLabel() { return tr("Discarding the end of the signals..."); }
@@ -137,7 +138,79 @@ public:
     static QString previewSignalLabel() { return tr("Preview signal"); }
     static QString previewButtonText() { return tr("Preview"); }
 
+    // What each operation does, for its button and the command-line help.
+    static QString filterDescription()
+    {
+        return tr("Order-10 Butterworth low-pass, high-pass, band-pass or band-stop filter, applied forward "
+                  "and backward so that it shifts no phase.");
+    }
+    static QString smoothDescription()
+    {
+        return tr("Smooths each signal with a running average over a time frame or a zero-phase low-pass "
+                  "Butterworth filter.");
+    }
+    static QString decimationDescription()
+    {
+        return tr("Keeps every M-th sample of each signal and of its time, without anti-alias filtering.");
+    }
+    static QString photometryDeltaFDescription()
+    {
+        return tr(
+            "ΔF/F of fiber-photometry recordings: fits the isosbestic signal onto the biosensor signal "
+            "of the same recording with a robust line and gives (biosensor - fit) / fit, after optional "
+            "discard, decimation, smoothing, slope removal and standardisation.");
+    }
+
     // Tooltips.
+    static QString filterTypeTooltip()
+    {
+        return tr("LowPass and HighPass use the low cutoff frequency; BandPass and BandStop span the low to "
+                  "the high cutoff frequency.");
+    }
+    static QString lowCutoffTooltip()
+    {
+        return tr("Cutoff frequency of a low- or high-pass filter, or the lower "
+                  "edge of a band; below half the sample rate.");
+    }
+    static QString highCutoffTooltip()
+    {
+        return tr("Upper edge of a band filter; below half the sample rate.");
+    }
+    static QString filterNameLabel() { return tr("Filter family"); }
+    static QString filterNameTooltip() { return tr("Butterworth is the filter family that is built."); }
+    static QString smoothMethodTooltip()
+    {
+        return tr(
+            "Running Average: centred mean over the time frame. Low-pass Butterworth Filter: zero-phase "
+            "low-pass at the cutoff frequency.");
+    }
+    static QString smoothTimeFrameTooltip()
+    {
+        return tr("Length of the running-average window in seconds; at least one sample.");
+    }
+    static QString smoothFrequencyTooltip()
+    {
+        return tr("Cutoff frequency of the low-pass filter; below half the sample rate.");
+    }
+    static QString removeSlopeTooltip()
+    {
+        return tr("Baseline removed from both signals before the fit: arPLS, a running average or a "
+                  "polynomial.");
+    }
+    static QString slopeLambdaTooltip()
+    {
+        return tr("Smoothness of the arPLS baseline; larger is smoother.");
+    }
+    static QString slopeRatioTooltip() { return tr("Convergence ratio of arPLS, between 0 and 1."); }
+    static QString slopeTimeWindowTooltip()
+    {
+        return tr("Window of the running-average baseline in seconds.");
+    }
+    static QString residualThresholdTooltip()
+    {
+        return tr("A sample is an inlier of the line fit when its residual is below this threshold. The "
+                  "residual is not normalised, so the right value depends on the scale of the signals.");
+    }
     static QString decimationFactorTooltip()
     {
         return tr("Decimation factor is the integer factor (M) by which the sampling rate is reduced. For "
@@ -222,7 +295,6 @@ public:
     }
 
     static QString fileBusyMessage() { return tr("The file <b>%1</b> is in use by a running operation."); }
-    static QString warningOperationTitle() { return tr("Warning Operation"); }
     static QString unknownFilterNameMessage()
     {
         return tr("Error: the filter <b>%1</b> is not available; only Butterworth filters are built.");

@@ -72,13 +72,29 @@ public:
     static QString pipelineProgressTitle() { return tr("Pipeline Progress"); }
     static QString previewProgressTitle() { return tr("Preview Progress"); }
     static QString errorOperationTitle() { return tr("Error Operation"); }
+    static QString warningOperationTitle() { return tr("Warning Operation"); }
     static QString parameterMissingMessage() { return tr("Parameter <b>%1</b> is missing."); }
     static QString parameterInvalidMessage() { return tr("Parameter <b>%1</b> has an invalid value."); }
-    static QString parameterUnknownMessage() { return tr("Parameter <b>%1</b> is not used by the operation <b>%2</b>."); }
+    static QString parameterUnknownMessage()
+    {
+        return tr("Parameter <b>%1</b> is not used by the operation <b>%2</b>.");
+    }
+    static QString parameterNotAllowedMessage()
+    {
+        return tr("Parameter <b>%1</b> must be %2; <b>%3</b> is not allowed.");
+    }
+    static QString oneOfText() { return tr("one of %1"); }
+    static QString usuallyOneOfText() { return tr("usually one of %1"); }
+    static QString betweenText() { return tr("between %1 and %2"); }
+    static QString atLeastText() { return tr("at least %1"); }
+    static QString atMostText() { return tr("at most %1"); }
     static QString operationUnknownMessage() { return tr("Operation <b>%1</b> does not exist."); }
     static QString noDatasetsMessage() { return tr("No datasets set to the operation"); }
     static QString operationCanceledMessage() { return tr("The operation was cancelled."); }
-    static QString exportNeedsDataFileMessage() { return tr("Open a data file and select what to export first."); }
+    static QString exportNeedsDataFileMessage()
+    {
+        return tr("Open a data file and select what to export first.");
+    }
 };
 
 } // namespace zarvi

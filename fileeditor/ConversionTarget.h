@@ -3,12 +3,11 @@
 #include <QString>
 #include <QStringList>
 
-#include <mutex>
 #include <vector>
 
 #include <hdf5.h>
 
-#include "datafile/HDF5Writer_V6.h"
+#include "framework/RunTransaction.h"
 
 namespace zarvi {
 
@@ -43,25 +42,19 @@ struct ConversionResult
     bool ok() const { return error.isEmpty(); }
 };
 
-/// The data file a conversion writes into, for the length of one conversion. It holds
-/// the file's FileAccessLock, opens the file read-write or creates it, hands out group
-/// paths and series numbers, and remembers everything it created: commit() stamps the
-/// file as edited and closes it, rollback() deletes what was created (or removes a file
-/// it created), so that a failed or cancelled conversion leaves nothing half written.
-/// The destructor rolls back what was not committed. Lives on the thread of the job.
-class ConversionTarget
+/// The data file a conversion writes into, for the length of one conversion: the run
+/// transaction (lock, open or create, rollback of everything created, commit) with the
+/// conversions' own rules on top: an existing file must be a version-6 data file, the
+/// series numbers and group paths under "DataConverted", and the image stack and time
+/// datasets conversions write. commit() also stamps the file as edited. Lives on the
+/// thread of the job.
+class ConversionTarget : public RunTransaction
 {
 public:
-    ConversionTarget() = default;
-    ~ConversionTarget();
-    ConversionTarget(const ConversionTarget&) = delete;
-    ConversionTarget& operator=(const ConversionTarget&) = delete;
-
     /// Takes the file's lock, then opens it or, when it does not exist, creates it.
     /// An existing file must be a version-6 data file (not an experiment file); with
     /// mustBeNew it must not exist at all.
     bool open(const QString& filepath, bool mustBeNew, QString& error);
-    HDF5Writer_V6& file() { return m_file; }
 
     /// The series number to write: the one named (above 0) or one above the highest
     /// "Series<N>" under DataConverted/<device>/<kind>.
@@ -77,8 +70,6 @@ public:
     hid_t createGroup(const QString& path, QString& error);
     /// Opens the group at path, creating it and its missing parents when absent.
     hid_t openOrCreateGroup(const QString& path, QString& error);
-    /// Remembers an object created inside a group that existed before, for rollback.
-    void track(const QString& path) { m_created.push_back(path); }
     /// Creates the sensor group at groupPath (see createGroup) holding an empty
     /// "ImageStack" of height x width that grows by frames: Format 28, the given
     /// BitCount, "Username". Returns the stack and sets group; the caller closes both.
@@ -87,23 +78,8 @@ public:
     /// A 1-D float64 dataset of times in seconds ("Unit" = "s") in group.
     bool writeTimes(hid_t group, const QString& name, const std::vector<double>& times, QString& error);
 
-    /// Writes "EditingSoftwareName", "EditingSoftwareVersion" and "Edited" on the root,
-    /// flushes and closes the file. On failure, rolls back and says why.
+    /// Stamps the file as edited, flushes and closes it. On failure, rolls back and says why.
     bool commit(QString& error);
-    /// Deletes what this conversion created, or the whole file when it was created here.
-    void rollback();
-
-private:
-    /// Records the highest level of path that does not exist yet.
-    void trackMissingLevels(const QString& path);
-    void release();
-
-    HDF5Writer_V6 m_file;
-    QString m_path;
-    std::unique_lock<std::mutex> m_lock;
-    bool m_createdFile = false;
-    bool m_finished = true;
-    std::vector<QString> m_created;
 };
 
 } // namespace zarvi

@@ -367,7 +367,7 @@ bool ConvertDialog::convert()
         return false;
     }
     ConversionResult result;
-    FileEditorJob job;
+    BackgroundJob job(ZarviMainDefinitions::progressTitle());
     job.exec(Texts::convertingLabel().arg(FileConversion::sourcePath(*request)),
              [&](Feedback& feedback) { result = FileConversion::run(*request, &feedback); });
     if (result.canceled)

@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "fileeditor/FileConversion.h"
-#include "fileeditor/FileEditorJob.h"
+#include "framework/BackgroundJob.h"
 
 class QCheckBox;
 class QComboBox;
@@ -24,7 +24,7 @@ namespace zarvi {
 /// sensor and series names, the frame times (rate or timestamps file), the time and event
 /// columns of a table, and the data file to convert into (an existing one or a new one).
 /// buildRequest() turns the widgets into the same request the command line builds;
-/// convert() runs it through a FileEditorJob and shows the outcome. GUI thread.
+/// convert() runs it through a BackgroundJob and shows the outcome. GUI thread.
 class ConvertDialog : public QDialog
 {
     Q_OBJECT
@@ -55,7 +55,7 @@ public:
     bool convert();
     /// The data file of the last successful conversion.
     QString convertedFile() const { return m_convertedFile; }
-    void setMessagePresenter(FileEditorJob::MessagePresenter presenter) { m_present = std::move(presenter); }
+    void setMessagePresenter(MessagePresenter presenter) { m_present = std::move(presenter); }
 
 private:
     void buildWidgets();
@@ -89,7 +89,7 @@ private:
     QRadioButton* m_newFile = nullptr;
     QLineEdit* m_target = nullptr;
     QString m_convertedFile;
-    FileEditorJob::MessagePresenter m_present = FileEditorJob::showMessage;
+    MessagePresenter m_present = BackgroundJob::showMessage;
 };
 
 } // namespace zarvi

@@ -5,7 +5,7 @@
 
 #include <vector>
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 namespace zarvi {
 

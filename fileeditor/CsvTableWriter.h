@@ -2,8 +2,8 @@
 
 #include <QString>
 
+#include "datafile/Feedback.h"
 #include "fileeditor/TableData.h"
-#include "framework/Feedback.h"
 
 namespace zarvi {
 

@@ -18,6 +18,7 @@
 #include "fileeditor/TiffStackWriter.h"
 #include "fileeditor/XlsxTableWriter.h"
 #include "framework/FileAccessLock.h"
+#include "framework/LockedFileRead.h"
 
 namespace zarvi {
 
@@ -340,16 +341,14 @@ std::optional<ExportableDataset> DataExporter::classify(HDF5Manager_V6& file, co
 std::vector<ExportableDataset> DataExporter::exportableDatasets(const QString& filepath, QString& error)
 {
     std::vector<ExportableDataset> items;
-    const auto lock = FileAccessLock::tryLock(filepath);
-    if (!lock.owns_lock()) {
-        error = Texts::fileBusyMessage().arg(filepath);
+    LockedFileRead read(filepath);
+    if (!read.isOpen()) {
+        error = read.isBusy()
+                    ? Texts::fileBusyMessage().arg(filepath)
+                    : Texts::unableToOpenMessage().arg(filepath) + QStringLiteral("<br>") + read.error();
         return items;
     }
-    HDF5Reader_V6 file;
-    if (file.open(filepath) < 0) {
-        error = Texts::unableToOpenMessage().arg(filepath) + QStringLiteral("<br>") + file.lastError();
-        return items;
-    }
+    HDF5Reader_V6& file = read.reader();
     for (const DataFileNode& node : DataFileTree::collect(file)) {
         if (node.kind != ObjectKind::Dataset)
             continue;

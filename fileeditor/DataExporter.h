@@ -9,7 +9,7 @@
 
 #include <hdf5.h>
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 namespace zarvi {
 

@@ -257,7 +257,7 @@ bool ExportDialog::exportData()
         return false;
     }
     DataExportResult result;
-    FileEditorJob job;
+    BackgroundJob job(ZarviMainDefinitions::progressTitle());
     job.exec(Texts::exportingLabel().arg(config->outputPath),
              [&](Feedback& feedback) { result = DataExporter::run(*config, &feedback); });
     if (result.canceled)

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "fileeditor/DataExporter.h"
-#include "fileeditor/FileEditorJob.h"
+#include "framework/BackgroundJob.h"
 
 class QComboBox;
 class QGroupBox;
@@ -22,7 +22,7 @@ namespace zarvi {
 /// datasets of a data file in a checkable list (those selected in the main window checked),
 /// the format (.csv, .xlsx, .tif), the output file and, for an image stack, the range of
 /// frames. buildConfig() turns the widgets into the same configuration the command line
-/// builds; exportData() runs it through a FileEditorJob and shows the outcome. GUI thread.
+/// builds; exportData() runs it through a BackgroundJob and shows the outcome. GUI thread.
 class ExportDialog : public QDialog
 {
     Q_OBJECT
@@ -47,7 +47,7 @@ public:
     /// outcome. True when a file was written; the dialog then closes.
     bool exportData();
     QString exportedFile() const { return m_exportedFile; }
-    void setMessagePresenter(FileEditorJob::MessagePresenter presenter) { m_present = std::move(presenter); }
+    void setMessagePresenter(MessagePresenter presenter) { m_present = std::move(presenter); }
 
 private:
     void buildWidgets();
@@ -66,7 +66,7 @@ private:
     QSpinBox* m_firstFrame = nullptr;
     QSpinBox* m_lastFrame = nullptr;
     QString m_exportedFile;
-    FileEditorJob::MessagePresenter m_present = FileEditorJob::showMessage;
+    MessagePresenter m_present = BackgroundJob::showMessage;
 };
 
 } // namespace zarvi

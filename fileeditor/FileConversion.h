@@ -4,12 +4,12 @@
 
 #include <variant>
 
+#include "datafile/Feedback.h"
 #include "fileeditor/ConversionTarget.h"
 #include "fileeditor/SpreadsheetConverter.h"
 #include "fileeditor/TiffStackConverter.h"
 #include "fileeditor/Version5Converter.h"
 #include "fileeditor/VideoConverter.h"
-#include "framework/Feedback.h"
 
 namespace zarvi {
 

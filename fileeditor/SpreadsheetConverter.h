@@ -4,9 +4,9 @@
 
 #include <vector>
 
+#include "datafile/Feedback.h"
 #include "fileeditor/ConversionTarget.h"
 #include "fileeditor/CsvTableReader.h"
-#include "framework/Feedback.h"
 
 namespace zarvi {
 

@@ -2,8 +2,8 @@
 
 #include <QString>
 
+#include "datafile/Feedback.h"
 #include "fileeditor/ConversionTarget.h"
-#include "framework/Feedback.h"
 
 namespace zarvi {
 

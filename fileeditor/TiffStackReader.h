@@ -9,7 +9,7 @@
 #include <span>
 #include <vector>
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 namespace zarvi {
 

@@ -8,7 +8,7 @@
 #include <opencv2/core/mat.hpp>
 #include <opencv2/videoio.hpp>
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 namespace zarvi {
 

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
+#include "datafile/Feedback.h"
 #include "fileeditor/TableData.h"
-#include "framework/Feedback.h"
 
 namespace zarvi {
 

@@ -4,6 +4,7 @@
 #include "definitions/LogMessageFormatter.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/OperationRegistry.h"
+#include "framework/RunTransaction.h"
 
 #include <QThread>
 
@@ -13,7 +14,8 @@ AbstractOperationProcess::AbstractOperationProcess(QObject* parent) : QObject(pa
 
 bool AbstractOperationProcess::isCanceled() const
 {
-    return m_cancelRequested.load(std::memory_order_relaxed) || QThread::currentThread()->isInterruptionRequested();
+    return m_cancelRequested.load(std::memory_order_relaxed) ||
+           QThread::currentThread()->isInterruptionRequested();
 }
 
 void AbstractOperationProcess::onStartProcessRequested(const QVariantMap& parameters)
@@ -32,11 +34,17 @@ void AbstractOperationProcess::startProcess(const QVariantMap& parameters)
     m_errors.clear();
     m_outputs.clear();
     m_lastProgress = -1;
+    m_warningsSent.clear();
     QVariantMap operationParameters = parameters;
     m_filepath = operationParameters.take(FileDefinitions::Filepath).toString();
     m_sourceDatapaths = operationParameters.take(FileDefinitions::SourceDatapaths).toStringList();
+    m_descriptor =
+        OperationRegistry::instance().find(operationParameters.value(FileDefinitions::Operations).toString());
 
-    if (OperationRegistry::instance().normalize(operationParameters, m_parameters, m_errors)) {
+    QVariantMap normalized;
+    const bool valid = OperationRegistry::instance().normalize(operationParameters, normalized, m_errors);
+    m_parameters = ParameterValues(normalized);
+    if (valid) {
         if (m_sourceDatapaths.isEmpty())
             addError(ZarviMainDefinitions::noDatasetsMessage());
         else
@@ -52,8 +60,41 @@ void AbstractOperationProcess::startProcess(const QVariantMap& parameters)
     emit sendProcessFinished(m_filepath, m_outputs, m_errors);
 }
 
-void AbstractOperationProcess::sendMessage(const QString& title, const QString& message, const QString& details,
-                                           MessageIcon icon)
+bool AbstractOperationProcess::openRun(RunTransaction& run, const QString& category, const QString& kind,
+                                       const QStringList& sources)
+{
+    if (!run.open(m_filepath, RunTransaction::FileMode::Existing)) {
+        addError(run.lastError());
+        return false;
+    }
+    run.setOutputs({category, kind, m_descriptor->outputName, m_parameters.map(), sources});
+    return true;
+}
+
+void AbstractOperationProcess::runInputs(RunTransaction& run, int count,
+                                         const std::function<bool(int, Feedback*)>& step)
+{
+    for (int i = 0; i < count && m_errors.isEmpty() && !isCanceled(); ++i) {
+        ScaledFeedback scaled(feedback(), 100 * i / count, 100 * (i + 1) / count);
+        if (!step(i, &scaled))
+            break;
+    }
+    if (!m_errors.isEmpty() || isCanceled())
+        run.rollback();
+    else if (!run.commit())
+        addError(run.lastError());
+}
+
+void AbstractOperationProcess::warn(const QString& message)
+{
+    if (m_warningsSent.contains(message))
+        return;
+    m_warningsSent << message;
+    sendMessage(ZarviMainDefinitions::warningOperationTitle(), message, QString(), MessageIcon::Warning);
+}
+
+void AbstractOperationProcess::sendMessage(const QString& title, const QString& message,
+                                           const QString& details, MessageIcon icon)
 {
     emit sendMessageToView(title, LogMessageFormatter::formatProcessMessage(message), details,
                            static_cast<int>(icon));

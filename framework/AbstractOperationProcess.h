@@ -1,14 +1,19 @@
 #pragma once
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
+#include "framework/ParameterValues.h"
 
 #include <QObject>
 #include <QStringList>
 #include <QVariantMap>
 
 #include <atomic>
+#include <functional>
 
 namespace zarvi {
+
+class RunTransaction;
+struct OperationDescriptor;
 
 /// Icon of a message sent to the view; the values are those of the message box.
 enum class MessageIcon
@@ -42,7 +47,8 @@ public:
 signals:
     void sendProgressToView(int progress, bool setApplicationModal);
     void sendMessageToView(const QString& title, const QString& message, const QString& details, int icon);
-    void sendProcessFinished(const QString& filepath, const QStringList& datapaths, const QStringList& errors);
+    void sendProcessFinished(const QString& filepath, const QStringList& datapaths,
+                             const QStringList& errors);
     /// Names the stage now running ("Applying filter..."), for the progress dialog's label.
     void sendProgressLabelToView(const QString& label);
 
@@ -63,17 +69,34 @@ protected:
     /// Called after every run, successful or not.
     virtual void afterRun() {}
 
+    /// Opens the run's transaction on the data file, with outputs in numbered groups
+    /// "<category>/<device>/<kind>/<series>/<Output><K>" named after the operation's
+    /// declared output name and recording the parameters and `sources`. False after
+    /// adding the error when the file cannot be opened.
+    bool openRun(RunTransaction& run, const QString& category, const QString& kind,
+                 const QStringList& sources);
+    /// The loop every family shares: calls step(i, feedback) for each of `count`
+    /// inputs, with the feedback's progress scaled to that input's share of the run,
+    /// until a step fails, an error is added or a cancel arrives; then commits the run,
+    /// or rolls it back so that nothing of it is left.
+    void runInputs(RunTransaction& run, int count,
+                   const std::function<bool(int input, Feedback* step)>& step);
+
     void addError(const QString& error) { m_errors << error; }
     void addOutput(const QString& datapath) { m_outputs << datapath; }
     /// Formats (line breaks, colours) and sends a message to the view.
     void sendMessage(const QString& title, const QString& message, const QString& details, MessageIcon icon);
     void setProgress(int percent, bool setApplicationModal = true);
     void setProgressLabel(const QString& label);
+    /// Shows a kernel's warning once per run, titled "Warning Operation".
+    void warn(const QString& message);
 
     QString m_filepath;
     QStringList m_sourceDatapaths;
+    /// The operation's declaration, during a run.
+    const OperationDescriptor* m_descriptor = nullptr;
     /// The operation's parameters, normalised to their declared kinds, as recorded in the file.
-    QVariantMap m_parameters;
+    ParameterValues m_parameters;
     QStringList m_errors;
     QStringList m_outputs;
 
@@ -86,6 +109,7 @@ private:
         bool isCanceled() const override { return m_process.isCanceled(); }
         void setProgress(int percent) override { m_process.setProgress(percent); }
         void setLabel(const QString& label) override { m_process.setProgressLabel(label); }
+        void warn(const QString& message) override { m_process.warn(message); }
 
     private:
         AbstractOperationProcess& m_process;
@@ -94,6 +118,7 @@ private:
     std::atomic<bool> m_cancelRequested{false};
     ProcessFeedback m_feedback{*this};
     int m_lastProgress = -1;
+    QStringList m_warningsSent;
 };
 
 } // namespace zarvi

@@ -4,8 +4,11 @@
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/AbstractOperationProcess.h"
 #include "framework/OperationRegistry.h"
+#include "framework/ParameterField.h"
 #include "framework/ProgressDialogFactory.h"
 
+#include <QFormLayout>
+#include <QHBoxLayout>
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QThread>
@@ -116,14 +119,39 @@ void AbstractOperationView::onProgressLabelReceived(const QString& label)
     m_progressDialog->setLabelText(label);
 }
 
+const OperationParameter& AbstractOperationView::declaration(const QString& key) const
+{
+    const OperationDescriptor* descriptor = OperationRegistry::instance().find(m_operationName);
+    const OperationParameter* parameter = descriptor ? descriptor->parameter(key) : nullptr;
+    Q_ASSERT_X(parameter, "declaration", "the view asks for a parameter its operation does not declare");
+    static const OperationParameter undeclared;
+    return parameter ? *parameter : undeclared;
+}
+
+QWidget* AbstractOperationView::addParameterRow(QFormLayout* form, const QString& key,
+                                                const QString& objectName, QWidget* beside)
+{
+    const OperationParameter& parameter = declaration(key);
+    QWidget* field = ParameterField::create(parameter, objectName, this);
+    if (!beside) {
+        form->addRow(ParameterField::label(parameter), field);
+        return field;
+    }
+    auto* row = new QHBoxLayout;
+    row->addWidget(field);
+    row->addWidget(beside, 1);
+    form->addRow(ParameterField::label(parameter), row);
+    return field;
+}
+
 void AbstractOperationView::showMessage(const QString& title, const QString& message, const QString& details,
                                         int icon)
 {
     m_presentMessage(title, message, details, icon);
 }
 
-void AbstractOperationView::onMessageReceived(const QString& title, const QString& message, const QString& details,
-                                              int icon)
+void AbstractOperationView::onMessageReceived(const QString& title, const QString& message,
+                                              const QString& details, int icon)
 {
     m_presentMessage(title, message, details, icon);
 }
@@ -134,8 +162,8 @@ void AbstractOperationView::onProcessFinished(const QString& filepath, const QSt
     m_running = false;
     m_progressDialog->hide();
     if (!errors.isEmpty() && !m_cancelRequested)
-        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), errors.join(QStringLiteral("<br>")), QString(),
-                         QMessageBox::Critical);
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), errors.join(QStringLiteral("<br>")),
+                         QString(), QMessageBox::Critical);
     emit sendProcessFinished(filepath, datapaths, errors);
 }
 

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 
+class QFormLayout;
 class QProgressDialog;
 class QThread;
 
@@ -14,6 +15,7 @@ namespace zarvi {
 
 class AbstractOperationProcess;
 struct OperationDescriptor;
+struct OperationParameter;
 
 /// The parameter half of an operation, on the GUI thread inside its dialog. It
 /// owns its process, the worker thread the process lives on and the progress
@@ -49,7 +51,8 @@ signals:
     void sendStartProcess(const QVariantMap& parameters);
     void sendCancelProcess();
     void sendProgress(int progress, bool setApplicationModal);
-    void sendProcessFinished(const QString& filepath, const QStringList& datapaths, const QStringList& errors);
+    void sendProcessFinished(const QString& filepath, const QStringList& datapaths,
+                             const QStringList& errors);
     void sendAskToCloseAllDatasets();
 
 public slots:
@@ -64,6 +67,12 @@ protected:
     /// Called by setupProcess() once the file and the datasets are known, so that a
     /// view can fill its choices or its preview from them. Does nothing here.
     virtual void datasetsChanged() {}
+    /// The declaration of one of the operation's parameters (the view's operation must declare it).
+    const OperationParameter& declaration(const QString& key) const;
+    /// Adds a row for a declared parameter to `form`: its label, and its field made
+    /// from the declaration (see ParameterField), with `beside` to the field's right.
+    QWidget* addParameterRow(QFormLayout* form, const QString& key, const QString& objectName,
+                             QWidget* beside = nullptr);
     /// Shows a message the way the process's messages are shown (a message box, or
     /// what a test put in its place).
     void showMessage(const QString& title, const QString& message, const QString& details, int icon);

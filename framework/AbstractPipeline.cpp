@@ -3,7 +3,7 @@
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/AbstractOperationView.h"
 #include "framework/OperationDialog.h"
-#include "framework/OperationViewFactory.h"
+#include "framework/OperationViewRegistry.h"
 #include "framework/PipelineFile.h"
 #include "framework/ProgressDialogFactory.h"
 
@@ -16,7 +16,10 @@
 
 namespace zarvi {
 
-AbstractPipeline::AbstractPipeline(OperationFamily family, QWidget* parent) : QWidget(parent), m_family(family) {}
+AbstractPipeline::AbstractPipeline(OperationFamily family, QWidget* parent)
+    : QWidget(parent), m_family(family)
+{
+}
 
 AbstractPipeline::~AbstractPipeline() = default;
 
@@ -28,7 +31,8 @@ void AbstractPipeline::buildOperationList()
     layout->addWidget(m_selectionLabel);
     for (const QString& name : operationNames()) {
         auto* button = new QPushButton(name, this);
-        button->setObjectName(QStringLiteral("pb_") + QString(name).remove(QLatin1Char(' ')).remove(QLatin1Char('/')));
+        button->setObjectName(QStringLiteral("pb_") +
+                              QString(name).remove(QLatin1Char(' ')).remove(QLatin1Char('/')));
         button->setProperty("operation", name);
         connect(button, &QPushButton::clicked, this, &AbstractPipeline::onOperationButtonClicked);
         layout->addWidget(button);
@@ -50,8 +54,9 @@ void AbstractPipeline::setData(const QString& filepath, const QStringList& datap
     m_filepath = filepath;
     m_datapaths = datapaths;
     if (m_selectionLabel)
-        m_selectionLabel->setText(datapaths.isEmpty() ? tr("Select datasets to process.")
-                                                  : tr("%n dataset(s) selected.", nullptr, datapaths.size()));
+        m_selectionLabel->setText(datapaths.isEmpty()
+                                      ? tr("Select datasets to process.")
+                                      : tr("%n dataset(s) selected.", nullptr, datapaths.size()));
     setEnabled(!filepath.isEmpty());
 }
 
@@ -62,11 +67,12 @@ OperationDialog* AbstractPipeline::createDialog(AbstractOperationView* view)
 
 OperationDialog* AbstractPipeline::openOperation(const QString& name)
 {
-    std::unique_ptr<AbstractOperationView> view = OperationViewFactory::create(name);
+    std::unique_ptr<AbstractOperationView> view = OperationViewRegistry::instance().create(name);
     if (!view)
         return nullptr;
     view->setupProcess(m_filepath, m_datapaths);
-    connect(view.get(), &AbstractOperationView::sendProcessFinished, this, &AbstractPipeline::onPipelineFinished);
+    connect(view.get(), &AbstractOperationView::sendProcessFinished, this,
+            &AbstractPipeline::onPipelineFinished);
     connect(view.get(), &AbstractOperationView::sendAskToCloseAllDatasets, this,
             &AbstractPipeline::sendCloseAllDatasetsRequest);
     OperationDialog* dialog = createDialog(view.release()); // the dialog's layout now owns the view
@@ -115,7 +121,8 @@ RunResult AbstractPipeline::runSavedPipeline(const QString& path)
     }
     m_runner = std::make_unique<OperationRunner>();
     m_pipelineProgress = ProgressDialogFactory::create(ZarviMainDefinitions::pipelineProgressTitle());
-    connect(m_pipelineProgress.get(), &QProgressDialog::canceled, this, &AbstractPipeline::onCancelPipelineReceived);
+    connect(m_pipelineProgress.get(), &QProgressDialog::canceled, this,
+            &AbstractPipeline::onCancelPipelineReceived);
     m_runner->onProgress = [this](int progress) { onProgressReceived(progress); };
     m_runner->onLabel = [this](const QString& label) { m_pipelineProgress->setLabelText(label); };
     m_pipelineProgress->show();

@@ -3,7 +3,7 @@
 #include "datafile/DataFileTree.h"
 #include "datafile/HDF5Reader_V6.h"
 #include "definitions/FileDefinitions.h"
-#include "framework/FileAccessLock.h"
+#include "framework/LockedFileRead.h"
 
 #include <QHeaderView>
 #include <QTreeWidget>
@@ -47,15 +47,12 @@ DatasetSelector::DatasetSelector(QWidget* parent) : QWidget(parent), m_tree(new 
 
 bool DatasetSelector::reload(const QString& filepath)
 {
-    const auto lock = FileAccessLock::tryLock(filepath);
-    if (!lock.owns_lock())
-        return false;
     std::vector<DataFileNode> nodes;
     {
-        HDF5Reader_V6 reader;
-        if (reader.open(filepath) < 0)
+        LockedFileRead read(filepath);
+        if (!read.isOpen())
             return false;
-        nodes = DataFileTree::collect(reader);
+        nodes = DataFileTree::collect(read.reader());
     }
     const QStringList previous = selectedPaths();
     m_updating = true;
@@ -110,7 +107,8 @@ void DatasetSelector::select(const QStringList& paths)
     m_updating = true;
     for (int i = 0; i < m_tree->topLevelItemCount(); ++i) {
         QTreeWidgetItem* item = m_tree->topLevelItem(i);
-        item->setCheckState(0, paths.contains(item->data(0, pathRole).toString()) ? Qt::Checked : Qt::Unchecked);
+        item->setCheckState(0,
+                            paths.contains(item->data(0, pathRole).toString()) ? Qt::Checked : Qt::Unchecked);
     }
     m_updating = false;
     emit selectionChanged(selectedPaths());

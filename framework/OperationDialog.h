@@ -24,22 +24,4 @@ private:
     QPushButton* m_runButton;
 };
 
-/// Dialog of the signal operations.
-class SignalOperationDialog : public OperationDialog
-{
-    Q_OBJECT
-
-public:
-    using OperationDialog::OperationDialog;
-};
-
-/// Dialog of the analysis operations.
-class AnalysisOperationDialog : public OperationDialog
-{
-    Q_OBJECT
-
-public:
-    using OperationDialog::OperationDialog;
-};
-
 } // namespace zarvi

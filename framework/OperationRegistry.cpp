@@ -2,13 +2,15 @@
 
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
-#include "framework/BuiltInOperations.h"
 
 namespace zarvi {
 
-OperationRegistry::OperationRegistry()
+const OperationParameter* OperationDescriptor::parameter(const QString& key) const
 {
-    registerBuiltInOperations(*this);
+    for (const OperationParameter& declared : parameters)
+        if (declared.key == key)
+            return &declared;
+    return nullptr;
 }
 
 OperationRegistry& OperationRegistry::instance()
@@ -19,7 +21,8 @@ OperationRegistry& OperationRegistry::instance()
 
 void OperationRegistry::add(OperationDescriptor descriptor)
 {
-    m_operations.push_back(std::move(descriptor));
+    if (!find(descriptor.name))
+        m_operations.push_back(std::move(descriptor));
 }
 
 const OperationDescriptor* OperationRegistry::find(const QString& name) const
@@ -39,7 +42,31 @@ QStringList OperationRegistry::names(OperationFamily family) const
     return result;
 }
 
-bool OperationRegistry::normalize(const QVariantMap& parameters, QVariantMap& normalized, QStringList& errors) const
+QList<OperationFamily> OperationRegistry::families()
+{
+    return {OperationFamily::Signal, OperationFamily::Image, OperationFamily::VoluImages,
+            OperationFamily::Analysis, OperationFamily::FileEditor};
+}
+
+QString OperationRegistry::familyName(OperationFamily family)
+{
+    switch (family) {
+    case OperationFamily::Signal:
+        return QStringLiteral("Signal");
+    case OperationFamily::Image:
+        return QStringLiteral("Image");
+    case OperationFamily::VoluImages:
+        return QStringLiteral("Volumetric images");
+    case OperationFamily::Analysis:
+        return QStringLiteral("Analysis");
+    case OperationFamily::FileEditor:
+        return QStringLiteral("File editing");
+    }
+    return {};
+}
+
+bool OperationRegistry::normalize(const QVariantMap& parameters, QVariantMap& normalized,
+                                  QStringList& errors) const
 {
     normalized.clear();
     const QString name = parameters.value(FileDefinitions::Operations).toString();
@@ -53,26 +80,32 @@ bool OperationRegistry::normalize(const QVariantMap& parameters, QVariantMap& no
         return false;
     }
     normalized.insert(FileDefinitions::Operations, name);
-    bool ok = true;
+    const int errorsBefore = static_cast<int>(errors.size());
     for (auto it = parameters.cbegin(); it != parameters.cend(); ++it) {
         if (it.key() == FileDefinitions::Operations)
             continue;
-        const auto declared = std::find_if(descriptor->parameters.cbegin(), descriptor->parameters.cend(),
-                                           [&](const OperationParameter& p) { return p.key == it.key(); });
-        if (declared == descriptor->parameters.cend()) {
+        const OperationParameter* declared = descriptor->parameter(it.key());
+        if (!declared) {
             errors << ZarviMainDefinitions::parameterUnknownMessage().arg(it.key(), name);
-            ok = false;
             continue;
         }
         QVariant value;
         if (!declared->normalize(it.value(), value)) {
             errors << ZarviMainDefinitions::parameterInvalidMessage().arg(it.key());
-            ok = false;
+            continue;
+        }
+        const QString problem = declared->rangeProblem(value);
+        if (!problem.isEmpty()) {
+            errors << problem;
             continue;
         }
         normalized.insert(it.key(), value);
     }
-    return ok;
+    for (const OperationParameter& declared : descriptor->parameters) {
+        if (declared.required && OperationParameter::isEmptyValue(parameters.value(declared.key)))
+            errors << ZarviMainDefinitions::parameterMissingMessage().arg(declared.key);
+    }
+    return errors.size() == errorsBefore;
 }
 
 } // namespace zarvi

@@ -3,7 +3,7 @@
 #include "datafile/HDF5Reader_V6.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/SignalOperationDefinitions.h"
-#include "framework/FileAccessLock.h"
+#include "framework/LockedFileRead.h"
 #include "signal/operations/SampleRate.h"
 
 #include <array>
@@ -33,16 +33,12 @@ bool SignalFileReader::read(const QString& filepath, const QStringList& valuesPa
                             std::vector<Signal>& loaded, QString& error)
 {
     loaded.clear();
-    const auto lock = FileAccessLock::tryLock(filepath);
-    if (!lock.owns_lock()) {
-        error = busyMessage(filepath);
+    LockedFileRead read(filepath);
+    if (!read.isOpen()) {
+        error = read.isBusy() ? busyMessage(filepath) : read.error();
         return false;
     }
-    HDF5Reader_V6 reader;
-    if (reader.open(filepath) < 0) {
-        error = reader.lastError();
-        return false;
-    }
+    HDF5Reader_V6& reader = read.reader();
     loaded.resize(static_cast<std::size_t>(valuesPaths.size()));
     for (qsizetype i = 0; i < valuesPaths.size(); ++i) {
         if (!SignalDataset::read(reader, valuesPaths[i], loaded[static_cast<std::size_t>(i)], error)) {
@@ -55,10 +51,10 @@ bool SignalFileReader::read(const QString& filepath, const QStringList& valuesPa
 
 double SignalFileReader::sampleRate(const QString& filepath, const QString& valuesPath)
 {
-    const auto lock = FileAccessLock::tryLock(filepath);
-    HDF5Reader_V6 reader;
-    if (!lock.owns_lock() || reader.open(filepath) < 0)
+    LockedFileRead read(filepath);
+    if (!read.isOpen())
         return 0.0;
+    HDF5Reader_V6& reader = read.reader();
     const QString timePath =
         valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')) + 1) + FileDefinitions::Time;
     const hid_t dataset = reader.openDataset(reader.fileId(), timePath);
@@ -77,10 +73,10 @@ double SignalFileReader::sampleRate(const QString& filepath, const QString& valu
 
 QStringList SignalFileReader::existing(const QString& filepath, const QStringList& paths)
 {
-    const auto lock = FileAccessLock::tryLock(filepath);
-    HDF5Reader_V6 reader;
-    if (!lock.owns_lock() || reader.open(filepath) < 0)
+    LockedFileRead read(filepath);
+    if (!read.isOpen())
         return {};
+    HDF5Reader_V6& reader = read.reader();
     QStringList found;
     for (const QString& path : paths) {
         if (reader.objectKind(reader.fileId(), path) == ObjectKind::Dataset)

@@ -1,72 +1,59 @@
 #include "signal/SignalOperationProcess.h"
 
-#include "datafile/HDF5Writer_V6.h"
 #include "definitions/FileDefinitions.h"
-#include "framework/FileAccessLock.h"
-#include "framework/RunOutputs.h"
+#include "framework/RunTransaction.h"
 
 namespace zarvi {
 
-SignalOperationProcess::SignalOperationProcess(const QString& outputName, QObject* parent)
-    : AbstractOperationProcess(parent), m_outputName(outputName)
+QList<QStringList> SignalOperationProcess::inputsOf(HDF5Manager_V6&)
 {
-}
-
-void SignalOperationProcess::withFile(const std::function<void(HDF5Writer_V6&)>& body)
-{
-    const auto lock = FileAccessLock::lock(m_filepath);
-    HDF5Writer_V6 file;
-    if (file.open(m_filepath) < 0) {
-        addError(file.lastError());
-        return;
-    }
-    body(file);
-}
-
-bool SignalOperationProcess::writeOutput(RunOutputs& outputs, const QString& inputPath, const QString& sensor)
-{
-    QString error;
-    const QString written = outputs.writeSignal(inputPath, m_output, error, sensor);
-    if (written.isEmpty()) {
-        addError(error);
-        return false;
-    }
-    addOutput(written);
-    return true;
-}
-
-void SignalOperationProcess::finishOutputs(RunOutputs& outputs)
-{
-    m_stepFeedback = nullptr;
-    m_input = Signal{};
-    m_output = Signal{};
-    if (!m_errors.isEmpty() || isCanceled())
-        outputs.rollback();
+    QList<QStringList> inputs;
+    for (const QString& path : std::as_const(m_sourceDatapaths))
+        inputs << QStringList{path};
+    return inputs;
 }
 
 void SignalOperationProcess::runOperation()
 {
-    withFile([this](HDF5Writer_V6& file) {
-        RunOutputs outputs(file, FileDefinitions::DataProcessed, FileDefinitions::Signals, m_outputName,
-                           m_parameters, m_sourceDatapaths);
-        const int count = static_cast<int>(m_sourceDatapaths.size());
-        for (int i = 0; i < count && m_errors.isEmpty() && !isCanceled(); ++i) {
-            ScaledFeedback step(feedback(), 100 * i / count, 100 * (i + 1) / count);
-            m_stepFeedback = &step;
-            m_inputPath = m_sourceDatapaths[i];
-            m_output = Signal{};
-            QString error;
-            if (!SignalDataset::read(file, m_inputPath, m_input, error)) {
+    RunTransaction run;
+    if (!openRun(run, FileDefinitions::DataProcessed, FileDefinitions::Signals, m_sourceDatapaths))
+        return;
+    const QList<QStringList> inputs = inputsOf(run.file());
+    if (inputs.isEmpty())
+        return;
+    QStringList sources;
+    for (const QStringList& input : inputs)
+        sources << input;
+    run.setSources(sources);
+    runInputs(run, static_cast<int>(inputs.size()), [&](int i, Feedback* step) {
+        m_stepFeedback = step;
+        const QStringList& paths = inputs[i];
+        m_otherInputs.assign(static_cast<std::size_t>(paths.size() - 1), Signal{});
+        QString error;
+        for (qsizetype k = 0; k < paths.size(); ++k) {
+            Signal& signal = k + 1 < paths.size() ? m_otherInputs[static_cast<std::size_t>(k)] : m_input;
+            if (!SignalDataset::read(run.file(), paths[k], signal, error)) {
                 addError(error);
-                break;
+                return false;
             }
-            if (!computeOperation() || isCanceled())
-                break;
-            m_output.unit = m_input.unit;
-            writeOutput(outputs, m_inputPath);
         }
-        finishOutputs(outputs);
+        m_inputPath = paths.last();
+        m_output = Signal{};
+        m_output.unit = m_input.unit;
+        if (!computeOperation() || isCanceled())
+            return false;
+        const QString written = run.writeSignal(m_inputPath, m_output, error, outputSensor());
+        if (written.isEmpty()) {
+            addError(error);
+            return false;
+        }
+        addOutput(written);
+        return true;
     });
+    m_stepFeedback = nullptr;
+    m_input = Signal{};
+    m_otherInputs.clear();
+    m_output = Signal{};
 }
 
 } // namespace zarvi

@@ -3,51 +3,47 @@
 #include "datafile/SignalDataset.h"
 #include "framework/AbstractOperationProcess.h"
 
-#include <functional>
+#include <QList>
+
+#include <vector>
 
 namespace zarvi {
 
-class HDF5Writer_V6;
-class RunOutputs;
+class HDF5Manager_V6;
 
-/// The family run of the signal operations: for every selected signal it reads
-/// values and time, lets the operation compute m_output from m_input, and writes
-/// the result under "DataProcessed/<device>/Signals/<series>/<Output><K>/<sensor>".
-/// All outputs of a run are removed again when any input fails or the run is
-/// cancelled. Operations that combine several inputs override runOperation() and
-/// build their run from withFile(), openOutputs() and writeOutput(). Lives on the
-/// operation's worker thread.
+/// The family run of the signal operations: for every input of the run (a selected
+/// signal, or a group of signals computed together) it reads values and time, lets
+/// the operation compute m_output from m_input, and writes the result under
+/// "DataProcessed/<device>/Signals/<series>/<Output><K>/<sensor>" through the run
+/// transaction, which removes all outputs again when any input fails or the run is
+/// cancelled. Operations write only computeOperation(). Lives on the operation's
+/// worker thread.
 class SignalOperationProcess : public AbstractOperationProcess
 {
     Q_OBJECT
 
 public:
-    explicit SignalOperationProcess(const QString& outputName, QObject* parent = nullptr);
+    using AbstractOperationProcess::AbstractOperationProcess;
 
 protected:
     void runOperation() override;
 
-    /// Opens the data file for writing, holding its lock for the whole call, and runs
-    /// `body` on it; a file that cannot be opened becomes the run's error.
-    void withFile(const std::function<void(HDF5Writer_V6& file)>& body);
-    /// Writes m_output as the output of `inputPath` (into the sensor group `sensor`, or
-    /// one named after the input's sensor) and records its path; false after adding
-    /// the error.
-    bool writeOutput(RunOutputs& outputs, const QString& inputPath, const QString& sensor = QString());
-    /// Removes the run's outputs when it failed or was cancelled.
-    void finishOutputs(RunOutputs& outputs);
-    QString outputName() const { return m_outputName; }
+    /// The inputs of the run, each a list of signal paths read together; the last path
+    /// of an input is the one its output derives from. Each selected signal alone by
+    /// default. Empty after adding an error when the selection does not fit.
+    virtual QList<QStringList> inputsOf(HDF5Manager_V6& file);
+    /// Name of the output's sensor group; empty names it after the input's sensor.
+    virtual QString outputSensor() const { return {}; }
 
-    /// The signal being processed and the path it was read from.
+    /// The last signal of the current input and its path.
     Signal m_input;
     QString m_inputPath;
-    /// What computeOperation() produces for it (the family run copies the unit from the input).
+    /// The other signals of the current input, in the order inputsOf() gave them.
+    std::vector<Signal> m_otherInputs;
+    /// What computeOperation() produces (with the input's unit unless it sets another).
     Signal m_output;
     /// Progress of the current input, already scaled into the whole run.
     Feedback* m_stepFeedback = nullptr;
-
-private:
-    QString m_outputName;
 };
 
 } // namespace zarvi

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "framework/AbstractPipeline.h"
-#include "framework/OperationDialog.h"
+#include "signal/SignalOperationDialog.h"
 
 namespace zarvi {
 

@@ -1,9 +1,9 @@
 #include "app/browser/ImageStackWidget.h"
 
 #include "app/browser/FrameView.h"
-#include "app/browser/GuiFileRead.h"
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
+#include "framework/LockedFileRead.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -53,7 +53,7 @@ ImageStackWidget::ImageStackWidget(const QString& filePath, const QString& datas
 bool ImageStackWidget::load(QString& error)
 {
     {
-        GuiFileRead read(m_filePath);
+        LockedFileRead read(m_filePath);
         if (!read.isOpen()) {
             error = read.error();
             return false;
@@ -108,7 +108,7 @@ bool ImageStackWidget::showFrame(int index)
     if (index < 0 || index >= m_frames)
         return false;
     {
-        GuiFileRead read(m_filePath);
+        LockedFileRead read(m_filePath);
         if (!read.isOpen()) {
             emit sendStatusMessage(read.isBusy() ? read.error()
                                                  : DD::readFailedMessage().arg(m_datasetPath, read.error()));

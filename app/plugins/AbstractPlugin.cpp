@@ -1,7 +1,7 @@
 #include "app/plugins/AbstractPlugin.h"
 
-#include "app/browser/GuiFileRead.h"
 #include "definitions/DatasetDefinitions.h"
+#include "framework/LockedFileRead.h"
 
 #include <QFileInfo>
 #include <QTimer>
@@ -31,7 +31,7 @@ bool AbstractPlugin::loadFile(const QString& path)
 
 bool AbstractPlugin::readFileTree(std::vector<DataFileNode>& nodes)
 {
-    GuiFileRead read(m_filePath);
+    LockedFileRead read(m_filePath);
     if (read.isBusy()) {
         emit sendStatusMessage(DatasetDefinitions::fileBusyMessage());
         m_retryTimer->start();

@@ -1,22 +1,22 @@
 #include "app/plugins/DatasetPlugin.h"
 
+#include "analysis/AnalysisPipeline.h"
+#include "analysis/PerieventResultView.h"
 #include "app/IconFont.h"
 #include "app/browser/AttributesTable.h"
 #include "app/browser/DataFileTreeWidget.h"
-#include "app/browser/GuiFileRead.h"
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
-#include "analysis/AnalysisPipeline.h"
-#include "analysis/PerieventResultView.h"
+#include "app/plugins/DatasetPipeline.h"
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
-#include "framework/DatasetPipeline.h"
 #include "framework/DatasetSelector.h"
 #include "framework/FileAccessLock.h"
+#include "framework/LockedFileRead.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -272,7 +272,8 @@ void DatasetPlugin::buildPipelines()
     setPipelineWidget(m_pipeline);
     m_analysis = new AnalysisPipeline;
     setAnalysisWidget(m_analysis);
-    for (AbstractPipeline* pipeline : {static_cast<AbstractPipeline*>(m_pipeline), static_cast<AbstractPipeline*>(m_analysis)})
+    for (AbstractPipeline* pipeline :
+         {static_cast<AbstractPipeline*>(m_pipeline), static_cast<AbstractPipeline*>(m_analysis)})
         connect(pipeline, &AbstractPipeline::sendOperationProcessFinished, this, [this] { reloadFile(); });
     // The analyses work on the datasets chosen for processing.
     connect(m_pipeline->selector(), &DatasetSelector::selectionChanged, this,
@@ -331,7 +332,7 @@ int DatasetPlugin::showSignals(const QStringList& paths)
     std::vector<std::pair<QString, Signal>> loaded;
     QStringList shownPaths;
     {
-        GuiFileRead read(filePath());
+        LockedFileRead read(filePath());
         if (!read.isOpen()) {
             emit sendStatusMessage(read.isBusy() ? read.error()
                                                  : DD::readFailedMessage().arg(filePath(), read.error()));

@@ -4,7 +4,7 @@
 // endOffset round(3.158) + 1 = 4: six columns x[i - 2] .. x[i + 3] around sample i,
 // kept for 2 <= i <= 15.
 #include "analysis/operations/perievents/PerieventAnalysis.h"
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 #include <gtest/gtest.h>
 

@@ -266,8 +266,10 @@ TEST_F(PerieventOperationTest, FailuresWriteNothing)
     parameters.remove(D::PerieventTimeFrame);
     parameters.insert(D::Statistics, QStringList{QStringLiteral("Mode")});
     result = run(parameters, {truth.biosensorPath});
-    EXPECT_EQ(result.errors, QStringList({"Parameter <b>PerieventTimeFrame</b> is missing.",
-                                          "Parameter <b>Statistics</b> has an invalid value."}));
+    EXPECT_EQ(result.errors,
+              QStringList({"Parameter <b>Statistics</b> must be one of AUC, Mean, Median, Maximum, Minimum; "
+                           "<b>Mode</b> is not allowed.",
+                           "Parameter <b>PerieventTimeFrame</b> is missing."}));
     EXPECT_FALSE(test::pathExists(file, resultGroup));
 }
 

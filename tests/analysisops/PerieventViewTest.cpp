@@ -1,6 +1,7 @@
 // The perievent parameter view and the result views on real files, offscreen.
 #include "PerieventTestFile.h"
 
+#include "analysis/AnalysisOperationDialog.h"
 #include "analysis/PerieventHeatMap.h"
 #include "analysis/PerieventResultView.h"
 #include "analysis/PerieventTracePlot.h"
@@ -9,7 +10,6 @@
 #include "analysis/operations/perievents/PerieventsView.h"
 #include "app/plugins/DatasetPlugin.h"
 #include "datafile/SignalDataset.h"
-#include "framework/OperationDialog.h"
 #include "framework/OperationRunner.h"
 
 #include <QApplication>

@@ -9,7 +9,7 @@
 
 #include <vector>
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 namespace zarvi::test {
 

@@ -100,9 +100,11 @@ TEST(Butterworth, BandDesignsUseCentreAndWidthAroundThePrewarpedCentre)
 TEST(FilterDesign, TakesCutoffsInOrderAndRefusesInconsistentOnes)
 {
     QVariantMap parameters{{Defs::HighCutoffFrequency, 5.0}, {Defs::LowCutoffFrequency, 1.0}};
-    EXPECT_EQ(FilterDesign::cutoffsFromParameters(parameters), (std::vector<double>{1.0, 5.0}));
-    parameters.remove(Defs::HighCutoffFrequency);
-    EXPECT_EQ(FilterDesign::cutoffsFromParameters(parameters), (std::vector<double>{1.0}));
+    EXPECT_EQ(FilterDesign::cutoffsFromParameters(ParameterValues(parameters)),
+              (std::vector<double>{1.0, 5.0}));
+    // An empty value is a cut-off that was not given, never 0 Hz.
+    parameters.insert(Defs::HighCutoffFrequency, QString());
+    EXPECT_EQ(FilterDesign::cutoffsFromParameters(ParameterValues(parameters)), (std::vector<double>{1.0}));
 
     // A low-pass given both values uses the last one.
     const FilterDesign::Result low =

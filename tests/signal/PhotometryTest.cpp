@@ -157,7 +157,7 @@ TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
         {Defs::DecimationFactor, 10},        {Defs::SmoothMethod, Defs::LowPassButterworthFilter},
         {Defs::SmoothFrequency, 6.0},        {Defs::ResidualThreshold, 1e-6},
         {Defs::RemoveSlopeMethod, QString()}};
-    PhotometryDeltaF::Config config = PhotometryDeltaF::Config::fromParameters(parameters);
+    PhotometryDeltaF::Config config = PhotometryDeltaF::Config::fromParameters(ParameterValues(parameters));
     config.keepPreviewData = true;
     EXPECT_TRUE(config.slope.method.isEmpty());
     EXPECT_TRUE(config.standardizeMethod.isEmpty());
@@ -172,9 +172,9 @@ TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
     EXPECT_NEAR(result.time.front(), 1.0, 1e-12);
     EXPECT_NEAR(result.time.back(), 18.9, 1e-12);
     // 6 Hz is above half the decimated rate, so smoothing is skipped with a warning.
-    ASSERT_EQ(result.warnings.size(), 1);
+    ASSERT_EQ(feedback.warnings.size(), 1);
     EXPECT_EQ(
-        result.warnings[0],
+        feedback.warnings[0],
         QStringLiteral("*The Cutoff Frequency of the Smooth Signals operation must be less than half of the "
                        "sample rate of the decimated signals. Otherwise, Smooth Signals operation won't be "
                        "executed."));
@@ -190,10 +190,11 @@ TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
     config.slope.timeWindow = 2.0;
     config.smoothFrequency = 2.0;
     feedback.labels.clear();
+    feedback.warnings.clear();
     const PhotometryDeltaF::Result detrended =
         PhotometryDeltaF::compute(config, isosbestic, biosensor, &feedback);
     ASSERT_TRUE(detrended.outcome.ok()) << detrended.outcome.error.toStdString();
-    EXPECT_TRUE(detrended.warnings.isEmpty());
+    EXPECT_TRUE(feedback.warnings.isEmpty());
     EXPECT_TRUE(feedback.labels.contains(QStringLiteral("Smoothing signals...")));
     EXPECT_TRUE(feedback.labels.contains(QStringLiteral("Removing slope...")));
     ASSERT_EQ(detrended.biosensorSlope.size(), 180u);

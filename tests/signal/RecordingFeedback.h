@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 #include <QStringList>
 
@@ -8,7 +8,7 @@
 
 namespace zarvi::test {
 
-/// A Feedback that records labels and progress and answers "cancel" once it has
+/// A Feedback that records labels, warnings and progress and answers "cancel" once it has
 /// been asked a given number of times.
 class RecordingFeedback : public Feedback
 {
@@ -21,10 +21,12 @@ public:
     bool isCanceled() const override { return ++m_polls > m_cancelAfter; }
     void setProgress(int percent) override { lastProgress = percent; }
     void setLabel(const QString& label) override { labels << label; }
+    void warn(const QString& message) override { warnings << message; }
 
     long long polls() const { return m_polls; }
 
     QStringList labels;
+    QStringList warnings;
     int lastProgress = -1;
 
 private:

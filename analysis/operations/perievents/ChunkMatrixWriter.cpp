@@ -1,6 +1,6 @@
 #include "analysis/operations/perievents/ChunkMatrixWriter.h"
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 
 #include <algorithm>
 #include <array>

@@ -3,8 +3,8 @@
 #include "analysis/operations/perievents/ChunkMatrixWriter.h"
 #include "analysis/operations/perievents/PerieventCutter.h"
 #include "analysis/operations/perievents/PerieventSampleRate.h"
+#include "datafile/Feedback.h"
 #include "definitions/AnalysisOperationDefinitions.h"
-#include "framework/Feedback.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
 #include <QLocale>

@@ -1,9 +1,9 @@
 #include "analysis/operations/perievents/PerieventResultFile.h"
 
+#include "datafile/Feedback.h"
 #include "datafile/HDF5Writer_V6.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
-#include "framework/Feedback.h"
 
 #include <algorithm>
 

@@ -6,7 +6,7 @@
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "framework/OutputLocation.h"
-#include "framework/RunOutputs.h"
+#include "framework/RunTransaction.h"
 
 namespace zarvi {
 
@@ -29,19 +29,17 @@ QString signalName(HDF5Writer_V6& file, const QString& valuesPath)
 
 } // namespace
 
-PerieventsProcess::PerieventsProcess() : AnalysisOperationProcess(D::Perievents) {}
-
 bool PerieventsProcess::computeOperation()
 {
     PerieventRequest request;
-    const QStringList problems = PerieventParameters::parse(m_parameters, request);
+    const QStringList problems = PerieventParameters::parse(m_parameters.map(), request);
     if (!problems.isEmpty()) {
         for (const QString& problem : problems)
             addError(problem);
         return false;
     }
     EventArray events;
-    const QString loadError = PerieventParameters::loadEvents(*m_file, request, events);
+    const QString loadError = PerieventParameters::loadEvents(m_run->file(), request, events);
     if (!loadError.isEmpty()) {
         addError(loadError);
         return false;
@@ -55,15 +53,15 @@ bool PerieventsProcess::computeOperation()
         return false;
 
     QString error;
-    const QString group = m_results->sensorGroup(m_inputPath, error);
+    const QString group = m_run->sensorGroup(m_inputPath, error);
     if (group.isEmpty()) {
         addError(error);
         return false;
     }
     const bool both = m_result.sides.size() > 1;
     const QString unit = m_result.unit.isEmpty() ? m_input.unit : m_result.unit;
-    const QVariantMap attributes = m_results->datasetAttributes(m_inputPath);
-    PerieventResultNames names{signalName(*m_file, m_inputPath), request.config.eventName, {}};
+    const QVariantMap attributes = m_run->datasetAttributes(m_inputPath);
+    PerieventResultNames names{signalName(m_run->file(), m_inputPath), request.config.eventName, {}};
     const int count = static_cast<int>(m_result.sides.size());
     for (int s = 0; s < count; ++s) {
         const PerieventSideResult& side = m_result.sides[s];
@@ -73,9 +71,10 @@ bool PerieventsProcess::computeOperation()
             names.side = sideName;
         ScaledFeedback saving(m_stepFeedback, ComputeShare + (100 - ComputeShare) * s / count,
                               ComputeShare + (100 - ComputeShare) * (s + 1) / count);
-        const QString written = PerieventResultFile::write(
-            *m_file, both ? group + QLatin1Char('/') + sideName : group, side, request.config.statistics,
-            window.windowStart, window.windowEnd, unit, names, attributes, error, &saving);
+        const QString written =
+            PerieventResultFile::write(m_run->file(), both ? group + QLatin1Char('/') + sideName : group,
+                                       side, request.config.statistics, window.windowStart, window.windowEnd,
+                                       unit, names, attributes, error, &saving);
         if (written.isEmpty()) {
             if (!error.isEmpty())
                 addError(error);

@@ -14,9 +14,6 @@ class PerieventsProcess : public AnalysisOperationProcess
 {
     Q_OBJECT
 
-public:
-    PerieventsProcess();
-
 protected:
     bool computeOperation() override;
 

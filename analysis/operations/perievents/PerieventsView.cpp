@@ -4,12 +4,12 @@
 #include "analysis/operations/perievents/PerieventPreview.h"
 #include "analysis/operations/perievents/PerieventSideBox.h"
 #include "analysis/operations/perievents/SignalExcerpt.h"
-#include "app/browser/GuiFileRead.h"
 #include "datafile/DataFileTree.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "fileeditor/TableData.h"
+#include "framework/LockedFileRead.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -282,7 +282,7 @@ bool PerieventsView::loadFileData()
 {
     std::vector<DataFileNode> nodes;
     {
-        GuiFileRead read(filepath());
+        LockedFileRead read(filepath());
         if (!read.isOpen()) {
             m_range->setText(read.error());
             return false;
@@ -485,7 +485,7 @@ void PerieventsView::updatePreview()
     }
     PerieventChunkPreview::Result chunk;
     {
-        GuiFileRead read(filepath());
+        LockedFileRead read(filepath());
         if (!read.isOpen()) {
             m_preview->showNote(read.error());
             return;

@@ -10,9 +10,6 @@ class DecimationProcess : public SignalOperationProcess
 {
     Q_OBJECT
 
-public:
-    DecimationProcess();
-
 protected:
     bool computeOperation() override;
 };

@@ -12,12 +12,8 @@ using SD = SignalOperationDefinitions;
 DecimationView::DecimationView(QWidget* parent) : SignalOperationView(SD::Decimation, parent)
 {
     auto* layout = new QFormLayout(this);
-    m_factor = new QSpinBox(this);
-    m_factor->setObjectName(QStringLiteral("sb_decimationFactor"));
-    m_factor->setRange(1, 1000000);
-    m_factor->setValue(10);
-    m_factor->setToolTip(SD::decimationFactorTooltip());
-    layout->addRow(SD::DecimationFactor, m_factor);
+    m_factor = static_cast<QSpinBox*>(
+        addParameterRow(layout, SD::DecimationFactor, QStringLiteral("sb_decimationFactor")));
 }
 
 bool DecimationView::buildParameters(QVariantMap& parameters)

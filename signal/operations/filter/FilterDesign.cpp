@@ -18,8 +18,8 @@ FilterDesign::Result FilterDesign::design(const QString& filterType, std::span<c
 
     const double rate = sampleRate == RateFromTime ? sampleRateOf(time) : sampleRate;
     Result result{Butterworth(*kind), KernelOutcome::completed()};
-    const bool outside = std::any_of(cutoffs.begin(), cutoffs.end(),
-                                     [rate](double f) { return !(f > 0.0 && f < rate / 2.0); });
+    const bool outside =
+        std::any_of(cutoffs.begin(), cutoffs.end(), [rate](double f) { return !isBelowNyquist(f, rate); });
     const bool lowOrHigh = *kind == FilterKind::LowPass || *kind == FilterKind::HighPass;
     bool designed = false;
     if (!cutoffs.empty() && !outside && lowOrHigh) {
@@ -34,12 +34,12 @@ FilterDesign::Result FilterDesign::design(const QString& filterType, std::span<c
     return result;
 }
 
-std::vector<double> FilterDesign::cutoffsFromParameters(const QVariantMap& parameters)
+std::vector<double> FilterDesign::cutoffsFromParameters(const ParameterValues& parameters)
 {
     std::vector<double> cutoffs;
     for (const QString& key : {Defs::LowCutoffFrequency, Defs::HighCutoffFrequency}) {
-        if (parameters.contains(key))
-            cutoffs.push_back(parameters.value(key).toDouble());
+        if (parameters.has(key))
+            cutoffs.push_back(parameters.number(key));
     }
     return cutoffs;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "framework/ParameterValues.h"
 #include "signal/operations/KernelOutcome.h"
 #include "signal/operations/filter/Butterworth.h"
 
 #include <QString>
-#include <QVariantMap>
 
 #include <optional>
 #include <span>
@@ -36,7 +36,14 @@ public:
 
     /// The cut-off list of a parameter map: LowCutoffFrequency first when present,
     /// then HighCutoffFrequency when present.
-    static std::vector<double> cutoffsFromParameters(const QVariantMap& parameters);
+    static std::vector<double> cutoffsFromParameters(const ParameterValues& parameters);
+
+    /// True when a cut-off lies strictly between 0 and half the sample rate; the
+    /// view's messages beside the fields and the design ask the same question.
+    static bool isBelowNyquist(double cutoff, double sampleRate)
+    {
+        return cutoff > 0.0 && cutoff < sampleRate / 2.0;
+    }
 
     /// The filter kind named by a FilterType value, if it is one of the four.
     static std::optional<FilterKind> kindFromName(const QString& filterType);

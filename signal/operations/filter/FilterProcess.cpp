@@ -8,27 +8,15 @@ namespace zarvi {
 
 using SD = SignalOperationDefinitions;
 
-FilterProcess::FilterProcess() : SignalOperationProcess(SD::FilteredSignals) {}
-
 bool FilterProcess::computeOperation()
 {
-    const QString type = m_parameters.value(SD::FilterType).toString();
-    if (type.isEmpty()) {
-        addError(SD::parameterMissingMessage().arg(SD::FilterType));
-        return false;
-    }
-    const QString name = m_parameters.value(SD::FilterName).toString();
+    const QString name = m_parameters.text(SD::FilterName);
     if (!name.isEmpty() && name != SD::Butterworth) {
         addError(SD::unknownFilterNameMessage().arg(name));
         return false;
     }
-    // An empty cut-off is one that was not given: it must not enter the list as 0 Hz.
-    QVariantMap given;
-    for (const QString& key : {SD::LowCutoffFrequency, SD::HighCutoffFrequency}) {
-        if (!m_parameters.value(key).toString().isEmpty())
-            given.insert(key, m_parameters.value(key));
-    }
-    FilterDesign::Result design = FilterDesign::design(type, FilterDesign::cutoffsFromParameters(given),
+    FilterDesign::Result design = FilterDesign::design(m_parameters.text(SD::FilterType),
+                                                       FilterDesign::cutoffsFromParameters(m_parameters),
                                                        FilterDesign::RateFromTime, m_input.time);
     if (!design.outcome.ok()) {
         addError(design.outcome.error);

@@ -11,9 +11,6 @@ class FilterProcess : public SignalOperationProcess
 {
     Q_OBJECT
 
-public:
-    FilterProcess();
-
 protected:
     bool computeOperation() override;
 };

@@ -1,6 +1,8 @@
 #include "signal/operations/filter/FilterView.h"
 
 #include "definitions/SignalOperationDefinitions.h"
+#include "definitions/ZarviMainDefinitions.h"
+#include "framework/BackgroundJob.h"
 #include "signal/SignalFileReader.h"
 #include "signal/operations/filter/FilterDesign.h"
 #include "signal/operations/filter/FilterResponse.h"
@@ -40,7 +42,9 @@ void setCurve(QCPGraph* graph, const std::vector<double>& x, const std::vector<d
 
 } // namespace
 
-FilterView::FilterView(QWidget* parent) : SignalOperationView(SD::Filter, parent)
+FilterView::FilterView(QWidget* parent)
+    : SignalOperationView(SD::Filter, parent),
+      m_spectrumJob(std::make_unique<BackgroundJob>(ZarviMainDefinitions::previewProgressTitle()))
 {
     auto* layout = new QFormLayout(this);
     m_type = new QComboBox(this);
@@ -86,7 +90,17 @@ FilterView::FilterView(QWidget* parent) : SignalOperationView(SD::Filter, parent
     connect(m_low, &QDoubleSpinBox::valueChanged, this, changed);
     connect(m_high, &QDoubleSpinBox::valueChanged, this, changed);
     m_high->setEnabled(isBand());
+    connect(m_spectrumJob.get(), &BackgroundJob::finished, this, [this](bool canceled) {
+        const auto spectrum = std::move(m_spectrum);
+        if (!canceled && spectrum && !spectrum->first.empty()) {
+            setCurve(m_plot->graph(0), spectrum->first, spectrum->second);
+            m_plot->rescaleAxes();
+            m_plot->replot(QCustomPlot::rpQueuedReplot);
+        }
+    });
 }
+
+FilterView::~FilterView() = default;
 
 bool FilterView::isBand() const
 {
@@ -100,9 +114,9 @@ bool FilterView::validate()
     const bool known = nyquist > 0.0;
     QString lowText;
     QString highText;
-    if (known && m_low->value() >= nyquist)
+    if (known && !FilterDesign::isBelowNyquist(m_low->value(), sampleRate()))
         lowText = SD::lowAboveNyquistMessage();
-    if (isBand() && known && m_high->value() >= nyquist)
+    if (isBand() && known && !FilterDesign::isBelowNyquist(m_high->value(), sampleRate()))
         highText = SD::highAboveNyquistMessage();
     if (isBand() && lowText.isEmpty() && m_low->value() >= m_high->value())
         lowText = SD::lowNotBelowHighMessage();
@@ -134,17 +148,25 @@ void FilterView::updateResponse()
 void FilterView::datasetsChanged()
 {
     SignalOperationView::datasetsChanged();
-    QCPGraph* spectrum = m_plot->graph(0);
-    spectrum->data()->clear();
-    Signal signal;
-    QString error;
-    if (!datapaths().isEmpty() && SignalFileReader::read(filepath(), datapaths().first(), signal, error)) {
-        const SignalSpectrum::Result fft = SignalSpectrum::compute(signal.values, sampleRate());
-        if (fft.outcome.ok())
-            setCurve(spectrum, fft.frequencies, fft.magnitudesDb);
-    }
+    m_plot->graph(0)->data()->clear();
     validate();
     updateResponse();
+    if (datapaths().isEmpty() || m_spectrumJob->isRunning())
+        return;
+    // A whole signal is read and transformed, which takes long on hour-long recordings.
+    auto spectrum = std::make_shared<std::pair<std::vector<double>, std::vector<double>>>();
+    m_spectrum = spectrum;
+    m_spectrumJob->start(
+        SD::calculatingSpectrumLabel(),
+        [spectrum, file = filepath(), path = datapaths().first(), rate = sampleRate()](Feedback&) {
+            Signal signal;
+            QString error;
+            if (!SignalFileReader::read(file, path, signal, error))
+                return;
+            SignalSpectrum::Result fft = SignalSpectrum::compute(signal.values, rate);
+            if (fft.outcome.ok())
+                *spectrum = {std::move(fft.frequencies), std::move(fft.magnitudesDb)};
+        });
 }
 
 bool FilterView::buildParameters(QVariantMap& parameters)

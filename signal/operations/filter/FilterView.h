@@ -2,6 +2,7 @@
 
 #include "signal/SignalOperationView.h"
 
+#include <memory>
 #include <vector>
 
 class QComboBox;
@@ -11,20 +12,26 @@ class QCustomPlot;
 
 namespace zarvi {
 
+class BackgroundJob;
+
 /// Parameters of "Filter": the filter type and its cut-offs, checked against half the
 /// sample rate beside the fields, with a preview of the first selected signal's
-/// spectrum under the response of the filter as set. GUI thread.
+/// spectrum under the response of the filter as set. The spectrum is read and computed
+/// by a background job; the view itself lives on the GUI thread.
 class FilterView : public SignalOperationView
 {
     Q_OBJECT
 
 public:
     explicit FilterView(QWidget* parent = nullptr);
+    ~FilterView() override;
 
     QComboBox* typeBox() const { return m_type; }
     QDoubleSpinBox* lowBox() const { return m_low; }
     QDoubleSpinBox* highBox() const { return m_high; }
     QCustomPlot* plot() const { return m_plot; }
+    /// Computes the spectrum preview; its finished() says when the plot has it.
+    BackgroundJob* spectrumJob() const { return m_spectrumJob.get(); }
 
 protected:
     bool buildParameters(QVariantMap& parameters) override;
@@ -43,6 +50,9 @@ private:
     QLabel* m_lowValidation;
     QLabel* m_highValidation;
     QCustomPlot* m_plot;
+    std::unique_ptr<BackgroundJob> m_spectrumJob;
+    /// Frequencies and magnitudes of the spectrum being computed, handed over on finish.
+    std::shared_ptr<std::pair<std::vector<double>, std::vector<double>>> m_spectrum;
 };
 
 } // namespace zarvi

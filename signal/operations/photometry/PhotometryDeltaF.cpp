@@ -1,8 +1,8 @@
 #include "signal/operations/photometry/PhotometryDeltaF.h"
 
+#include "datafile/Feedback.h"
 #include "definitions/SignalOperationDefinitions.h"
 #include "signal/operations/SampleRate.h"
-#include "framework/Feedback.h"
 #include "signal/operations/decimation/Decimation.h"
 #include "signal/operations/smooth/Smoothing.h"
 #include "signal/operations/standardize/ZScore.h"
@@ -17,12 +17,6 @@ namespace {
 using Defs = SignalOperationDefinitions;
 using Signal = PhotometryDeltaF::Signal;
 constexpr std::size_t BlockSize = std::size_t{1} << 16;
-
-/// A parameter counts as given when it is present and not an empty text.
-bool given(const QVariantMap& parameters, const QString& key)
-{
-    return parameters.contains(key) && !parameters.value(key).toString().isEmpty();
-}
 
 void setLabel(Feedback* feedback, const QString& label)
 {
@@ -127,24 +121,22 @@ PhotometryDeltaF::Result failure(KernelOutcome outcome)
 
 } // namespace
 
-PhotometryDeltaF::Config PhotometryDeltaF::Config::fromParameters(const QVariantMap& parameters)
+PhotometryDeltaF::Config PhotometryDeltaF::Config::fromParameters(const ParameterValues& parameters)
 {
     Config config;
-    if (given(parameters, Defs::DiscardStart))
-        config.discardStart = parameters.value(Defs::DiscardStart).toDouble();
-    if (given(parameters, Defs::DiscardEnd))
-        config.discardEnd = parameters.value(Defs::DiscardEnd).toDouble();
-    config.decimationFactor = parameters.value(Defs::DecimationFactor).toInt();
-    config.smoothMethod = parameters.value(Defs::SmoothMethod).toString();
-    config.smoothTimeFrame = parameters.value(Defs::SmoothTimeFrame).toDouble();
-    config.smoothFrequency = parameters.value(Defs::SmoothFrequency).toDouble();
-    config.slope.method = parameters.value(Defs::RemoveSlopeMethod).toString();
-    config.slope.lambda = parameters.value(Defs::SlopeLambda).toDouble();
-    config.slope.ratio = parameters.value(Defs::SlopeRatio).toDouble();
-    config.slope.timeWindow = parameters.value(Defs::SlopeTimeWindow).toDouble();
-    config.slope.order = parameters.value(Defs::SlopeOrder).toInt();
-    config.standardizeMethod = parameters.value(Defs::StandardizeMethod).toString();
-    config.residualThreshold = parameters.value(Defs::ResidualThreshold).toDouble();
+    config.discardStart = parameters.optionalNumber(Defs::DiscardStart);
+    config.discardEnd = parameters.optionalNumber(Defs::DiscardEnd);
+    config.decimationFactor = parameters.integer(Defs::DecimationFactor);
+    config.smoothMethod = parameters.text(Defs::SmoothMethod);
+    config.smoothTimeFrame = parameters.number(Defs::SmoothTimeFrame);
+    config.smoothFrequency = parameters.number(Defs::SmoothFrequency);
+    config.slope.method = parameters.text(Defs::RemoveSlopeMethod);
+    config.slope.lambda = parameters.number(Defs::SlopeLambda);
+    config.slope.ratio = parameters.number(Defs::SlopeRatio);
+    config.slope.timeWindow = parameters.number(Defs::SlopeTimeWindow);
+    config.slope.order = parameters.integer(Defs::SlopeOrder);
+    config.standardizeMethod = parameters.text(Defs::StandardizeMethod);
+    config.residualThreshold = parameters.number(Defs::ResidualThreshold);
     return config;
 }
 
@@ -185,7 +177,8 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
     const bool smoothing = Smoothing::isKnownMethod(config.smoothMethod);
     const double decimatedRate = sampleRateOf(biosensor.time);
     if (lowPass && !(config.smoothFrequency < decimatedRate / 2.0)) {
-        result.warnings << Defs::smoothingCutoffTooHighMessage().arg(Defs::SmoothSignals);
+        if (feedback)
+            feedback->warn(Defs::smoothingCutoffTooHighMessage().arg(Defs::SmoothSignals));
     } else if (smoothing && !run(Defs::smoothingSignalsLabel(),
                                  [&](Signal& s, Feedback* f) { return smooth(s, config, f); })) {
         return failure(outcome);

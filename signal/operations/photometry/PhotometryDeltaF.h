@@ -1,13 +1,13 @@
 #pragma once
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
+#include "framework/ParameterValues.h"
 #include "signal/operations/KernelOutcome.h"
 #include "signal/operations/photometry/RansacLineFit.h"
 #include "signal/operations/slope/SlopeBaseline.h"
 
 #include <QString>
 #include <QStringList>
-#include <QVariantMap>
 
 #include <optional>
 #include <vector>
@@ -38,7 +38,7 @@ public:
         bool keepPreviewData = false;
 
         /// Reads the keys of the operation's parameter map.
-        static Config fromParameters(const QVariantMap& parameters);
+        static Config fromParameters(const ParameterValues& parameters);
     };
 
     struct Signal
@@ -64,11 +64,10 @@ public:
         std::vector<double> biosensorForFit;  ///< y of the fit
         std::vector<double> fittedIsosbestic; ///< the line evaluated at every x
 
-        /// Messages of stages that were skipped for a reason the user should see.
-        QStringList warnings;
         KernelOutcome outcome;
     };
 
+    /// A stage skipped for a reason the user should see is reported through feedback->warn().
     static Result compute(const Config& config, Signal isosbestic, Signal biosensor, Feedback* feedback);
 };
 

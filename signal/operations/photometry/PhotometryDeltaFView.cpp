@@ -2,7 +2,7 @@
 
 #include "definitions/SignalOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
-#include "framework/PreviewJob.h"
+#include "framework/BackgroundJob.h"
 #include "signal/SignalFileReader.h"
 #include "signal/operations/photometry/PhotometryPairs.h"
 #include "signal/operations/photometry/PhotometryPreviewPlots.h"
@@ -83,18 +83,20 @@ struct PhotometryDeltaFView::PreviewOutput
 };
 
 PhotometryDeltaFView::PhotometryDeltaFView(QWidget* parent)
-    : SignalOperationView(SD::PhotometryDeltaF, parent), m_preview(std::make_unique<PreviewJob>())
+    : SignalOperationView(SD::PhotometryDeltaF, parent),
+      m_preview(std::make_unique<BackgroundJob>(ZarviMainDefinitions::previewProgressTitle()))
 {
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(buildStages());
     m_plots = new PhotometryPreviewPlots(this);
     layout->addWidget(m_plots, 1);
 
-    connect(m_preview.get(), &PreviewJob::finished, this, [this](bool canceled) {
+    connect(m_preview.get(), &BackgroundJob::finished, this, [this](bool canceled) {
         const std::shared_ptr<PreviewOutput> output = std::move(m_previewOutput);
         if (!canceled && output && output->read) {
-            for (const QString& warning : std::as_const(output->result.warnings))
-                showMessage(SD::warningOperationTitle(), warning, QString(), QMessageBox::Warning);
+            for (const QString& warning : m_preview->warnings())
+                showMessage(ZarviMainDefinitions::warningOperationTitle(), warning, QString(),
+                            QMessageBox::Warning);
             if (output->result.outcome.isFailed())
                 showMessage(ZarviMainDefinitions::errorOperationTitle(), output->result.outcome.error,
                             QString(), QMessageBox::Critical);
@@ -353,13 +355,14 @@ bool PhotometryDeltaFView::requestPreview()
     }
 
     const QVariantMap parameters = stageParameters();
-    PhotometryDeltaF::Config config = PhotometryDeltaF::Config::fromParameters(parameters);
+    PhotometryDeltaF::Config config = PhotometryDeltaF::Config::fromParameters(ParameterValues(parameters));
     config.keepPreviewData = true;
     auto output = std::make_shared<PreviewOutput>();
     output->standardized = !config.standardizeMethod.isEmpty();
     m_previewOutput = output;
     const QString file = filepath();
-    return m_preview->start([output, config, file, isosbesticPath, biosensorPath](Feedback* feedback) {
+    return m_preview->start(QString(), [output, config, file, isosbesticPath,
+                                        biosensorPath](Feedback& feedback) {
         std::vector<Signal> loaded;
         output->read =
             SignalFileReader::read(file, {isosbesticPath, biosensorPath}, loaded, output->readError);
@@ -368,7 +371,7 @@ bool PhotometryDeltaFView::requestPreview()
             return;
         output->result =
             PhotometryDeltaF::compute(config, {std::move(loaded[0].values), std::move(loaded[0].time)},
-                                      {std::move(loaded[1].values), std::move(loaded[1].time)}, feedback);
+                                      {std::move(loaded[1].values), std::move(loaded[1].time)}, &feedback);
     });
 }
 

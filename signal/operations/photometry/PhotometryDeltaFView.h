@@ -11,7 +11,7 @@ class QSpinBox;
 namespace zarvi {
 
 class PhotometryPreviewPlots;
-class PreviewJob;
+class BackgroundJob;
 
 /// Parameters of "Photometry deltaF/F": the two sensor names (offered from the
 /// selected signals' sensors), one check box per pre-processing stage (an unchecked
@@ -30,7 +30,7 @@ public:
     /// start (the reason is shown in a message).
     bool requestPreview();
     PhotometryPreviewPlots* previewPlots() const { return m_plots; }
-    PreviewJob* previewJob() const { return m_preview.get(); }
+    BackgroundJob* previewJob() const { return m_preview.get(); }
 
 signals:
     /// After a preview has ended, drawn or not.
@@ -76,7 +76,7 @@ private:
     QDoubleSpinBox* m_residualThreshold;
     QComboBox* m_previewSignal;
     PhotometryPreviewPlots* m_plots;
-    std::unique_ptr<PreviewJob> m_preview;
+    std::unique_ptr<BackgroundJob> m_preview;
     std::shared_ptr<PreviewOutput> m_previewOutput;
 };
 

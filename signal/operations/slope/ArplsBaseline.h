@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 #include "signal/operations/VectorResult.h"
 
 #include <span>

@@ -27,10 +27,10 @@ inline std::size_t mirrored(long long k, long long n)
 VectorResult RunningAverage::compute(std::span<const double> values, std::span<const double> time,
                                      double windowSeconds, Feedback* feedback)
 {
-    const double samples = sampleRateOf(time) * windowSeconds;
-    if (!(samples >= 1.0))
+    const double rate = sampleRateOf(time);
+    if (isWindowTooShort(rate, windowSeconds))
         return {{}, KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage())};
-    return computeSamples(values, static_cast<long long>(samples), feedback);
+    return computeSamples(values, static_cast<long long>(rate * windowSeconds), feedback);
 }
 
 VectorResult RunningAverage::computeSamples(std::span<const double> values, long long window,

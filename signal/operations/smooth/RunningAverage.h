@@ -1,6 +1,6 @@
 #pragma once
 
-#include "framework/Feedback.h"
+#include "datafile/Feedback.h"
 #include "signal/operations/VectorResult.h"
 
 #include <span>
@@ -17,6 +17,12 @@ public:
     /// Fails when W is below one sample.
     static VectorResult compute(std::span<const double> values, std::span<const double> time,
                                 double windowSeconds, Feedback* feedback);
+    /// True when a window of `windowSeconds` holds less than one sample at `sampleRate`;
+    /// the kernel refuses such a window and the views say so beside the field.
+    static bool isWindowTooShort(double sampleRate, double windowSeconds)
+    {
+        return !(sampleRate * windowSeconds >= 1.0);
+    }
 
     /// With h = W / 2, output i is the sum of the samples i - h to i + h divided by W;
     /// for even W that is W + 1 samples divided by W, which is how the operation has

@@ -7,13 +7,11 @@ namespace zarvi {
 
 using SD = SignalOperationDefinitions;
 
-SmoothProcess::SmoothProcess() : SignalOperationProcess(SD::SmoothedSignals) {}
-
 bool SmoothProcess::computeOperation()
 {
-    const Smoothing::Config config{m_parameters.value(SD::SmoothMethod).toString(),
-                                   m_parameters.value(SD::SmoothTimeFrame).toDouble(),
-                                   m_parameters.value(SD::SmoothFrequency).toDouble()};
+    const Smoothing::Config config{m_parameters.text(SD::SmoothMethod),
+                                   m_parameters.number(SD::SmoothTimeFrame),
+                                   m_parameters.number(SD::SmoothFrequency)};
     m_output.values = std::move(m_input.values);
     m_output.time = std::move(m_input.time);
     const KernelOutcome outcome = Smoothing::apply(config, m_output.values, m_output.time, m_stepFeedback);

@@ -12,9 +12,6 @@ class SmoothProcess : public SignalOperationProcess
 {
     Q_OBJECT
 
-public:
-    SmoothProcess();
-
 protected:
     bool computeOperation() override;
 };

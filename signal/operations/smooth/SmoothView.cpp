@@ -1,6 +1,8 @@
 #include "signal/operations/smooth/SmoothView.h"
 
 #include "definitions/SignalOperationDefinitions.h"
+#include "signal/operations/filter/FilterDesign.h"
+#include "signal/operations/smooth/RunningAverage.h"
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -15,32 +17,15 @@ using SD = SignalOperationDefinitions;
 SmoothView::SmoothView(QWidget* parent) : SignalOperationView(SD::SmoothSignals, parent)
 {
     auto* layout = new QFormLayout(this);
-    m_method = new QComboBox(this);
-    m_method->setObjectName(QStringLiteral("cb_smoothMethod"));
-    m_method->addItems({SD::RunningAverage, SD::LowPassButterworthFilter});
-    layout->addRow(SD::smoothMethodLabel(), m_method);
-
-    m_timeFrame = new QDoubleSpinBox(this);
-    m_timeFrame->setObjectName(QStringLiteral("dsb_smoothTimeFrame"));
-    m_timeFrame->setDecimals(4);
-    m_timeFrame->setRange(0.0, 1e5);
-    m_timeFrame->setValue(0.1);
+    m_method =
+        static_cast<QComboBox*>(addParameterRow(layout, SD::SmoothMethod, QStringLiteral("cb_smoothMethod")));
+    m_method->setEditable(false);
     m_timeFrameValidation = makeValidationLabel(QStringLiteral("lb_smoothTimeFrameValidation"));
-    auto* timeRow = new QHBoxLayout;
-    timeRow->addWidget(m_timeFrame);
-    timeRow->addWidget(m_timeFrameValidation, 1);
-    layout->addRow(SD::smoothTimeFrameLabel(), timeRow);
-
-    m_frequency = new QDoubleSpinBox(this);
-    m_frequency->setObjectName(QStringLiteral("dsb_smoothFrequency"));
-    m_frequency->setDecimals(3);
-    m_frequency->setRange(0.001, 1e6);
-    m_frequency->setValue(10.0);
+    m_timeFrame = static_cast<QDoubleSpinBox*>(addParameterRow(
+        layout, SD::SmoothTimeFrame, QStringLiteral("dsb_smoothTimeFrame"), m_timeFrameValidation));
     m_frequencyValidation = makeValidationLabel(QStringLiteral("lb_smoothFrequencyValidation"));
-    auto* frequencyRow = new QHBoxLayout;
-    frequencyRow->addWidget(m_frequency);
-    frequencyRow->addWidget(m_frequencyValidation, 1);
-    layout->addRow(SD::smoothFrequencyLabel(), frequencyRow);
+    m_frequency = static_cast<QDoubleSpinBox*>(addParameterRow(
+        layout, SD::SmoothFrequency, QStringLiteral("dsb_smoothFrequency"), m_frequencyValidation));
 
     const auto changed = [this] {
         m_timeFrame->setEnabled(isRunningAverage());
@@ -65,9 +50,9 @@ bool SmoothView::validate()
     QString frequencyText;
     // The process takes W = int(rate x window) samples; a window of no sample cannot average.
     if (isRunningAverage() && (m_timeFrame->value() <= 0.0 ||
-                               (rate > 0.0 && static_cast<long long>(rate * m_timeFrame->value()) < 1)))
+                               (rate > 0.0 && RunningAverage::isWindowTooShort(rate, m_timeFrame->value()))))
         timeText = SD::timeFrameBelowOneSampleMessage();
-    if (!isRunningAverage() && rate > 0.0 && m_frequency->value() >= rate / 2.0)
+    if (!isRunningAverage() && rate > 0.0 && !FilterDesign::isBelowNyquist(m_frequency->value(), rate))
         frequencyText = SD::cutoffAboveNyquistMessage();
     setValidationText(m_timeFrameValidation, timeText);
     setValidationText(m_frequencyValidation, frequencyText);

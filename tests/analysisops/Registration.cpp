@@ -1,0 +1,21 @@
+#include "common/TestRegistration.h"
+
+#include "analysis/AnalysisOperations.h"
+#include "framework/OperationRegistry.h"
+#include "signal/SignalOperations.h"
+
+#ifdef ZARVI_TEST_WIDGETS
+#include "analysis/AnalysisOperationViews.h"
+#include "framework/OperationViewRegistry.h"
+#include "signal/SignalOperationViews.h"
+#endif
+
+void zarvi::test::registerOperations()
+{
+    registerSignalOperations(OperationRegistry::instance());
+    registerAnalysisOperations(OperationRegistry::instance());
+#ifdef ZARVI_TEST_WIDGETS
+    registerSignalOperationViews(OperationViewRegistry::instance());
+    registerAnalysisOperationViews(OperationViewRegistry::instance());
+#endif
+}
