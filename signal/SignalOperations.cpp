@@ -81,10 +81,12 @@ void registerSignalOperations(OperationRegistry& registry)
                        .withTooltip(SD::filterTypeTooltip()),
                    P::number(SD::LowCutoffFrequency, SD::lowCutoffLabel())
                        .withUnit(QStringLiteral("Hz"))
+                       .atLeast(0.0)
                        .withDefault(1.0)
                        .withTooltip(SD::lowCutoffTooltip()),
                    P::number(SD::HighCutoffFrequency, SD::highCutoffLabel())
                        .withUnit(QStringLiteral("Hz"))
+                       .atLeast(0.0)
                        .withDefault(10.0)
                        .withTooltip(SD::highCutoffTooltip()),
                    P::text(SD::FilterName, SD::filterNameLabel())

@@ -25,16 +25,6 @@ using SD = SignalOperationDefinitions;
 /// Points of the drawn response curve.
 constexpr std::size_t responsePoints = 2000;
 
-QDoubleSpinBox* cutoffBox(QWidget* parent, const QString& objectName, double value)
-{
-    auto* box = new QDoubleSpinBox(parent);
-    box->setObjectName(objectName);
-    box->setDecimals(3);
-    box->setRange(0.001, 1e6);
-    box->setValue(value);
-    return box;
-}
-
 void setCurve(QCPGraph* graph, const std::vector<double>& x, const std::vector<double>& y)
 {
     graph->setData(QVector<double>(x.begin(), x.end()), QVector<double>(y.begin(), y.end()), true);
@@ -47,24 +37,14 @@ FilterView::FilterView(QWidget* parent)
       m_spectrumJob(std::make_unique<BackgroundJob>(ZarviMainDefinitions::previewProgressTitle()))
 {
     auto* layout = new QFormLayout(this);
-    m_type = new QComboBox(this);
-    m_type->setObjectName(QStringLiteral("cb_filterType"));
-    m_type->addItems({SD::LowPass, SD::HighPass, SD::BandPass, SD::BandStop});
-    layout->addRow(SD::filterTypeLabel(), m_type);
-
-    m_low = cutoffBox(this, QStringLiteral("dsb_lowCutoff"), 1.0);
+    m_type =
+        static_cast<QComboBox*>(addParameterRow(layout, SD::FilterType, QStringLiteral("cb_filterType")));
     m_lowValidation = makeValidationLabel(QStringLiteral("lb_lowCutoffValidation"));
-    auto* lowRow = new QHBoxLayout;
-    lowRow->addWidget(m_low);
-    lowRow->addWidget(m_lowValidation, 1);
-    layout->addRow(SD::lowCutoffLabel(), lowRow);
-
-    m_high = cutoffBox(this, QStringLiteral("dsb_highCutoff"), 10.0);
+    m_low = static_cast<QDoubleSpinBox*>(
+        addParameterRow(layout, SD::LowCutoffFrequency, QStringLiteral("dsb_lowCutoff"), m_lowValidation));
     m_highValidation = makeValidationLabel(QStringLiteral("lb_highCutoffValidation"));
-    auto* highRow = new QHBoxLayout;
-    highRow->addWidget(m_high);
-    highRow->addWidget(m_highValidation, 1);
-    layout->addRow(SD::highCutoffLabel(), highRow);
+    m_high = static_cast<QDoubleSpinBox*>(
+        addParameterRow(layout, SD::HighCutoffFrequency, QStringLiteral("dsb_highCutoff"), m_highValidation));
 
     m_plot = new QCustomPlot(this);
     m_plot->setObjectName(QStringLiteral("plot_filterResponse"));
