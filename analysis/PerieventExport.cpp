@@ -3,7 +3,7 @@
 #include "datafile/HDF5Reader_V6.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "fileeditor/CsvTableWriter.h"
-#include "framework/FileAccessLock.h"
+#include "framework/LockedFileRead.h"
 
 namespace zarvi {
 
@@ -69,11 +69,10 @@ QString PerieventExport::exportFromFile(const QString& filepath, const QString& 
     StoredPerieventResult result;
     QString error;
     {
-        const auto lock = FileAccessLock::lock(filepath);
-        HDF5Reader_V6 reader;
-        if (reader.open(filepath) < 0)
-            return reader.lastError();
-        if (!PerieventResultFile::read(reader, datapath, result, error))
+        LockedFileRead read(filepath, LockedFileRead::Wait::Yes);
+        if (!read.isOpen())
+            return read.error();
+        if (!PerieventResultFile::read(read.reader(), datapath, result, error))
             return D::cannotReadResultMessage().arg(datapath, error);
     }
     return write(result, csvPath, paths, feedback);

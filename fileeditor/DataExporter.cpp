@@ -17,7 +17,6 @@
 #include "fileeditor/TableData.h"
 #include "fileeditor/TiffStackWriter.h"
 #include "fileeditor/XlsxTableWriter.h"
-#include "framework/FileAccessLock.h"
 #include "framework/LockedFileRead.h"
 
 namespace zarvi {
@@ -371,13 +370,13 @@ DataExportResult DataExporter::run(const DataExportConfig& config, Feedback* fee
         result.error = Texts::exportNothingMessage();
         return result;
     }
-    auto lock = FileAccessLock::lock(config.filepath);
-    HDF5Reader_V6 file;
-    if (file.open(config.filepath) < 0) {
+    auto source = std::make_optional<LockedFileRead>(config.filepath, LockedFileRead::Wait::Yes);
+    if (!source->isOpen()) {
         result.error =
-            Texts::unableToOpenMessage().arg(config.filepath) + QStringLiteral("<br>") + file.lastError();
+            Texts::unableToOpenMessage().arg(config.filepath) + QStringLiteral("<br>") + source->error();
         return result;
     }
+    HDF5Reader_V6& file = source->reader();
     std::vector<ExportableDataset> items;
     for (const QString& path : config.datapaths) {
         std::optional<ExportableDataset> item = classify(file, path);
@@ -409,8 +408,8 @@ DataExportResult DataExporter::run(const DataExportConfig& config, Feedback* fee
     const bool read = kind == ExportKind::Signal   ? readSignals(file, items, table, result, &reading)
                       : kind == ExportKind::Events ? readEvents(file, items, table, result, &reading)
                                                    : readMatrix(file, items.front(), table, result);
-    file.closeFile();
-    lock.unlock();
+    // The tables are written after the file is closed and its lock released.
+    source.reset();
     if (!read)
         return result;
     ScaledFeedback writing(feedback, ReadPercent, 100);
