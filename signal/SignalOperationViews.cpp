@@ -4,7 +4,6 @@
 #include "framework/OperationViewRegistry.h"
 #include "signal/operations/decimation/DecimationView.h"
 #include "signal/operations/filter/FilterView.h"
-#include "signal/operations/invert/InvertView.h"
 #include "signal/operations/photometry/PhotometryDeltaFView.h"
 #include "signal/operations/smooth/SmoothView.h"
 
@@ -17,7 +16,6 @@ void registerSignalOperationViews(OperationViewRegistry& registry)
     registry.add(SD::SmoothSignals, [] { return std::make_unique<SmoothView>(); });
     registry.add(SD::Decimation, [] { return std::make_unique<DecimationView>(); });
     registry.add(SD::PhotometryDeltaF, [] { return std::make_unique<PhotometryDeltaFView>(); });
-    registry.add(QStringLiteral("Invert"), [] { return std::make_unique<InvertView>(); });
 }
 
 } // namespace zarvi

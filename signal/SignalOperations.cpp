@@ -5,7 +5,6 @@
 #include "framework/OperationRegistry.h"
 #include "signal/operations/decimation/DecimationProcess.h"
 #include "signal/operations/filter/FilterProcess.h"
-#include "signal/operations/invert/InvertProcess.h"
 #include "signal/operations/photometry/PhotometryDeltaFProcess.h"
 #include "signal/operations/smooth/SmoothProcess.h"
 
@@ -162,14 +161,6 @@ void registerSignalOperations(OperationRegistry& registry)
                        .isRequired()
                        .withTooltip(SD::residualThresholdTooltip())},
                   factory<PhotometryDeltaFProcess>()});
-    registry.add(
-        {QStringLiteral("Invert"),
-         OperationFamily::Signal,
-         QStringLiteral("Mirrors each signal about an offset."),
-         QStringLiteral("InvertedSignals"),
-         signalOutputs(QStringLiteral("InvertedSignals")),
-         {P::number(QStringLiteral("InvertOffset"), QStringLiteral("Offset")).isRequired().withDefault(0.0)},
-         factory<InvertProcess>()});
 }
 
 } // namespace zarvi
