@@ -176,7 +176,7 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
     const bool lowPass = config.smoothMethod == Defs::LowPassButterworthFilter;
     const bool smoothing = Smoothing::isKnownMethod(config.smoothMethod);
     const double decimatedRate = sampleRateOf(biosensor.time);
-    if (lowPass && !(config.smoothFrequency < decimatedRate / 2.0)) {
+    if (lowPass && isSmoothingCutoffTooHigh(config.smoothFrequency, decimatedRate)) {
         if (feedback)
             feedback->warn(Defs::smoothingCutoffTooHighMessage().arg(Defs::SmoothSignals));
     } else if (smoothing && !run(Defs::smoothingSignalsLabel(),

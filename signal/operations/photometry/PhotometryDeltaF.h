@@ -67,6 +67,13 @@ public:
         KernelOutcome outcome;
     };
 
+    /// True when the low-pass smoothing cannot run at the rate left after decimation; the
+    /// stage is then skipped with a warning, and the view says so beside the field.
+    static bool isSmoothingCutoffTooHigh(double cutoff, double decimatedRate)
+    {
+        return !(cutoff < decimatedRate / 2.0);
+    }
+
     /// A stage skipped for a reason the user should see is reported through feedback->warn().
     static Result compute(const Config& config, Signal isosbestic, Signal biosensor, Feedback* feedback);
 };

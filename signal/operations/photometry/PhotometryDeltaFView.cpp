@@ -274,7 +274,9 @@ void PhotometryDeltaFView::updateSmoothingNote()
     const double decimatedRate = sampleRate() / factor;
     const bool lowPass =
         m_smoothCheck->isChecked() && m_smoothMethod->currentText() == SD::LowPassButterworthFilter;
-    const bool tooHigh = lowPass && decimatedRate > 0.0 && m_smoothFrequency->value() >= decimatedRate / 2.0;
+    const bool tooHigh =
+        lowPass && decimatedRate > 0.0 &&
+        PhotometryDeltaF::isSmoothingCutoffTooHigh(m_smoothFrequency->value(), decimatedRate);
     setValidationText(m_smoothNote,
                       tooHigh ? SD::smoothingCutoffTooHighMessage().arg(SD::SmoothSignals) : QString());
 }
