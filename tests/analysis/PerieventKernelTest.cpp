@@ -1,9 +1,9 @@
 // Building blocks of the perievent analysis, checked against hand-computed values.
 #include "analysis/operations/perievents/ChunkStatistic.h"
-#include "analysis/operations/perievents/EventArray.h"
-#include "analysis/operations/perievents/EventSelector.h"
 #include "analysis/operations/perievents/PerieventSampleRate.h"
 #include "analysis/operations/perievents/PerieventStatistics.h"
+#include "events/EventArray.h"
+#include "events/EventSelector.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
 #include <gtest/gtest.h>

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "analysis/operations/perievents/ChunkStatistic.h"
-#include "analysis/operations/perievents/EventArray.h"
-#include "analysis/operations/perievents/EventSelector.h"
 #include "analysis/operations/perievents/PerieventNormalizer.h"
 #include "analysis/operations/perievents/PerieventStatistics.h"
+#include "events/EventArray.h"
+#include "events/EventSelector.h"
 
 #include <QString>
 #include <QStringList>

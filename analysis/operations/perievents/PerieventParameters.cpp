@@ -1,8 +1,8 @@
 #include "analysis/operations/perievents/PerieventParameters.h"
 
-#include "analysis/operations/perievents/EventArrayFile.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "events/EventArrayFile.h"
 
 #include <cmath>
 

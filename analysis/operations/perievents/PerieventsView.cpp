@@ -3,12 +3,12 @@
 #include "analysis/operations/perievents/PerieventChunkPreview.h"
 #include "analysis/operations/perievents/PerieventPreview.h"
 #include "analysis/operations/perievents/PerieventSideBox.h"
-#include "analysis/operations/perievents/SignalExcerpt.h"
 #include "app/browser/GuiFileRead.h"
 #include "datafile/DataFileTree.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "events/SignalExcerpt.h"
 #include "fileeditor/TableData.h"
 
 #include <QCheckBox>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "analysis/operations/perievents/EventArrayFile.h"
+#include "events/EventArrayFile.h"
 #include "framework/AbstractOperationView.h"
 
 #include <vector>
