@@ -22,6 +22,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <sys/resource.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -97,17 +99,30 @@ QStringList cliArguments(const QString& work)
             QStringLiteral("--data"),      SignalGroup + QStringLiteral("/Signal")};
 }
 
-/// Seconds `program` takes to run the operation on a fresh copy of `input`; negative
-/// with `error` set when it fails.
-double timeCli(const QString& program, const QString& input, const QString& work, QString& error)
+/// User and system seconds of the finished child processes so far.
+double childCpuSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto toSeconds = [](const timeval& t) { return static_cast<double>(t.tv_sec) + 1e-6 * t.tv_usec; };
+    return toSeconds(usage.ru_utime) + toSeconds(usage.ru_stime);
+}
+
+/// Seconds `program` takes to run the operation on a fresh copy of `input`, and the
+/// processor seconds it used (`cpu`); negative with `error` set when it fails.
+double timeCli(const QString& program, const QString& input, const QString& work, QString& error,
+               double* cpu = nullptr)
 {
     QFile::remove(work);
     QFile::copy(input, work);
     QProcess cli;
+    const double cpuBefore = childCpuSeconds();
     const auto start = Clock::now();
     cli.start(program, cliArguments(work));
     const bool finished = cli.waitForFinished(-1);
     const double elapsed = seconds(start);
+    if (cpu)
+        *cpu = childCpuSeconds() - cpuBefore;
     if (finished && cli.exitCode() == 0)
         return elapsed;
     error = QString::fromUtf8(cli.readAllStandardError());
@@ -206,25 +221,29 @@ void BM_PerieventOperationAgainstBaseline(benchmark::State& state, const QString
         state.SkipWithError("cannot write the input file");
         return;
     }
-    std::vector<double> current, previous;
+    std::vector<double> current, previous, currentCpu, previousCpu;
     for (auto _ : state) {
         const bool baselineFirst = current.size() % 2 == 1;
         for (int turn = 0; turn < 2; ++turn) {
             const bool isBaseline = (turn == 0) == baselineFirst;
             QString error;
+            double cpu = 0.0;
             const double elapsed =
-                timeCli(isBaseline ? baseline : QStringLiteral(ZARVI_CLI_PATH), input, work, error);
+                timeCli(isBaseline ? baseline : QStringLiteral(ZARVI_CLI_PATH), input, work, error, &cpu);
             if (elapsed < 0.0) {
                 state.SkipWithError(error.toUtf8().constData());
                 return;
             }
             (isBaseline ? previous : current).push_back(elapsed);
+            (isBaseline ? previousCpu : currentCpu).push_back(cpu);
         }
         state.SetIterationTime(current.back());
     }
     state.counters["new_s"] = median(current);
     state.counters["old_s"] = median(previous);
     state.counters["new_over_old"] = median(current) / median(previous);
+    // Processor time is less swayed than wall time by other work on the machine.
+    state.counters["cpu_new_over_old"] = median(currentCpu) / median(previousCpu);
 }
 
 } // namespace
@@ -241,7 +260,7 @@ int main(int argc, char** argv)
         benchmark::RegisterBenchmark("BM_PerieventOperationAgainstBaseline",
                                      BM_PerieventOperationAgainstBaseline, baseline)
             ->UseManualTime()
-            ->Iterations(5)
+            ->Iterations(9)
             ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();

@@ -74,12 +74,12 @@ std::span<const double> eventTimes(const EventArray& events, bool offset)
 
 /// The centre and scale of every planned row from its baseline, a run of consecutive
 /// signal samples: a span of the analysed chunk, or the chunk of the matching baseline
-/// event. `scales` stays empty when the rows keep their values.
+/// event. Rows that keep their values get the identity, (x - 0) / 1 = x.
 QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSideConfig& side, bool offset,
                   const Events& events, const PerieventNormalization& normalization, Feedback* feedback,
                   std::vector<Statistics::Scale>& scales, bool& canceled)
 {
-    scales.clear();
+    scales.assign(plan.rows(), Statistics::Scale{});
     if (!alignsToBaseline(normalization))
         return {};
     std::vector<std::size_t> baselineStarts;
@@ -102,7 +102,7 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
             return {};
         }
         if (baseline->rows() == 0 || baseline->length == 0 || plan.rows() == 0 || plan.length == 0)
-            return {};
+            return {}; // no baseline: the rows keep their values
         // Row k of the baseline chunks serves row k of the analysed chunks.
         if (baseline->rows() < plan.rows())
             return D::SubmatBoundsError;
@@ -111,7 +111,6 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
     }
 
     using Method = PerieventNormalization::Method;
-    scales.resize(plan.rows());
     for (std::size_t row = 0; row < plan.rows(); ++row) {
         const auto baseline = signal.values.subspan(baselineStarts[row], baselineLength);
         if (normalization.method == Method::Mean)
@@ -124,37 +123,42 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
     return {};
 }
 
-/// The normalised chunks, one per column: the rows of the result matrix, transposed.
-bool cutChunks(std::span<const double> values, const ChunkPlan& plan,
-               std::span<const Statistics::Scale> scales, ProgressTracker& progress, arma::mat& chunks)
+/// Fills the trial-by-time matrix with the normalised chunks. Column by column, so that
+/// the matrix is written in the order it lies in memory while each chunk is read in order.
+bool fillMatrix(std::span<const double> values, const ChunkPlan& plan,
+                std::span<const Statistics::Scale> scales, ProgressTracker& progress, arma::mat& matrix)
 {
-    chunks.set_size(plan.length, plan.rows());
-    for (std::size_t k = 0; k < plan.rows(); ++k) {
+    matrix.set_size(plan.rows(), plan.length);
+    for (std::size_t j = 0; j < plan.length; ++j) {
         if (progress.isCanceled())
             return false;
-        const Statistics::Scale scale = scales.empty() ? Statistics::Scale{} : scales[k];
-        const double* source = values.data() + plan.sourceStarts[k];
-        std::transform(source, source + plan.length, chunks.colptr(k),
-                       [scale](double x) { return scale.score(x); });
-        progress.update(k + 1);
+        double* column = matrix.colptr(j);
+        for (std::size_t k = 0; k < plan.rows(); ++k)
+            column[k] = scales[k].score(values[plan.sourceStarts[k] + j]);
+        progress.update(j + 1);
     }
     return true;
 }
 
-/// One matrix per statistic: a row per chunk, a column per time frame.
-bool summarise(const arma::mat& chunks, const PerieventSideConfig& side, double sampleRate,
+/// One matrix per statistic, a row per chunk and a column per time frame, from the
+/// chunks' values in each frame normalised as in the matrix.
+bool summarise(std::span<const double> values, const ChunkPlan& plan,
+               std::span<const Statistics::Scale> scales, const PerieventSideConfig& side, double sampleRate,
                std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback, std::vector<arma::mat>& out)
 {
-    out.assign(kinds.size(), arma::mat(chunks.n_cols, side.timeFrames.size()));
+    out.assign(kinds.size(), arma::mat(plan.rows(), side.timeFrames.size()));
     for (std::size_t f = 0; f < side.timeFrames.size(); ++f) {
         const TimeFrame& frame = side.timeFrames[f];
         const PerieventCutter::Columns columns =
-            PerieventCutter::frameColumns(frame, side.windowStart, sampleRate, chunks.n_rows);
+            PerieventCutter::frameColumns(frame, side.windowStart, sampleRate, plan.length);
         const std::vector<double> times = PerieventCutter::frameTimes(frame, columns, sampleRate);
-        for (arma::uword row = 0; row < chunks.n_cols; ++row) {
+        std::vector<double> chunk(times.size());
+        for (std::size_t row = 0; row < plan.rows(); ++row) {
             if (feedback && feedback->isCanceled())
                 return false;
-            const std::span<const double> chunk(chunks.colptr(row) + columns.first, times.size());
+            const double* source = values.data() + plan.sourceStarts[row] + columns.first;
+            std::transform(source, source + chunk.size(), chunk.begin(),
+                           [scale = scales[row]](double x) { return scale.score(x); });
             for (std::size_t s = 0; s < kinds.size(); ++s)
                 out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times);
         }
@@ -180,14 +184,13 @@ QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool 
     if (!error.isEmpty() || canceled)
         return error;
 
-    ProgressTracker progress(feedback, plan->rows(), from, to);
-    arma::mat chunks;
-    if (!cutChunks(signal.values, *plan, scales, progress, chunks) ||
-        !summarise(chunks, side, signal.sampleRate, config.statistics, feedback, result.statistics)) {
+    ProgressTracker progress(feedback, plan->length, from, to);
+    if (!fillMatrix(signal.values, *plan, scales, progress, result.matrix) ||
+        !summarise(signal.values, *plan, scales, side, signal.sampleRate, config.statistics, feedback,
+                   result.statistics)) {
         canceled = true;
         return {};
     }
-    result.matrix = chunks.t();
     result.time = PerieventCutter::timeAxis(side.windowStart, signal.sampleRate, plan->length);
     result.eventNames.clear();
     for (const std::size_t event : plan->events)

@@ -32,7 +32,7 @@ bool writeAttributes(HDF5Writer_V6& file, hid_t dataset, const QVariantMap& attr
 }
 
 /// Writes a column-major matrix as a row-major [rows, columns] dataset, one band of
-/// chunk rows at a time.
+/// chunk rows at a time, each band transposed into `band` first.
 bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const arma::mat& matrix,
                  ProgressTracker* progress, bool& canceled)
 {
@@ -46,6 +46,7 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
                            {chunkRows, chunkColumns}, {rows, columns}, 0);
     if (dataset < 0)
         return false;
+    std::vector<double> band(static_cast<std::size_t>(std::min(chunkRows, rows) * columns));
     bool ok = true;
     for (hsize_t first = 0; ok && first < rows; first += chunkRows) {
         if (progress && progress->isCanceled()) {
@@ -54,9 +55,10 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
             break;
         }
         const hsize_t count = std::min(chunkRows, rows - first);
-        // The transpose holds the band's rows one after the other, as the file does.
-        const arma::mat band = matrix.rows(first, first + count - 1).t();
-        ok = file.write(dataset, band.memptr(), {first, 0}, {count, columns});
+        for (hsize_t j = 0; j < columns; ++j)
+            for (hsize_t k = 0; k < count; ++k)
+                band[k * columns + j] = matrix.at(first + k, j);
+        ok = file.write(dataset, band.data(), {first, 0}, {count, columns});
         if (progress)
             progress->update(static_cast<std::size_t>(first + count));
     }
