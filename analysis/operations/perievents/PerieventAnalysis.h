@@ -58,16 +58,11 @@ struct PerieventNormalization
     QString eventName;
 };
 
-/// Optional resampling of the signal before cutting.
+/// Optional linear resampling of the signal before cutting.
 struct PerieventResampling
 {
-    enum class Method
-    {
-        Linear
-    };
     bool enabled = false;
     double frequency = 0.0;
-    Method method = Method::Linear;
 };
 
 struct PerieventAnalysisConfig
