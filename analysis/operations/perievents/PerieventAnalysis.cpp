@@ -113,12 +113,19 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
     using Method = PerieventNormalization::Method;
     for (std::size_t row = 0; row < plan.rows(); ++row) {
         const auto baseline = signal.values.subspan(baselineStarts[row], baselineLength);
-        if (normalization.method == Method::Mean)
+        switch (normalization.method) {
+        case Method::Mean:
             scales[row] = {Statistics::mean(baseline), 1.0};
-        else if (normalization.method == Method::StandardZScore)
+            break;
+        case Method::StandardZScore:
             scales[row] = Statistics::standardScore(baseline);
-        else if (std::isnan((scales[row] = Statistics::modifiedScore(baseline)).centre))
-            return D::MedianNaNError; // the baseline holds a NaN
+            break;
+        case Method::ModifiedZScore:
+            scales[row] = Statistics::modifiedScore(baseline);
+            if (std::isnan(scales[row].centre))
+                return D::MedianNaNError; // the baseline holds a NaN
+            break;
+        }
     }
     return {};
 }
