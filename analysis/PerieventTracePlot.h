@@ -10,7 +10,7 @@ namespace zarvi {
 struct StoredPerieventResult;
 
 /// The trials' mean trace against time, inside a band of ± its standard error
-/// (TrialAverage), with a line at the event. GUI thread.
+/// across trials, with a line at the event. GUI thread.
 class PerieventTracePlot : public QWidget
 {
     Q_OBJECT

@@ -53,7 +53,7 @@ struct Case
         config.normalization.enabled = true;
         config.normalization.start = -5.0;
         config.normalization.end = -1.0;
-        config.normalization.method = PerieventNormalizer::Method::StandardZScore;
+        config.normalization.method = PerieventNormalization::Method::StandardZScore;
         matrixDoubles = Events * 15001;
     }
 };

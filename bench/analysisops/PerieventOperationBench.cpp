@@ -4,7 +4,9 @@
 // the 1000 x 15001 matrix with its statistics written back. Each iteration times the
 // command on a fresh copy of the input, then a memcpy of the same matrix bytes; the
 // ratio is reported as "x_memcpy". The same run inside this process shows what the
-// start of the program costs.
+// start of the program costs. With ZARVI_BASELINE_CLI naming an earlier build of the
+// program, both run on the same input in turn and "new_over_old" is the ratio of
+// their median times.
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
@@ -20,6 +22,9 @@
 
 #include <benchmark/benchmark.h>
 
+#include <sys/resource.h>
+
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstring>
@@ -86,6 +91,51 @@ double seconds(Clock::time_point from)
     return std::chrono::duration<double>(Clock::now() - from).count();
 }
 
+QStringList cliArguments(const QString& work)
+{
+    return {QStringLiteral("run"),         work,
+            QStringLiteral("--operation"), D::Perievents,
+            QStringLiteral("--params"),    QString::fromUtf8(parameters()),
+            QStringLiteral("--data"),      SignalGroup + QStringLiteral("/Signal")};
+}
+
+/// User and system seconds of the finished child processes so far.
+double childCpuSeconds()
+{
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    const auto toSeconds = [](const timeval& t) { return static_cast<double>(t.tv_sec) + 1e-6 * t.tv_usec; };
+    return toSeconds(usage.ru_utime) + toSeconds(usage.ru_stime);
+}
+
+/// Seconds `program` takes to run the operation on a fresh copy of `input`, and the
+/// processor seconds it used (`cpu`); negative with `error` set when it fails.
+double timeCli(const QString& program, const QString& input, const QString& work, QString& error,
+               double* cpu = nullptr)
+{
+    QFile::remove(work);
+    QFile::copy(input, work);
+    QProcess cli;
+    const double cpuBefore = childCpuSeconds();
+    const auto start = Clock::now();
+    cli.start(program, cliArguments(work));
+    const bool finished = cli.waitForFinished(-1);
+    const double elapsed = seconds(start);
+    if (cpu)
+        *cpu = childCpuSeconds() - cpuBefore;
+    if (finished && cli.exitCode() == 0)
+        return elapsed;
+    error = QString::fromUtf8(cli.readAllStandardError());
+    return -1.0;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    const std::size_t n = values.size();
+    return n % 2 == 1 ? values[n / 2] : (values[n / 2 - 1] + values[n / 2]) / 2.0;
+}
+
 void BM_PerieventOperationCli(benchmark::State& state)
 {
     QTemporaryDir dir;
@@ -95,29 +145,20 @@ void BM_PerieventOperationCli(benchmark::State& state)
         state.SkipWithError("cannot write the input file");
         return;
     }
-    const QStringList arguments{QStringLiteral("run"),         work,
-                                QStringLiteral("--operation"), D::Perievents,
-                                QStringLiteral("--params"),    QString::fromUtf8(parameters()),
-                                QStringLiteral("--data"),      SignalGroup + QStringLiteral("/Signal")};
     std::vector<double> source(MatrixDoubles, 1.0);
     std::vector<double> target(MatrixDoubles, 0.0);
     double operation = 0.0;
     double copy = 0.0;
     for (auto _ : state) {
-        QFile::remove(work);
-        QFile::copy(input, work);
-        QProcess cli;
-        auto start = Clock::now();
-        cli.start(QStringLiteral(ZARVI_CLI_PATH), arguments);
-        const bool finished = cli.waitForFinished(-1);
-        const double elapsed = seconds(start);
-        if (!finished || cli.exitCode() != 0) {
-            state.SkipWithError(cli.readAllStandardError().constData());
+        QString error;
+        const double elapsed = timeCli(QStringLiteral(ZARVI_CLI_PATH), input, work, error);
+        if (elapsed < 0.0) {
+            state.SkipWithError(error.toUtf8().constData());
             return;
         }
         operation += elapsed;
         state.SetIterationTime(elapsed);
-        start = Clock::now();
+        const auto start = Clock::now();
         std::memcpy(target.data(), source.data(), MatrixDoubles * sizeof(double));
         benchmark::DoNotOptimize(target.data());
         copy += seconds(start);
@@ -169,6 +210,42 @@ void BM_PerieventOperationInProcess(benchmark::State& state)
     state.counters["x_memcpy"] = operation / copy;
 }
 
+/// This build and the baseline build on the same input, in turn, the first to run
+/// alternating so that neither always meets a warm or a cold file cache.
+void BM_PerieventOperationAgainstBaseline(benchmark::State& state, const QString& baseline)
+{
+    QTemporaryDir dir;
+    const QString input = dir.filePath(QStringLiteral("input.orvel"));
+    const QString work = dir.filePath(QStringLiteral("work.orvel"));
+    if (!writeInput(input)) {
+        state.SkipWithError("cannot write the input file");
+        return;
+    }
+    std::vector<double> current, previous, currentCpu, previousCpu;
+    for (auto _ : state) {
+        const bool baselineFirst = current.size() % 2 == 1;
+        for (int turn = 0; turn < 2; ++turn) {
+            const bool isBaseline = (turn == 0) == baselineFirst;
+            QString error;
+            double cpu = 0.0;
+            const double elapsed =
+                timeCli(isBaseline ? baseline : QStringLiteral(ZARVI_CLI_PATH), input, work, error, &cpu);
+            if (elapsed < 0.0) {
+                state.SkipWithError(error.toUtf8().constData());
+                return;
+            }
+            (isBaseline ? previous : current).push_back(elapsed);
+            (isBaseline ? previousCpu : currentCpu).push_back(cpu);
+        }
+        state.SetIterationTime(current.back());
+    }
+    state.counters["new_s"] = median(current);
+    state.counters["old_s"] = median(previous);
+    state.counters["new_over_old"] = median(current) / median(previous);
+    // Processor time is less swayed than wall time by other work on the machine.
+    state.counters["cpu_new_over_old"] = median(currentCpu) / median(previousCpu);
+}
+
 } // namespace
 
 BENCHMARK(BM_PerieventOperationCli)->UseManualTime()->Iterations(3)->Unit(benchmark::kMillisecond);
@@ -178,6 +255,13 @@ int main(int argc, char** argv)
 {
     // The in-process runner needs an application object for its event loop.
     QCoreApplication application(argc, argv);
+    const QString baseline = qEnvironmentVariable("ZARVI_BASELINE_CLI");
+    if (!baseline.isEmpty())
+        benchmark::RegisterBenchmark("BM_PerieventOperationAgainstBaseline",
+                                     BM_PerieventOperationAgainstBaseline, baseline)
+            ->UseManualTime()
+            ->Iterations(9)
+            ->Unit(benchmark::kMillisecond);
     benchmark::Initialize(&argc, argv);
     benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();

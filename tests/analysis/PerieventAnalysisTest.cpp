@@ -16,7 +16,7 @@ namespace zarvi {
 namespace {
 
 using K = ChunkStatistic::Kind;
-using Method = PerieventNormalizer::Method;
+using Method = PerieventNormalization::Method;
 
 std::vector<double> indexSignal(std::size_t n)
 {
@@ -110,8 +110,7 @@ TEST(PerieventAnalysis, RowsOfEveryCountAndAlignment)
     // t = 0 .. 1999 s, rate 2000 / 1999. Windows and their hand-derived first offset and
     // length: [-3, 9] gives -3 and round(9.0045) + 1 + 3 = 13; [0, 0] gives 0 and 1;
     // [-1, 36] gives -1 and round(36.018) + 1 + 1 = 38. Row k of events at 10 + 7k then
-    // holds 10 + 7k + offset + j. Counts 1 .. 40 move the cache-line boundaries through
-    // every position of the rows.
+    // holds 10 + 7k + offset + j, for every count of rows from 1 to 40.
     const auto t = indexSignal(2000);
     const auto x = indexSignal(2000);
     struct Window

@@ -1,9 +1,8 @@
 // Building blocks of the perievent analysis, checked against hand-computed values.
 #include "analysis/operations/perievents/ChunkStatistic.h"
-#include "analysis/operations/perievents/EventArray.h"
-#include "analysis/operations/perievents/EventSelector.h"
-#include "analysis/operations/perievents/PerieventSampleRate.h"
-#include "analysis/operations/perievents/PerieventStatistics.h"
+#include "analysis/operations/perievents/PerieventCutter.h"
+#include "events/EventArray.h"
+#include "events/EventSelector.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
 #include <gtest/gtest.h>
@@ -14,51 +13,50 @@
 namespace zarvi {
 namespace {
 
-TEST(PerieventSampleRate, CountsSamplesNotIntervals)
+TEST(PerieventCutter, SampleRateCountsSamplesNotIntervals)
 {
-    EXPECT_DOUBLE_EQ(perieventSampleRate(std::vector<double>{0, 1, 2, 3, 4}), 5.0 / 4.0);
-    EXPECT_DOUBLE_EQ(perieventSampleRate(std::vector<double>{2.0, 2.5}), 4.0);
-    EXPECT_EQ(perieventSampleRate(std::vector<double>{}), 0.0);
-    EXPECT_EQ(perieventSampleRate(std::vector<double>{7.0}), 0.0);
+    EXPECT_DOUBLE_EQ(PerieventCutter::sampleRate(std::vector<double>{0, 1, 2, 3, 4}), 5.0 / 4.0);
+    EXPECT_DOUBLE_EQ(PerieventCutter::sampleRate(std::vector<double>{2.0, 2.5}), 4.0);
+    EXPECT_EQ(PerieventCutter::sampleRate(std::vector<double>{}), 0.0);
+    EXPECT_EQ(PerieventCutter::sampleRate(std::vector<double>{7.0}), 0.0);
 }
 
 TEST(ChunkStatistic, EveryKindOnHandValues)
 {
-    ChunkStatistic statistic;
     using K = ChunkStatistic::Kind;
+    const auto compute = [](K kind, const std::vector<double>& values,
+                            const std::vector<double>& times = {}) {
+        return ChunkStatistic::compute(kind, values, times);
+    };
     const std::vector<double> values{0, 2, 2};
     const std::vector<double> times{0, 1, 3};
     // Trapezoids 1 * (0 + 2) / 2 + 2 * (2 + 2) / 2 = 5 over 3 seconds.
-    EXPECT_DOUBLE_EQ(statistic.computeAt(K::AUC, values, times), 5.0 / 3.0);
-    EXPECT_DOUBLE_EQ(statistic.computeAt(K::Mean, values, times), 4.0 / 3.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, std::vector<double>{4, 1, 3, 2}), 2.5);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, std::vector<double>{4, 1, 3}), 3.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Maximum, std::vector<double>{-1, 5, 3}), 5.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Minimum, std::vector<double>{-1, 5, 3}), -1.0);
+    EXPECT_DOUBLE_EQ(compute(K::AUC, values, times), 5.0 / 3.0);
+    EXPECT_DOUBLE_EQ(compute(K::Mean, values, times), 4.0 / 3.0);
+    EXPECT_DOUBLE_EQ(compute(K::Median, std::vector<double>{4, 1, 3, 2}), 2.5);
+    EXPECT_DOUBLE_EQ(compute(K::Median, std::vector<double>{4, 1, 3}), 3.0);
+    EXPECT_DOUBLE_EQ(compute(K::Maximum, std::vector<double>{-1, 5, 3}), 5.0);
+    EXPECT_DOUBLE_EQ(compute(K::Minimum, std::vector<double>{-1, 5, 3}), -1.0);
 
     // Spike times 0, 0.5, 1.5, 2: intervals 0.5, 1, 0.5 average 2/3 s.
     const std::vector<double> spikes{0, 0.5, 1.5, 2.0};
-    EXPECT_DOUBLE_EQ(statistic.computeAt(K::Frequency, spikes, spikes), 1.5);
-    EXPECT_DOUBLE_EQ(statistic.computeAt(K::Count, spikes, spikes), 4.0);
-    EXPECT_EQ(statistic.computeAt(K::Frequency, std::vector<double>{1.0}, std::vector<double>{1.0}), 0.0);
+    EXPECT_DOUBLE_EQ(compute(K::Frequency, spikes, spikes), 1.5);
+    EXPECT_DOUBLE_EQ(compute(K::Count, spikes, spikes), 4.0);
+    EXPECT_EQ(compute(K::Frequency, std::vector<double>{1.0}, std::vector<double>{1.0}), 0.0);
 
+    // The area per second runs to the greatest time, even where times are not in order.
+    EXPECT_DOUBLE_EQ(compute(K::AUC, std::vector<double>{1, 1, 1}, std::vector<double>{0, 4, 2}), 0.5);
     // AUC of a constant is the constant, whatever the times.
-    EXPECT_DOUBLE_EQ(
-        statistic.computeAt(K::AUC, std::vector<double>{2.5, 2.5, 2.5}, std::vector<double>{-3, -1, 4}), 2.5);
+    EXPECT_DOUBLE_EQ(compute(K::AUC, std::vector<double>{2.5, 2.5, 2.5}, std::vector<double>{-3, -1, 4}),
+                     2.5);
 
     for (K kind : {K::AUC, K::Mean, K::Median, K::Maximum, K::Minimum, K::Frequency, K::Count})
-        EXPECT_TRUE(std::isnan(statistic.computeAt(kind, {}, {})));
-    EXPECT_TRUE(std::isnan(statistic.compute(K::Maximum, std::vector<double>{1, NAN, 3})));
-
-    // A row scale maps 1, 2, 3 to (x - 1) / 2 = 0, 0.5, 1 before the statistic.
-    const std::vector<double> row{3, 1, 2};
-    const RowScale half = RowScale::of(1.0, 2.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Mean, row, half), 0.5);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Median, row, half), 0.5);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Maximum, row, half), 1.0);
-    EXPECT_DOUBLE_EQ(statistic.compute(K::Minimum, row, half), 0.0);
+        EXPECT_TRUE(std::isnan(compute(kind, {}, {})));
+    EXPECT_TRUE(std::isnan(compute(K::Maximum, std::vector<double>{1, NAN, 3})));
 
     EXPECT_EQ(ChunkStatistic::fromName("Frequency"), K::Frequency);
+    for (K kind : {K::AUC, K::Mean, K::Median, K::Maximum, K::Minimum, K::Frequency, K::Count})
+        EXPECT_EQ(ChunkStatistic::fromName(ChunkStatistic::nameOf(kind)), kind);
     EXPECT_EQ(ChunkStatistic::nameOf(K::AUC), "AUC");
     EXPECT_FALSE(ChunkStatistic::fromName("auc").has_value());
 }
@@ -108,25 +106,38 @@ TEST(EventSelector, ByNumberCountsFromOneAndByPeriodIncludesBounds)
     EXPECT_EQ(EventSelector::select(events, selection).error, "Cannot pick selected events Light.");
 }
 
-TEST(PerieventStatistics, FrameColumnsClipAtBothEnds)
+TEST(PerieventCutter, FrameAndBaselineColumns)
 {
     // fs = 20 / 19 with a window [-2, 3] of 6 columns.
     const double fs = 20.0 / 19.0;
-    auto columns = PerieventStatistics::frameColumns({-1, 1}, -2, fs, 6);
+    auto columns = PerieventCutter::frameColumns({-1, 1}, -2, fs, 6);
     EXPECT_EQ(columns.first, 1u); // round(1.05)
     EXPECT_EQ(columns.last, 3u);  // + round(2.11)
-    columns = PerieventStatistics::frameColumns({1, 10}, -2, fs, 6);
+    columns = PerieventCutter::frameColumns({1, 10}, -2, fs, 6);
     EXPECT_EQ(columns.first, 3u); // round(3.16), length round(9.47) = 9 clipped at 6
     EXPECT_EQ(columns.last, 6u);
-    columns = PerieventStatistics::frameColumns({-5, -1}, -2, fs, 6);
+    columns = PerieventCutter::frameColumns({-5, -1}, -2, fs, 6);
     EXPECT_EQ(columns.first, 0u); // round(-3.16) raised to 0, keeps length round(4.21) = 4
     EXPECT_EQ(columns.last, 4u);
-    columns = PerieventStatistics::frameColumns({5, 6}, -2, fs, 6);
+    columns = PerieventCutter::frameColumns({5, 6}, -2, fs, 6);
     EXPECT_EQ(columns.first, columns.last);
-    const auto times = PerieventStatistics::frameTimes({-5, -1}, {0, 4}, fs);
+    const auto times = PerieventCutter::frameTimes({-5, -1}, {0, 4}, fs);
     ASSERT_EQ(times.size(), 4u);
     EXPECT_DOUBLE_EQ(times[0], -5.0);
     EXPECT_DOUBLE_EQ(times[3], -5.0 + 3 * 0.95);
+
+    // Baseline [-2, -1] from t0 = -2: (int)(0 + 0.5) = 0 to (int)(1.05 + 0.5) = 1, both kept.
+    auto baseline = PerieventCutter::baselineColumns(-2, -1, -2, fs, 1, 6);
+    ASSERT_TRUE(baseline.has_value());
+    EXPECT_EQ(baseline->first, 0u);
+    EXPECT_EQ(baseline->last, 2u);
+    // -2.7 s gives (int)(-0.74 + 0.5) = 0: truncated toward zero, not rounded down.
+    baseline = PerieventCutter::baselineColumns(-2.7, -2, -2, fs, 1, 6);
+    ASSERT_TRUE(baseline.has_value());
+    EXPECT_EQ(baseline->first, 0u);
+    EXPECT_FALSE(PerieventCutter::baselineColumns(-1, -2, -2, fs, 1, 6).has_value()); // reversed
+    EXPECT_FALSE(PerieventCutter::baselineColumns(2, 3.5, -2, fs, 1, 6).has_value()); // column 6 of 6
+    EXPECT_FALSE(PerieventCutter::baselineColumns(-2, -1, -2, fs, 0, 6).has_value()); // no row
 }
 
 TEST(LinearResampler, InterpolatesOnAUniformAxisFromTheFirstTime)

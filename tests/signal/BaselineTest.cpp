@@ -111,12 +111,19 @@ TEST(ZScore, StandardAndModifiedScores)
     std::vector<double> modified{1.0, 2.0, 3.0, 4.0, 100.0};
     ASSERT_TRUE(ZScore::apply(Defs::ModifiedZScore, modified, nullptr).ok());
     EXPECT_EQ(modified, (std::vector<double>{-2.0, -1.0, 0.0, 1.0, 97.0}));
-    EXPECT_DOUBLE_EQ(ZScore::median({4.0, 1.0, 3.0, 2.0}), 2.5);
 
     std::vector<double> flat(5, 2.0);
     EXPECT_TRUE(ZScore::apply(Defs::StandardZScore, flat, nullptr).isFailed());
     EXPECT_EQ(flat, std::vector<double>(5, 2.0));
     EXPECT_TRUE(ZScore::apply(QStringLiteral("Robust"), flat, nullptr).isFailed());
+
+    // A NaN leaves the median, like the mean, undefined: both methods refuse the signal.
+    const std::vector<double> holed{1.0, NAN, 3.0, 4.0};
+    for (const QString& method : {Defs::StandardZScore, Defs::ModifiedZScore}) {
+        std::vector<double> values = holed;
+        EXPECT_TRUE(ZScore::apply(method, values, nullptr).isFailed()) << method.toStdString();
+        EXPECT_EQ(values[0], 1.0);
+    }
 }
 
 } // namespace

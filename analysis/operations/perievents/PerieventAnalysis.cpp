@@ -1,14 +1,14 @@
 #include "analysis/operations/perievents/PerieventAnalysis.h"
 
-#include "analysis/operations/perievents/ChunkMatrixWriter.h"
-#include "analysis/operations/perievents/PerieventCutter.h"
-#include "analysis/operations/perievents/PerieventSampleRate.h"
-#include "datafile/Feedback.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "datafile/Feedback.h"
+#include "numeric/Statistics.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
 #include <QLocale>
 
+#include <algorithm>
+#include <cmath>
 #include <exception>
 
 namespace zarvi {
@@ -72,28 +72,27 @@ std::span<const double> eventTimes(const EventArray& events, bool offset)
     return offset ? std::span<const double>(events.offsets()) : std::span<const double>(events.onsets());
 }
 
-/// The scale of every planned row; `scales` stays empty when the rows keep their values.
+/// The centre and scale of every planned row from its baseline, a run of consecutive
+/// signal samples: a span of the analysed chunk, or the chunk of the matching baseline
+/// event. Rows that keep their values get the identity, (x - 0) / 1 = x.
 QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSideConfig& side, bool offset,
                   const Events& events, const PerieventNormalization& normalization, Feedback* feedback,
-                  std::vector<RowScale>& scales, bool& canceled)
+                  std::vector<Statistics::Scale>& scales, bool& canceled)
 {
-    scales.clear();
+    scales.assign(plan.rows(), Statistics::Scale{});
     if (!alignsToBaseline(normalization))
         return {};
-
-    // Each row's baseline is a run of consecutive signal samples: a span of the
-    // analysed chunk, or the chunk of the matching baseline event.
     std::vector<std::size_t> baselineStarts;
     std::size_t baselineLength = 0;
     if (!events.baseline) {
         const auto columns =
-            PerieventNormalizer::baselineColumns(normalization.start, normalization.end, side.windowStart,
-                                                 signal.sampleRate, plan.rows(), plan.length);
+            PerieventCutter::baselineColumns(normalization.start, normalization.end, side.windowStart,
+                                             signal.sampleRate, plan.rows(), plan.length);
         if (!columns)
             return D::SubmatBoundsError;
         for (const std::size_t start : plan.sourceStarts)
             baselineStarts.push_back(start + columns->first);
-        baselineLength = columns->last - columns->first + 1;
+        baselineLength = columns->last - columns->first;
     } else {
         const std::optional<ChunkPlan> baseline =
             PerieventCutter::plan(signal.time, signal.values, eventTimes(*events.baseline, offset),
@@ -103,7 +102,7 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
             return {};
         }
         if (baseline->rows() == 0 || baseline->length == 0 || plan.rows() == 0 || plan.length == 0)
-            return {};
+            return {}; // no baseline: the rows keep their values
         // Row k of the baseline chunks serves row k of the analysed chunks.
         if (baseline->rows() < plan.rows())
             return D::SubmatBoundsError;
@@ -111,16 +110,67 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
         baselineLength = baseline->length;
     }
 
-    PerieventNormalizer normalizer;
-    scales.resize(plan.rows());
+    using Method = PerieventNormalization::Method;
     for (std::size_t row = 0; row < plan.rows(); ++row) {
-        const std::optional<RowScale> scale = normalizer.scaleOf(
-            signal.values.subspan(baselineStarts[row], baselineLength), normalization.method);
-        if (!scale)
-            return D::MedianNaNError;
-        scales[row] = *scale;
+        const auto baseline = signal.values.subspan(baselineStarts[row], baselineLength);
+        switch (normalization.method) {
+        case Method::Mean:
+            scales[row] = {Statistics::mean(baseline), 1.0};
+            break;
+        case Method::StandardZScore:
+            scales[row] = Statistics::standardScore(baseline);
+            break;
+        case Method::ModifiedZScore:
+            scales[row] = Statistics::modifiedScore(baseline);
+            if (std::isnan(scales[row].centre))
+                return D::MedianNaNError; // the baseline holds a NaN
+            break;
+        }
     }
     return {};
+}
+
+/// Fills the trial-by-time matrix with the normalised chunks. Column by column, so that
+/// the matrix is written in the order it lies in memory while each chunk is read in order.
+bool fillMatrix(std::span<const double> values, const ChunkPlan& plan,
+                std::span<const Statistics::Scale> scales, ProgressTracker& progress, arma::mat& matrix)
+{
+    matrix.set_size(plan.rows(), plan.length);
+    for (std::size_t j = 0; j < plan.length; ++j) {
+        if (progress.isCanceled())
+            return false;
+        double* column = matrix.colptr(j);
+        for (std::size_t k = 0; k < plan.rows(); ++k)
+            column[k] = scales[k].score(values[plan.sourceStarts[k] + j]);
+        progress.update(j + 1);
+    }
+    return true;
+}
+
+/// One matrix per statistic, a row per chunk and a column per time frame, from the
+/// chunks' values in each frame normalised as in the matrix.
+bool summarise(std::span<const double> values, const ChunkPlan& plan,
+               std::span<const Statistics::Scale> scales, const PerieventSideConfig& side, double sampleRate,
+               std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback, std::vector<arma::mat>& out)
+{
+    out.assign(kinds.size(), arma::mat(plan.rows(), side.timeFrames.size()));
+    for (std::size_t f = 0; f < side.timeFrames.size(); ++f) {
+        const TimeFrame& frame = side.timeFrames[f];
+        const PerieventCutter::Columns columns =
+            PerieventCutter::frameColumns(frame, side.windowStart, sampleRate, plan.length);
+        const std::vector<double> times = PerieventCutter::frameTimes(frame, columns, sampleRate);
+        std::vector<double> chunk(times.size());
+        for (std::size_t row = 0; row < plan.rows(); ++row) {
+            if (feedback && feedback->isCanceled())
+                return false;
+            const double* source = values.data() + plan.sourceStarts[row] + columns.first;
+            std::transform(source, source + chunk.size(), chunk.begin(),
+                           [scale = scales[row]](double x) { return scale.score(x); });
+            for (std::size_t s = 0; s < kinds.size(); ++s)
+                out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times);
+        }
+    }
+    return true;
 }
 
 QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool offset, const Events& events,
@@ -135,17 +185,16 @@ QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool 
         canceled = true;
         return {};
     }
-
-    std::vector<RowScale> scales;
+    std::vector<Statistics::Scale> scales;
     const QString error =
         rowScales(signal, *plan, side, offset, events, config.normalization, feedback, scales, canceled);
     if (!error.isEmpty() || canceled)
         return error;
 
-    ProgressTracker progress(feedback, plan->rows(), from, to);
-    if (!ChunkMatrixWriter::write(signal.values, *plan, scales, result.matrix, &progress) ||
-        !PerieventStatistics::compute(signal.values, *plan, scales, side.timeFrames, side.windowStart,
-                                      signal.sampleRate, config.statistics, result.statistics, feedback)) {
+    ProgressTracker progress(feedback, plan->length, from, to);
+    if (!fillMatrix(signal.values, *plan, scales, progress, result.matrix) ||
+        !summarise(signal.values, *plan, scales, side, signal.sampleRate, config.statistics, feedback,
+                   result.statistics)) {
         canceled = true;
         return {};
     }
@@ -187,7 +236,7 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
                                                   shortest(side->windowEnd));
     }
 
-    const Signal signal{time, values, perieventSampleRate(time)};
+    const Signal signal{time, values, PerieventCutter::sampleRate(time)};
     result.sides.resize(sides.size());
     const int count = static_cast<int>(sides.size());
     for (int s = 0; s < count; ++s) {
@@ -202,7 +251,7 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
             return error;
     }
     if (alignsToBaseline(config.normalization) &&
-        config.normalization.method != PerieventNormalizer::Method::Mean)
+        config.normalization.method != PerieventNormalization::Method::Mean)
         result.unit = D::ZScoreUnit;
     return {};
 }
@@ -237,13 +286,6 @@ void PerieventAnalysis::run(std::span<const double> time, std::span<const double
     }
     if (!result.succeeded())
         result.sides.clear();
-}
-
-std::optional<PerieventResampling::Method> PerieventAnalysis::resampleMethodFromName(const QString& name)
-{
-    if (name == D::LinearMethod)
-        return PerieventResampling::Method::Linear;
-    return std::nullopt;
 }
 
 } // namespace zarvi

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "analysis/operations/perievents/ChunkStatistic.h"
-#include "analysis/operations/perievents/EventArray.h"
-#include "analysis/operations/perievents/EventSelector.h"
-#include "analysis/operations/perievents/PerieventNormalizer.h"
-#include "analysis/operations/perievents/PerieventStatistics.h"
+#include "analysis/operations/perievents/PerieventCutter.h"
+#include "events/EventArray.h"
+#include "events/EventSelector.h"
 
 #include <QString>
 #include <QStringList>
@@ -30,14 +29,25 @@ struct PerieventSideConfig
     QStringList timeFrameNames;
 };
 
-/// Baseline alignment of the chunks.
+/// Baseline alignment of the chunks: every value x of a row becomes
+/// (x - centre) / scale, both taken from the row's baseline.
 struct PerieventNormalization
 {
+    enum class Method
+    {
+        /// centre = mean, scale = 1: plain subtraction.
+        Mean,
+        /// Statistics::standardScore: mean and standard deviation (n - 1).
+        StandardZScore,
+        /// Statistics::modifiedScore: median and raw MAD, in units of the MAD itself.
+        ModifiedZScore
+    };
+
     bool enabled = false;
     /// Baseline window in seconds relative to the event; 0 - 0 means no alignment.
     double start = 0.0;
     double end = 0.0;
-    PerieventNormalizer::Method method = PerieventNormalizer::Method::Mean;
+    Method method = Method::Mean;
     /// When set, the baseline of row k is the k-th chunk of these events cut with the
     /// baseline window, instead of the baseline columns of the analysed chunk
     /// ("Current Event"). The array must hold as many events as the analysed one, with
@@ -48,16 +58,11 @@ struct PerieventNormalization
     QString eventName;
 };
 
-/// Optional resampling of the signal before cutting.
+/// Optional linear resampling of the signal before cutting.
 struct PerieventResampling
 {
-    enum class Method
-    {
-        Linear
-    };
     bool enabled = false;
     double frequency = 0.0;
-    Method method = Method::Linear;
 };
 
 struct PerieventAnalysisConfig
@@ -110,13 +115,16 @@ struct PerieventAnalysisResult
 
 /// The perievent kernel: cuts a signal into equal chunks around each event, stacks
 /// them into a trial-by-time matrix, aligns each chunk to a baseline and summarises
-/// it inside statistic time frames. Runs on the operation's worker thread; touches
-/// no shared state. Failures come back as messages, never as exceptions.
+/// it inside statistic time frames. A baseline with a single value has a standard
+/// deviation of 0, and a constant one a MAD of 0: the row then divides by zero and
+/// turns non-finite, which is left visible rather than clamped. Runs on the
+/// operation's worker thread; touches no shared state. Failures come back as
+/// messages, never as exceptions.
 class PerieventAnalysis
 {
 public:
     /// `time` (seconds, increasing) and `values` are the signal; `events` the analysed
-    /// event array. The sample rate is perieventSampleRate() of the (resampled) time.
+    /// event array. The sample rate is PerieventCutter::sampleRate() of the (resampled) time.
     static PerieventAnalysisResult run(std::span<const double> time, std::span<const double> values,
                                        const EventArray& events, const PerieventAnalysisConfig& config,
                                        Feedback* feedback);
@@ -126,9 +134,6 @@ public:
     static void run(std::span<const double> time, std::span<const double> values, const EventArray& events,
                     const PerieventAnalysisConfig& config, Feedback* feedback,
                     PerieventAnalysisResult& result);
-
-    /// Method from its name ("Linear").
-    static std::optional<PerieventResampling::Method> resampleMethodFromName(const QString& name);
 };
 
 } // namespace zarvi

@@ -1,9 +1,9 @@
 #include "analysis/operations/perievents/PerieventChunkPreview.h"
 
 #include "analysis/operations/perievents/PerieventParameters.h"
-#include "analysis/operations/perievents/SignalExcerpt.h"
 #include "datafile/HDF5Manager_V6.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "events/SignalExcerpt.h"
 #include "framework/OperationRegistry.h"
 
 #include <algorithm>

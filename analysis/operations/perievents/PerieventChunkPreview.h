@@ -13,7 +13,8 @@ class HDF5Manager_V6;
 
 /// The perievent chunk of one event, as the analysis would compute it, from only the
 /// stretch of the stored signal around that event: what the parameter view previews.
-/// Plain function on the thread that holds the file (the GUI thread, for a short read).
+/// A plain function of its inputs that touches no widget: it runs on whichever thread
+/// holds the file, the GUI thread for a short read or a worker with its own reader.
 class PerieventChunkPreview
 {
 public:

@@ -1,8 +1,8 @@
 #include "analysis/operations/perievents/PerieventParameters.h"
 
-#include "analysis/operations/perievents/EventArrayFile.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "events/EventArrayFile.h"
 
 #include <cmath>
 
@@ -154,14 +154,14 @@ void readNormalization(Reader& reader, PerieventAnalysisConfig& config)
     if (!reader.has(D::NormalizeWindow))
         return;
     normalization.enabled = reader.pair(D::NormalizeWindow, normalization.start, normalization.end);
-    if (reader.has(D::NormalizeMethod)) {
-        const std::optional<PerieventNormalizer::Method> method =
-            PerieventNormalizer::methodFromName(reader.text(D::NormalizeMethod, false));
-        if (method)
-            normalization.method = *method;
-        else
-            reader.invalid(D::NormalizeMethod);
-    }
+    using Method = PerieventNormalization::Method;
+    const QString method = reader.text(D::NormalizeMethod, false);
+    if (method == D::StandardZScore)
+        normalization.method = Method::StandardZScore;
+    else if (method == D::ModifiedZScore)
+        normalization.method = Method::ModifiedZScore;
+    else if (!method.isEmpty() && method != D::Mean)
+        reader.invalid(D::NormalizeMethod);
     const QString event = reader.text(D::NormalizeEvent, false);
     if (!event.isEmpty() && event != D::CurrentEvent) {
         normalization.eventName = event;
@@ -209,13 +209,10 @@ void readResampling(Reader& reader, PerieventAnalysisConfig& config)
         if (!(resampling.frequency > 0.0) || !std::isfinite(resampling.frequency))
             reader.invalid(D::ResampleFrequency);
     }
-    if (reader.has(D::ResampleMethod)) {
-        const auto method = PerieventAnalysis::resampleMethodFromName(reader.text(D::ResampleMethod, false));
-        if (method)
-            resampling.method = *method;
-        else
-            reader.invalid(D::ResampleMethod);
-    }
+    // Linear is the only method, and the default.
+    const QString method = reader.text(D::ResampleMethod, false);
+    if (!method.isEmpty() && method != D::LinearMethod)
+        reader.invalid(D::ResampleMethod);
 }
 
 /// The times of one column as plain events, keeping the names.

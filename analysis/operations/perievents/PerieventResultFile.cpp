@@ -47,7 +47,6 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
     if (dataset < 0)
         return false;
     std::vector<double> band(static_cast<std::size_t>(std::min(chunkRows, rows) * columns));
-    const double* source = matrix.memptr();
     bool ok = true;
     for (hsize_t first = 0; ok && first < rows; first += chunkRows) {
         if (progress && progress->isCanceled()) {
@@ -56,13 +55,9 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
             break;
         }
         const hsize_t count = std::min(chunkRows, rows - first);
-        // Element (first + k, j) sits at j * rows + first + k: each column gives one
-        // short contiguous run, spread over the band's rows.
-        for (hsize_t j = 0; j < columns; ++j) {
-            const double* in = source + j * rows + first;
+        for (hsize_t j = 0; j < columns; ++j)
             for (hsize_t k = 0; k < count; ++k)
-                band[k * columns + j] = in[k];
-        }
+                band[k * columns + j] = matrix.at(first + k, j);
         ok = file.write(dataset, band.data(), {first, 0}, {count, columns});
         if (progress)
             progress->update(static_cast<std::size_t>(first + count));

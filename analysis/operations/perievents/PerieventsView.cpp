@@ -1,25 +1,22 @@
 #include "analysis/operations/perievents/PerieventsView.h"
 
 #include "analysis/operations/perievents/PerieventChunkPreview.h"
+#include "analysis/operations/perievents/PerieventOptionsPanel.h"
 #include "analysis/operations/perievents/PerieventPreview.h"
 #include "analysis/operations/perievents/PerieventSideBox.h"
-#include "analysis/operations/perievents/SignalExcerpt.h"
+#include "framework/LockedFileRead.h"
 #include "datafile/DataFileTree.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
-#include "fileeditor/TableData.h"
-#include "framework/LockedFileRead.h"
+#include "events/SignalExcerpt.h"
 
-#include <QCheckBox>
 #include <QComboBox>
-#include <QDoubleSpinBox>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
 #include <QMessageBox>
-#include <QSpinBox>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -29,52 +26,9 @@ namespace {
 
 using D = AnalysisOperationDefinitions;
 
-constexpr int PathRole = Qt::UserRole;
-constexpr int IndexRole = Qt::UserRole + 1;
-constexpr double SpinLimit = 1e4;
-
-QDoubleSpinBox* secondsBox(QWidget* parent, const char* objectName, double value)
-{
-    auto* box = new QDoubleSpinBox(parent);
-    box->setObjectName(QString::fromLatin1(objectName));
-    box->setRange(-SpinLimit, SpinLimit);
-    box->setDecimals(3);
-    box->setSingleStep(0.5);
-    box->setValue(value);
-    return box;
-}
-
-QComboBox* comboBox(QWidget* parent, const char* objectName, const QStringList& items = {})
-{
-    auto* box = new QComboBox(parent);
-    box->setObjectName(QString::fromLatin1(objectName));
-    box->addItems(items);
-    return box;
-}
-
 QString shortest(double value)
 {
     return QString::number(value, 'g', 10);
-}
-
-/// The event arrays' list entries: the name, or "name (path)" where names repeat.
-void fillArrays(QComboBox* box, const std::vector<StoredArray>& arrays, const QStringList& leading = {})
-{
-    const QString kept = box->currentText();
-    box->clear();
-    box->addItems(leading);
-    for (std::size_t i = 0; i < arrays.size(); ++i) {
-        const bool repeated = std::count_if(arrays.begin(), arrays.end(), [&](const StoredArray& a) {
-                                  return a.name == arrays[i].name;
-                              }) > 1;
-        box->addItem(repeated ? D::QualifiedNamePattern.arg(arrays[i].name, arrays[i].path) : arrays[i].name);
-        box->setItemData(box->count() - 1, arrays[i].path, PathRole);
-        box->setItemData(box->count() - 1, static_cast<int>(i), IndexRole);
-        box->setItemData(box->count() - 1, arrays[i].path + QLatin1Char('/') + arrays[i].name,
-                         Qt::ToolTipRole);
-    }
-    if (const int index = box->findText(kept); index >= 0)
-        box->setCurrentIndex(index);
 }
 
 } // namespace
@@ -112,16 +66,15 @@ PerieventsView::PerieventsView(QWidget* parent) : AbstractOperationView(D::Perie
     left->addLayout(sides, 1);
     left->addWidget(buildStatistics());
     auto* right = new QVBoxLayout;
-    right->addWidget(buildNormalize());
-    right->addWidget(buildSelection());
-    right->addWidget(buildResample());
+    m_options = new PerieventOptionsPanel(this);
+    right->addWidget(m_options);
     auto* rangeRow = new QHBoxLayout;
     rangeRow->addWidget(new QLabel(D::rangeLabel(), this));
     m_range = new QLabel(D::noRangeText(), this);
     m_range->setObjectName(QStringLiteral("lb_range"));
     rangeRow->addWidget(m_range, 1);
     right->addLayout(rangeRow);
-    m_previewEvent = comboBox(this, "cb_previewEvent");
+    m_previewEvent = PerieventOptionsPanel::comboBox(this, "cb_previewEvent");
     m_previewEvent->setToolTip(D::previewLabel());
     right->addWidget(m_previewEvent);
     m_preview = new PerieventPreview(this);
@@ -131,19 +84,12 @@ PerieventsView::PerieventsView(QWidget* parent) : AbstractOperationView(D::Perie
     layout->addLayout(columns, 1);
 
     connect(m_previewEvent, &QComboBox::currentIndexChanged, m_previewTimer, qOverload<>(&QTimer::start));
-    for (QCheckBox* box : {m_normalize, m_selectEvents, m_resample})
-        connect(box, &QCheckBox::toggled, this, [this] {
-            updateEnabled();
-            m_previewTimer->start();
-        });
-    for (QComboBox* box : {m_onoff, m_normalizeMethod, m_normalizeSource, m_normalizeEvent, m_selectOption})
-        connect(box, &QComboBox::currentIndexChanged, this, [this] {
-            updateEnabled();
-            updateRange();
-            m_previewTimer->start();
-        });
-    for (QDoubleSpinBox* box : {m_normalizeStart, m_normalizeEnd, m_resampleFrequency})
-        connect(box, &QDoubleSpinBox::valueChanged, m_previewTimer, qOverload<>(&QTimer::start));
+    connect(m_options, &PerieventOptionsPanel::changed, m_previewTimer, qOverload<>(&QTimer::start));
+    connect(m_onoff, &QComboBox::currentIndexChanged, this, [this] {
+        updateEnabled();
+        updateRange();
+        m_previewTimer->start();
+    });
     updateEnabled();
 }
 
@@ -152,12 +98,13 @@ QWidget* PerieventsView::buildEventRows()
     auto* rows = new QWidget(this);
     auto* grid = new QGridLayout(rows);
     grid->setContentsMargins(0, 0, 0, 0);
-    m_event = comboBox(rows, "cb_event");
+    m_event = PerieventOptionsPanel::comboBox(rows, "cb_event");
     grid->addWidget(new QLabel(D::eventLabel(), rows), 0, 0);
     grid->addWidget(m_event, 0, 1);
     m_onoffLabel = new QLabel(D::onsetOffsetLabel(), rows);
     m_onoffLabel->setObjectName(QStringLiteral("lb_onoff"));
-    m_onoff = comboBox(rows, "cb_onoff", {D::Onset, D::Offset, D::Both, D::OnlyOnsets, D::OnlyOffsets});
+    m_onoff = PerieventOptionsPanel::comboBox(rows, "cb_onoff",
+                                              {D::Onset, D::Offset, D::Both, D::OnlyOnsets, D::OnlyOffsets});
     for (QWidget* widget : {static_cast<QWidget*>(m_onoffLabel), static_cast<QWidget*>(m_onoff)})
         widget->setToolTip(D::onsetOffsetTooltip());
     grid->addWidget(m_onoffLabel, 1, 0);
@@ -187,84 +134,6 @@ QWidget* PerieventsView::buildStatistics()
     }
     layout->addWidget(label);
     layout->addWidget(m_statistics, 1);
-    return box;
-}
-
-QWidget* PerieventsView::buildNormalize()
-{
-    auto* box = new QWidget(this);
-    auto* grid = new QGridLayout(box);
-    grid->setContentsMargins(0, 0, 0, 0);
-    m_normalize = new QCheckBox(D::normalizeLabel(), box);
-    m_normalize->setObjectName(QStringLiteral("cb_normalize"));
-    m_normalize->setToolTip(D::normalizeTooltip());
-    m_normalizeStart = secondsBox(box, "dsb_normalizeStart", -2.0);
-    m_normalizeEnd = secondsBox(box, "dsb_normalizeEnd", -1.0);
-    m_normalizeMethod = comboBox(box, "cb_normalizeMethod", {D::Mean, D::StandardZScore, D::ModifiedZScore});
-    m_normalizeSource = comboBox(box, "cb_normalizeSource", {D::CurrentEvent, D::otherEventLabel()});
-    m_normalizeEvent = comboBox(box, "cb_normalizeEvent");
-    for (QWidget* widget : std::initializer_list<QWidget*>{
-             m_normalizeStart, m_normalizeEnd, m_normalizeMethod, m_normalizeSource, m_normalizeEvent})
-        widget->setToolTip(D::normalizeDetailedTooltip());
-    grid->addWidget(m_normalize, 0, 0);
-    grid->addWidget(m_normalizeStart, 0, 1);
-    grid->addWidget(m_normalizeEnd, 0, 2);
-    grid->addWidget(new QLabel(D::methodLabel(), box), 1, 0);
-    grid->addWidget(m_normalizeMethod, 1, 1, 1, 2);
-    grid->addWidget(new QLabel(D::sourceLabel(), box), 2, 0);
-    grid->addWidget(m_normalizeSource, 2, 1);
-    grid->addWidget(m_normalizeEvent, 2, 2);
-    return box;
-}
-
-QWidget* PerieventsView::buildSelection()
-{
-    auto* box = new QWidget(this);
-    auto* grid = new QGridLayout(box);
-    grid->setContentsMargins(0, 0, 0, 0);
-    m_selectEvents = new QCheckBox(D::selectEventsLabel(), box);
-    m_selectEvents->setObjectName(QStringLiteral("cb_selectEvents"));
-    m_selectEvents->setToolTip(D::selectEventsTooltip());
-    m_selectOption = comboBox(box, "cb_selectOption", {D::ByNumber, D::ByTimePeriod});
-    m_eventFirst = new QSpinBox(box);
-    m_eventFirst->setObjectName(QStringLiteral("sb_eventFirst"));
-    m_eventLast = new QSpinBox(box);
-    m_eventLast->setObjectName(QStringLiteral("sb_eventLast"));
-    for (QSpinBox* spin : {m_eventFirst, m_eventLast}) {
-        spin->setRange(1, 1);
-        spin->setToolTip(D::selectEventsTooltip());
-    }
-    m_timePeriod = comboBox(box, "cb_timePeriod");
-    m_periodName = comboBox(box, "cb_periodName");
-    grid->addWidget(m_selectEvents, 0, 0);
-    grid->addWidget(m_selectOption, 0, 1, 1, 2);
-    grid->addWidget(m_eventFirst, 1, 1);
-    grid->addWidget(m_eventLast, 1, 2);
-    grid->addWidget(new QLabel(D::timePeriodLabel(), box), 2, 0);
-    grid->addWidget(m_timePeriod, 2, 1);
-    grid->addWidget(m_periodName, 2, 2);
-    connect(m_timePeriod, &QComboBox::currentIndexChanged, this, &PerieventsView::onTimePeriodChanged);
-    return box;
-}
-
-QWidget* PerieventsView::buildResample()
-{
-    auto* box = new QWidget(this);
-    auto* layout = new QHBoxLayout(box);
-    layout->setContentsMargins(0, 0, 0, 0);
-    m_resample = new QCheckBox(D::resampleLabel(), box);
-    m_resample->setObjectName(QStringLiteral("cb_resample"));
-    m_resample->setToolTip(D::resampleTooltip());
-    m_resampleFrequency = new QDoubleSpinBox(box);
-    m_resampleFrequency->setObjectName(QStringLiteral("dsb_resampleFreq"));
-    m_resampleFrequency->setRange(0.001, 1e6);
-    m_resampleFrequency->setDecimals(3);
-    m_resampleFrequency->setValue(100.0);
-    m_resampleFrequency->setToolTip(D::frequencyLabel());
-    m_resampleMethod = comboBox(box, "cb_resampleMethod", {D::LinearMethod});
-    layout->addWidget(m_resample);
-    layout->addWidget(m_resampleFrequency, 1);
-    layout->addWidget(m_resampleMethod, 1);
     return box;
 }
 
@@ -298,28 +167,23 @@ bool PerieventsView::loadFileData()
     }
     m_loaded = true;
     m_events = EventArrayFile::eventArrays(nodes);
-    m_periods = EventArrayFile::timePeriodArrays(nodes);
-    fillArrays(m_normalizeEvent, m_events);
-    fillArrays(m_timePeriod, m_periods);
-    fillArrays(m_event, m_events); // last: its change updates everything else
+    m_options->setArrays(m_events, EventArrayFile::timePeriodArrays(nodes));
+    PerieventOptionsPanel::fillArrays(m_event, m_events); // last: its change updates everything else
     onEventChanged();
-    onTimePeriodChanged();
     return true;
 }
 
 const StoredArray* PerieventsView::currentEvent() const
 {
-    const QVariant index = m_event->currentData(IndexRole);
-    return index.isValid() ? &m_events[static_cast<std::size_t>(index.toInt())] : nullptr;
+    const int index = PerieventOptionsPanel::arrayIndex(m_event);
+    return index >= 0 ? &m_events[static_cast<std::size_t>(index)] : nullptr;
 }
 
 void PerieventsView::onEventChanged()
 {
     const StoredArray* event = currentEvent();
     const int rows = event ? static_cast<int>(event->rows) : 0;
-    m_eventFirst->setRange(1, std::max(rows, 1));
-    m_eventLast->setRange(1, std::max(rows, 1));
-    m_eventLast->setValue(rows);
+    m_options->setEventCount(rows);
     {
         const QSignalBlocker blocker(m_previewEvent);
         m_previewEvent->clear();
@@ -331,14 +195,6 @@ void PerieventsView::onEventChanged()
     updateEnabled();
     updateRange();
     m_previewTimer->start();
-}
-
-void PerieventsView::onTimePeriodChanged()
-{
-    m_periodName->clear();
-    const QVariant index = m_timePeriod->currentData(IndexRole);
-    if (index.isValid())
-        m_periodName->addItems(m_periods[static_cast<std::size_t>(index.toInt())].periodNames);
 }
 
 bool PerieventsView::takesOnset() const
@@ -361,20 +217,6 @@ void PerieventsView::updateEnabled()
     m_onoffLabel->setEnabled(offsets);
     m_onset->setEnabled(takesOnset());
     m_offset->setEnabled(takesOffset());
-    const bool normalize = m_normalize->isChecked();
-    for (QWidget* widget : std::initializer_list<QWidget*>{m_normalizeStart, m_normalizeEnd,
-                                                           m_normalizeMethod, m_normalizeSource})
-        widget->setEnabled(normalize);
-    m_normalizeEvent->setEnabled(normalize && m_normalizeSource->currentIndex() == 1);
-    const bool select = m_selectEvents->isChecked();
-    const bool byNumber = m_selectOption->currentText() == D::ByNumber;
-    m_selectOption->setEnabled(select);
-    m_eventFirst->setEnabled(select && byNumber);
-    m_eventLast->setEnabled(select && byNumber);
-    m_timePeriod->setEnabled(select && !byNumber);
-    m_periodName->setEnabled(select && !byNumber);
-    m_resampleFrequency->setEnabled(m_resample->isChecked());
-    m_resampleMethod->setEnabled(m_resample->isChecked());
 }
 
 void PerieventsView::updateRange()
@@ -432,32 +274,7 @@ QVariantMap PerieventsView::currentParameters() const
             statistics << m_statistics->item(row)->text();
     if (!statistics.isEmpty())
         parameters.insert(D::Statistics, statistics);
-    if (m_normalize->isChecked()) {
-        parameters.insert(D::NormalizeWindow,
-                          QVariantList{m_normalizeStart->value(), m_normalizeEnd->value()});
-        parameters.insert(D::NormalizeMethod, m_normalizeMethod->currentText());
-        if (m_normalizeSource->currentIndex() == 1 && m_normalizeEvent->currentIndex() >= 0) {
-            const StoredArray& baseline = m_events[m_normalizeEvent->currentData(IndexRole).toInt()];
-            parameters.insert(D::NormalizeEvent, baseline.name);
-            parameters.insert(D::NormalizeEventPath, baseline.path);
-        }
-    }
-    if (m_selectEvents->isChecked()) {
-        parameters.insert(D::SelectEvents, 1);
-        if (m_selectOption->currentText() == D::ByNumber) {
-            parameters.insert(D::EventRange, QVariantList{m_eventFirst->value(), m_eventLast->value()});
-        } else if (m_timePeriod->currentIndex() >= 0) {
-            const StoredArray& periods = m_periods[m_timePeriod->currentData(IndexRole).toInt()];
-            parameters.insert(D::TimePeriod, periods.name);
-            parameters.insert(D::TimePeriodPath, periods.path);
-            parameters.insert(D::TimePeriodName, m_periodName->currentText());
-        }
-    }
-    if (m_resample->isChecked()) {
-        parameters.insert(D::Resample, 1);
-        parameters.insert(D::ResampleFrequency, m_resampleFrequency->value());
-        parameters.insert(D::ResampleMethod, m_resampleMethod->currentText());
-    }
+    m_options->addParameters(parameters);
     return parameters;
 }
 
@@ -483,6 +300,10 @@ void PerieventsView::updatePreview()
         m_preview->showNote(D::previewLabel());
         return;
     }
+    // Everything the computation needs is taken from the widgets first.
+    const QVariantMap parameters = currentParameters();
+    const QString valuesPath = datapaths().first();
+    const auto event = static_cast<std::size_t>(m_previewEvent->currentIndex());
     PerieventChunkPreview::Result chunk;
     {
         LockedFileRead read(filepath());
@@ -490,8 +311,7 @@ void PerieventsView::updatePreview()
             m_preview->showNote(read.error());
             return;
         }
-        chunk = PerieventChunkPreview::compute(read.reader(), currentParameters(), datapaths().first(),
-                                               static_cast<std::size_t>(m_previewEvent->currentIndex()));
+        chunk = PerieventChunkPreview::compute(read.reader(), parameters, valuesPath, event);
     }
     if (chunk.message.isEmpty())
         m_preview->showChunk(chunk.time, chunk.values, chunk.frames);

@@ -1,20 +1,18 @@
 #pragma once
 
-#include "analysis/operations/perievents/EventArrayFile.h"
+#include "events/EventArrayFile.h"
 #include "framework/AbstractOperationView.h"
 
 #include <vector>
 
-class QCheckBox;
 class QComboBox;
-class QDoubleSpinBox;
 class QLabel;
 class QListWidget;
-class QSpinBox;
 class QTimer;
 
 namespace zarvi {
 
+class PerieventOptionsPanel;
 class PerieventPreview;
 class PerieventSideBox;
 
@@ -24,7 +22,7 @@ class PerieventSideBox;
 /// event range and a preview of one chunk computed by the perievent kernel itself.
 /// The file's event arrays, time-period arrays and the signal's extent are read when
 /// the view is first shown (loadFileData()), each read a short one under the file's
-/// access lock. GUI thread.
+/// access lock; the optional stages live in a PerieventOptionsPanel. GUI thread.
 class PerieventsView : public AbstractOperationView
 {
     Q_OBJECT
@@ -51,11 +49,7 @@ protected:
 private:
     QWidget* buildEventRows();
     QWidget* buildStatistics();
-    QWidget* buildNormalize();
-    QWidget* buildSelection();
-    QWidget* buildResample();
     void onEventChanged();
-    void onTimePeriodChanged();
     void updateEnabled();
     void updateRange();
     bool takesOnset() const;
@@ -63,7 +57,6 @@ private:
     const StoredArray* currentEvent() const;
 
     std::vector<StoredArray> m_events;
-    std::vector<StoredArray> m_periods;
     bool m_loaded = false;
     bool m_hasExtent = false;
     double m_firstTime = 0.0;
@@ -75,21 +68,7 @@ private:
     PerieventSideBox* m_onset;
     PerieventSideBox* m_offset;
     QListWidget* m_statistics;
-    QCheckBox* m_normalize;
-    QDoubleSpinBox* m_normalizeStart;
-    QDoubleSpinBox* m_normalizeEnd;
-    QComboBox* m_normalizeMethod;
-    QComboBox* m_normalizeSource;
-    QComboBox* m_normalizeEvent;
-    QCheckBox* m_selectEvents;
-    QComboBox* m_selectOption;
-    QSpinBox* m_eventFirst;
-    QSpinBox* m_eventLast;
-    QComboBox* m_timePeriod;
-    QComboBox* m_periodName;
-    QCheckBox* m_resample;
-    QDoubleSpinBox* m_resampleFrequency;
-    QComboBox* m_resampleMethod;
+    PerieventOptionsPanel* m_options;
     QLabel* m_range;
     QComboBox* m_previewEvent;
     PerieventPreview* m_preview;

@@ -1,6 +1,7 @@
 #include "signal/operations/photometry/RansacLineFit.h"
 
 #include "definitions/SignalOperationDefinitions.h"
+#include "numeric/Statistics.h"
 
 #include <algorithm>
 #include <array>
@@ -20,18 +21,6 @@ std::size_t drawIndex(std::size_t n)
 {
     const int draw = (std::rand() >> 16) & 0x7FFF;
     return static_cast<std::size_t>(draw / 32767.0 * static_cast<double>(n - 1));
-}
-
-double standardDeviation(std::span<const double> v)
-{
-    double mean = 0.0;
-    for (const double value : v)
-        mean += value;
-    mean /= static_cast<double>(v.size());
-    double squares = 0.0;
-    for (const double value : v)
-        squares += (value - mean) * (value - mean);
-    return std::sqrt(squares / static_cast<double>(v.size() - 1));
 }
 
 /// Counts the points with |a x + b y + c| < threshold. The fixed-width inner loop
@@ -104,8 +93,8 @@ RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<co
         return withOutcome(KernelOutcome::failed(Defs::signalLengthMismatchMessage().arg(n).arg(y.size())));
     if (n < 2)
         return withOutcome(KernelOutcome::failed(Defs::lineFitTooFewSamplesMessage()));
-    const double sx = standardDeviation(x);
-    const double sy = standardDeviation(y);
+    const double sx = Statistics::standardDeviation(x);
+    const double sy = Statistics::standardDeviation(y);
     if (!(sx > 0.0) || !(sy > 0.0))
         return withOutcome(KernelOutcome::failed(Defs::lineFitConstantSignalMessage()));
     const double maxSlope = sy / sx;

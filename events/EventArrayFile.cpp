@@ -1,4 +1,4 @@
-#include "analysis/operations/perievents/EventArrayFile.h"
+#include "events/EventArrayFile.h"
 
 #include "datafile/HDF5Manager_V6.h"
 #include "definitions/FileDefinitions.h"

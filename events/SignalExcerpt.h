@@ -11,7 +11,7 @@ namespace zarvi {
 
 class HDF5Manager_V6;
 
-/// Reads a short stretch of a stored signal without loading it whole, for previews
+/// Reads a short stretch of a stored signal without loading it whole, e.g. for previews
 /// on the GUI thread: the first and last time, and the samples of a time range.
 /// Plain functions on the thread that holds the file.
 class SignalExcerpt

@@ -1,4 +1,4 @@
-#include "analysis/operations/perievents/EventSelector.h"
+#include "events/EventSelector.h"
 
 #include "definitions/AnalysisOperationDefinitions.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "analysis/operations/perievents/EventArray.h"
-#include "analysis/operations/perievents/EventSelector.h"
 #include "datafile/DataFileTree.h"
+#include "events/EventArray.h"
+#include "events/TimePeriodArray.h"
 
 #include <QString>
 #include <QStringList>

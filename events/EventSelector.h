@@ -1,23 +1,14 @@
 #pragma once
 
-#include "analysis/operations/perievents/EventArray.h"
+#include "events/EventArray.h"
+#include "events/TimePeriodArray.h"
 
 #include <QString>
-#include <QStringList>
 
 #include <cstddef>
 #include <vector>
 
 namespace zarvi {
-
-/// Rows of a time-period array: each period runs from its start to its end
-/// (seconds) and carries a name; several periods may share one name.
-struct TimePeriodArray
-{
-    std::vector<double> starts;
-    std::vector<double> ends;
-    QStringList names;
-};
 
 /// Which events of an array take part in the analysis.
 struct EventSelection

@@ -8,7 +8,7 @@
 
 namespace zarvi {
 
-/// An event array as the perievent analysis sees it: one row per event with its
+/// An event array as the analyses see it: one row per event with its
 /// onset time, an optional offset time (seconds) and a name. Names default to
 /// "Event%1" filled with the 1-based number of the event in the array it was loaded
 /// from, and travel with their rows through selection and dropping, so a kept row

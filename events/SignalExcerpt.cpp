@@ -1,4 +1,4 @@
-#include "analysis/operations/perievents/SignalExcerpt.h"
+#include "events/SignalExcerpt.h"
 
 #include "datafile/HDF5Manager_V6.h"
 #include "definitions/FileDefinitions.h"

@@ -1,4 +1,4 @@
-#include "analysis/operations/perievents/EventArray.h"
+#include "events/EventArray.h"
 
 #include "definitions/FileDefinitions.h"
 

@@ -1,0 +1,81 @@
+// The shared summary statistics, checked against values worked out by hand.
+#include "numeric/Statistics.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+namespace zarvi {
+namespace {
+
+using V = std::vector<double>;
+
+TEST(Statistics, CentresOnHandValues)
+{
+    EXPECT_DOUBLE_EQ(Statistics::mean(V{1, 2, 3, 4}), 2.5);
+    EXPECT_DOUBLE_EQ(Statistics::mean(V{-7}), -7.0);
+    // Odd count: the middle one; even count: halfway between the two middle ones.
+    EXPECT_DOUBLE_EQ(Statistics::median(V{4, 1, 3}), 3.0);
+    EXPECT_DOUBLE_EQ(Statistics::median(V{4, 1, 3, 2}), 2.5);
+    EXPECT_DOUBLE_EQ(Statistics::median(V{10, -10}), 0.0);
+    EXPECT_DOUBLE_EQ(Statistics::median(V{5}), 5.0);
+
+    // Empty input and NaN leave the centre undefined rather than guessing one.
+    EXPECT_TRUE(std::isnan(Statistics::mean(V{})));
+    EXPECT_TRUE(std::isnan(Statistics::median(V{})));
+    EXPECT_TRUE(std::isnan(Statistics::mean(V{1, NAN, 3})));
+    EXPECT_TRUE(std::isnan(Statistics::median(V{1, NAN, 3})));
+    EXPECT_TRUE(std::isnan(Statistics::medianAbsoluteDeviation(V{1, NAN, 3})));
+
+    // The median copies: the input keeps its order.
+    const V unsorted{3, 1, 2};
+    Statistics::median(unsorted);
+    EXPECT_EQ(unsorted, (V{3, 1, 2}));
+}
+
+TEST(Statistics, SpreadsOnHandValues)
+{
+    // 1, 2, 3, 4: squared deviations 2.25 + 0.25 + 0.25 + 2.25 = 5 over n - 1 = 3.
+    EXPECT_DOUBLE_EQ(Statistics::standardDeviation(V{1, 2, 3, 4}), std::sqrt(5.0 / 3.0));
+    EXPECT_EQ(Statistics::standardDeviation(V{2, 2, 2}), 0.0);
+    EXPECT_EQ(Statistics::standardDeviation(V{2}), 0.0);
+    EXPECT_EQ(Statistics::standardDeviation(V{}), 0.0);
+
+    // Median 3, absolute deviations 2 1 0 1 97: MAD 1, with no consistency factor.
+    EXPECT_DOUBLE_EQ(Statistics::medianAbsoluteDeviation(V{1, 2, 3, 4, 100}), 1.0);
+    // Median 3, deviations 2 1 1 7: MAD 1.5.
+    EXPECT_DOUBLE_EQ(Statistics::medianAbsoluteDeviation(V{1, 2, 4, 10}), 1.5);
+    EXPECT_EQ(Statistics::medianAbsoluteDeviation(V{5, 5, 5, 5}), 0.0);
+}
+
+TEST(Statistics, ZScores)
+{
+    const Statistics::Scale standard = Statistics::standardScore(V{1, 2, 3, 4});
+    EXPECT_DOUBLE_EQ(standard.centre, 2.5);
+    EXPECT_DOUBLE_EQ(standard.score(1.0), -1.5 / std::sqrt(5.0 / 3.0));
+    EXPECT_DOUBLE_EQ(standard.score(4.0), 1.5 / std::sqrt(5.0 / 3.0));
+
+    const Statistics::Scale modified = Statistics::modifiedScore(V{1, 2, 3, 4, 100});
+    EXPECT_EQ(modified.score(1.0), -2.0);
+    EXPECT_EQ(modified.score(100.0), 97.0);
+
+    // Without spread the scale is 0, and scores are left to turn non-finite.
+    const Statistics::Scale flat = Statistics::standardScore(V{2, 2});
+    EXPECT_EQ(flat.scale, 0.0);
+    EXPECT_TRUE(std::isnan(flat.score(2.0)));
+    EXPECT_TRUE(std::isinf(flat.score(3.0)));
+}
+
+TEST(Statistics, TrapezoidIntegral)
+{
+    // Trapezoids 1 * (0 + 2) / 2 + 2 * (2 + 2) / 2 = 5.
+    EXPECT_DOUBLE_EQ(Statistics::trapezoid(V{0, 1, 3}, V{0, 2, 2}), 5.0);
+    // A line is integrated exactly: y = 2t + 1 over [-1, 2] gives t^2 + t = 6 - 0 = 6.
+    EXPECT_DOUBLE_EQ(Statistics::trapezoid(V{-1, 0, 0.5, 2}, V{-1, 1, 2, 5}), 6.0);
+    EXPECT_EQ(Statistics::trapezoid(V{1}, V{4}), 0.0);
+    EXPECT_EQ(Statistics::trapezoid(V{}, V{}), 0.0);
+}
+
+} // namespace
+} // namespace zarvi
