@@ -35,7 +35,8 @@ bool BackgroundJob::start(const QString& label, Work work)
     m_warnings.clear();
     m_dialog->setLabelText(label);
     m_dialog->setValue(0);
-    m_dialog->show();
+    if (m_dialogShown)
+        m_dialog->show();
     m_thread.reset(QThread::create([this, work = std::move(work)] { work(m_feedback); }));
     connect(m_thread.get(), &QThread::finished, this, &BackgroundJob::onThreadFinished, Qt::QueuedConnection);
     m_thread->start(QThread::InheritPriority);

@@ -40,6 +40,8 @@ public:
     /// True when the work ran to its end without a cancel.
     bool exec(const QString& label, Work work);
     bool isRunning() const { return m_thread != nullptr; }
+    /// Short work that runs after every edit (a preview of one chunk) shows no dialog.
+    void setDialogShown(bool shown) { m_dialogShown = shown; }
     /// Asks the running work to stop. Safe from any thread.
     void cancel() { m_canceled = true; }
     bool wasCanceled() const { return m_canceled; }
@@ -75,6 +77,7 @@ private:
     std::shared_ptr<QProgressDialog> m_dialog;
     std::unique_ptr<QThread> m_thread;
     std::atomic<bool> m_canceled{false};
+    bool m_dialogShown = true;
     QStringList m_warnings;
     JobFeedback m_feedback{*this};
 };

@@ -10,6 +10,7 @@
 #include "analysis/operations/perievents/PerieventsView.h"
 #include "app/plugins/DatasetPlugin.h"
 #include "datafile/SignalDataset.h"
+#include "framework/BackgroundJob.h"
 #include "framework/OperationRunner.h"
 
 #include <QApplication>
@@ -175,7 +176,9 @@ TEST_F(PerieventViewTest, PreviewIsTheChunkOfTheChosenEvent)
     view.setupProcess(file, {truth.biosensorPath});
     ASSERT_TRUE(view.loadFileData());
     child<QComboBox>(view, "cb_previewEvent")->setCurrentIndex(2);
+    QSignalSpy computed(view.previewJob(), &BackgroundJob::finished);
     view.updatePreview();
+    ASSERT_TRUE(computed.wait(20000));
     const PerieventPreview* preview = view.preview();
     EXPECT_EQ(preview->note(), "Select signal chunk for preview.");
     // Window -2 .. 5 at 1 kHz: about 7001 samples, from 2000 samples before the event's.
@@ -193,6 +196,7 @@ TEST_F(PerieventViewTest, PreviewIsTheChunkOfTheChosenEvent)
     // Normalised, the baseline [-2, -1] of the chunk averages 0.
     child<QCheckBox>(view, "cb_normalize")->setChecked(true);
     view.updatePreview();
+    ASSERT_TRUE(computed.wait(20000));
     double baseline = 0.0;
     int count = 0;
     for (auto it = preview->plot()->graph(0)->data()->begin(); it != preview->plot()->graph(0)->data()->end();

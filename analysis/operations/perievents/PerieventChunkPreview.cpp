@@ -41,7 +41,7 @@ PerieventChunkPreview::Result PerieventChunkPreview::compute(HDF5Manager_V6& fil
     QStringList errors;
     PerieventRequest request;
     if (!OperationRegistry::instance().normalize(parameters, normalized, errors) ||
-        !(errors = PerieventParameters::parse(normalized, request)).isEmpty()) {
+        !(errors = PerieventParameters::parse(ParameterValues(normalized), request)).isEmpty()) {
         result.message = errors.value(0);
         return result;
     }

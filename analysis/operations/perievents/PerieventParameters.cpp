@@ -13,77 +13,40 @@ namespace {
 using D = AnalysisOperationDefinitions;
 using Z = ZarviMainDefinitions;
 
-/// Reads the values of one normalised parameter map and collects what is wrong.
-class Reader
+/// The parameter map with the messages of what it lacks. The registry has already
+/// checked kinds, choices and the required keys of a run; what is left are the rules
+/// that tie keys together.
+struct Reader
 {
-public:
-    Reader(const QVariantMap& parameters, QStringList& errors) : m_parameters(parameters), m_errors(errors) {}
+    const ParameterValues& values;
+    QStringList& errors;
 
-    /// A stage whose key is absent or empty is off.
-    bool has(const QString& key) const
-    {
-        const QVariant value = m_parameters.value(key);
-        return value.isValid() && !(value.typeId() == QMetaType::QString && value.toString().isEmpty());
-    }
-    bool flag(const QString& key) const { return has(key) && m_parameters.value(key).toInt() != 0; }
+    void missing(const QString& key) { errors << Z::parameterMissingMessage().arg(key); }
+    void invalid(const QString& key) { errors << Z::parameterInvalidMessage().arg(key); }
 
-    QString text(const QString& key, bool required)
-    {
-        if (!has(key)) {
-            if (required)
-                missing(key);
-            return {};
-        }
-        return m_parameters.value(key).toString();
-    }
-
-    double number(const QString& key) const { return m_parameters.value(key).toDouble(); }
-
-    std::vector<double> numbers(const QString& key)
-    {
-        std::vector<double> values;
-        if (has(key)) {
-            for (const QVariant& value : m_parameters.value(key).toList())
-                values.push_back(value.toDouble());
-        }
-        return values;
-    }
-
-    /// [start, end]; false (with the message) when missing or not two numbers.
+    /// [start, end]; false (with the message) when missing or not two finite numbers.
     bool pair(const QString& key, double& start, double& end)
     {
-        if (!has(key)) {
+        if (!values.has(key)) {
             missing(key);
             return false;
         }
-        const std::vector<double> values = numbers(key);
-        if (values.size() != 2 || !std::isfinite(values[0]) || !std::isfinite(values[1])) {
+        const std::vector<double> numbers = values.numbers(key);
+        if (numbers.size() != 2 || !std::isfinite(numbers[0]) || !std::isfinite(numbers[1])) {
             invalid(key);
             return false;
         }
-        start = values[0];
-        end = values[1];
+        start = numbers[0];
+        end = numbers[1];
         return true;
     }
-
-    QStringList texts(const QString& key) const
-    {
-        return has(key) ? m_parameters.value(key).toStringList() : QStringList();
-    }
-
-    void missing(const QString& key) { m_errors << Z::parameterMissingMessage().arg(key); }
-    void invalid(const QString& key) { m_errors << Z::parameterInvalidMessage().arg(key); }
-
-private:
-    const QVariantMap& m_parameters;
-    QStringList& m_errors;
 };
 
 void readSide(Reader& reader, const QString& windowKey, const QString& framesKey, const QString& namesKey,
               PerieventSideConfig& side)
 {
     reader.pair(windowKey, side.windowStart, side.windowEnd);
-    const std::vector<double> bounds = reader.numbers(framesKey);
+    const std::vector<double> bounds = reader.values.numbers(framesKey);
     if (bounds.size() % 2 != 0) {
         reader.invalid(framesKey);
         return;
@@ -91,7 +54,7 @@ void readSide(Reader& reader, const QString& windowKey, const QString& framesKey
     side.timeFrames.clear();
     for (std::size_t i = 0; i < bounds.size(); i += 2)
         side.timeFrames.push_back({bounds[i], bounds[i + 1]});
-    side.timeFrameNames = reader.texts(namesKey);
+    side.timeFrameNames = reader.values.texts(namesKey);
     if (!side.timeFrames.empty() && side.timeFrameNames.isEmpty())
         reader.missing(namesKey);
     else if (static_cast<std::size_t>(side.timeFrameNames.size()) != side.timeFrames.size())
@@ -101,13 +64,13 @@ void readSide(Reader& reader, const QString& windowKey, const QString& framesKey
 void readSides(Reader& reader, PerieventRequest& request)
 {
     PerieventAnalysisConfig& config = request.config;
-    const bool offset = reader.flag(D::Offset);
-    const bool onset = reader.has(D::Onset) ? reader.flag(D::Onset) : !offset;
+    const bool offset = reader.values.flag(D::Offset);
+    const bool onset = reader.values.has(D::Onset) ? reader.values.flag(D::Onset) : !offset;
     if (!onset && !offset) {
         reader.invalid(D::Onset);
         return;
     }
-    if (reader.flag(D::PlainEvents)) {
+    if (reader.values.flag(D::PlainEvents)) {
         if (onset && offset) {
             reader.invalid(D::PlainEvents);
             return;
@@ -131,8 +94,8 @@ void readSides(Reader& reader, PerieventRequest& request)
 
 void readStatistics(Reader& reader, PerieventAnalysisConfig& config)
 {
-    QStringList names = reader.texts(D::Statistics);
-    const QString single = reader.text(D::Statistic, false);
+    QStringList names = reader.values.texts(D::Statistics);
+    const QString single = reader.values.text(D::Statistic);
     if (!single.isEmpty())
         names << single;
     names.removeDuplicates(); // one dataset per statistic
@@ -151,21 +114,23 @@ void readNormalization(Reader& reader, PerieventAnalysisConfig& config)
 {
     PerieventNormalization& normalization = config.normalization;
     normalization = {};
-    if (!reader.has(D::NormalizeWindow))
+    if (!reader.values.has(D::NormalizeWindow))
         return;
     normalization.enabled = reader.pair(D::NormalizeWindow, normalization.start, normalization.end);
     using Method = PerieventNormalization::Method;
-    const QString method = reader.text(D::NormalizeMethod, false);
+    const QString method = reader.values.text(D::NormalizeMethod);
     if (method == D::StandardZScore)
         normalization.method = Method::StandardZScore;
     else if (method == D::ModifiedZScore)
         normalization.method = Method::ModifiedZScore;
     else if (!method.isEmpty() && method != D::Mean)
         reader.invalid(D::NormalizeMethod);
-    const QString event = reader.text(D::NormalizeEvent, false);
+    const QString event = reader.values.text(D::NormalizeEvent);
     if (!event.isEmpty() && event != D::CurrentEvent) {
         normalization.eventName = event;
-        normalization.eventPath = reader.text(D::NormalizeEventPath, true);
+        normalization.eventPath = reader.values.text(D::NormalizeEventPath);
+        if (normalization.eventPath.isEmpty())
+            reader.missing(D::NormalizeEventPath);
     }
 }
 
@@ -173,13 +138,16 @@ void readSelection(Reader& reader, PerieventRequest& request)
 {
     EventSelection& selection = request.config.selection;
     selection = {};
-    if (!reader.flag(D::SelectEvents))
+    if (!reader.values.flag(D::SelectEvents))
         return;
-    if (reader.has(D::TimePeriod)) {
+    if (reader.values.has(D::TimePeriod)) {
         selection.mode = EventSelection::Mode::ByTimePeriod;
-        request.timePeriodArray = reader.text(D::TimePeriod, true);
-        request.timePeriodPath = reader.text(D::TimePeriodPath, true);
-        selection.periodName = reader.text(D::TimePeriodName, true);
+        request.timePeriodArray = reader.values.text(D::TimePeriod);
+        for (const QString& key : {D::TimePeriodPath, D::TimePeriodName})
+            if (!reader.values.has(key))
+                reader.missing(key);
+        request.timePeriodPath = reader.values.text(D::TimePeriodPath);
+        selection.periodName = reader.values.text(D::TimePeriodName);
         return;
     }
     selection.mode = EventSelection::Mode::ByNumber;
@@ -199,18 +167,18 @@ void readResampling(Reader& reader, PerieventAnalysisConfig& config)
 {
     PerieventResampling& resampling = config.resampling;
     resampling = {};
-    if (!reader.flag(D::Resample))
+    if (!reader.values.flag(D::Resample))
         return;
     resampling.enabled = true;
-    if (!reader.has(D::ResampleFrequency)) {
+    if (!reader.values.has(D::ResampleFrequency)) {
         reader.missing(D::ResampleFrequency);
     } else {
-        resampling.frequency = reader.number(D::ResampleFrequency);
+        resampling.frequency = reader.values.number(D::ResampleFrequency);
         if (!(resampling.frequency > 0.0) || !std::isfinite(resampling.frequency))
             reader.invalid(D::ResampleFrequency);
     }
     // Linear is the only method, and the default.
-    const QString method = reader.text(D::ResampleMethod, false);
+    const QString method = reader.values.text(D::ResampleMethod);
     if (!method.isEmpty() && method != D::LinearMethod)
         reader.invalid(D::ResampleMethod);
 }
@@ -224,14 +192,17 @@ EventArray plainEvents(const EventArray& events, PerieventRequest::Columns colum
 
 } // namespace
 
-QStringList PerieventParameters::parse(const QVariantMap& parameters, PerieventRequest& request)
+QStringList PerieventParameters::parse(const ParameterValues& parameters, PerieventRequest& request)
 {
     QStringList errors;
-    Reader reader(parameters, errors);
+    Reader reader{parameters, errors};
     request = PerieventRequest{};
     PerieventAnalysisConfig& config = request.config;
-    config.eventPath = reader.text(D::EventPath, true);
-    config.eventName = reader.text(D::Event, true);
+    for (const QString& key : {D::EventPath, D::Event})
+        if (!parameters.has(key))
+            reader.missing(key);
+    config.eventPath = parameters.text(D::EventPath);
+    config.eventName = parameters.text(D::Event);
     readSides(reader, request);
     readStatistics(reader, config);
     readNormalization(reader, config);

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "analysis/operations/perievents/PerieventAnalysis.h"
+#include "framework/ParameterValues.h"
 
 #include <QString>
 #include <QStringList>
-#include <QVariantMap>
 
 namespace zarvi {
 
@@ -59,7 +59,7 @@ class PerieventParameters
 {
 public:
     /// The messages of every missing or invalid parameter; empty when `request` is complete.
-    static QStringList parse(const QVariantMap& parameters, PerieventRequest& request);
+    static QStringList parse(const ParameterValues& parameters, PerieventRequest& request);
 
     /// Reads the analysed event array into `events` and the baseline events and time
     /// periods into request.config. The message when one cannot be read, else empty.

@@ -32,7 +32,7 @@ QString signalName(HDF5Writer_V6& file, const QString& valuesPath)
 bool PerieventsProcess::computeOperation()
 {
     PerieventRequest request;
-    const QStringList problems = PerieventParameters::parse(m_parameters.map(), request);
+    const QStringList problems = PerieventParameters::parse(m_parameters, request);
     if (!problems.isEmpty()) {
         for (const QString& problem : problems)
             addError(problem);

@@ -4,12 +4,13 @@
 #include "analysis/operations/perievents/PerieventOptionsPanel.h"
 #include "analysis/operations/perievents/PerieventPreview.h"
 #include "analysis/operations/perievents/PerieventSideBox.h"
-#include "framework/LockedFileRead.h"
 #include "datafile/DataFileTree.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "events/SignalExcerpt.h"
+#include "framework/BackgroundJob.h"
+#include "framework/LockedFileRead.h"
 
 #include <QComboBox>
 #include <QGridLayout>
@@ -33,8 +34,12 @@ QString shortest(double value)
 
 } // namespace
 
-PerieventsView::PerieventsView(QWidget* parent) : AbstractOperationView(D::Perievents, parent)
+PerieventsView::PerieventsView(QWidget* parent)
+    : AbstractOperationView(D::Perievents, parent),
+      m_previewJob(std::make_unique<BackgroundJob>(ZarviMainDefinitions::previewProgressTitle()))
 {
+    m_previewJob->setDialogShown(false);
+    connect(m_previewJob.get(), &BackgroundJob::finished, this, &PerieventsView::showPreviewChunk);
     setWindowTitle(D::perieventsWindowTitle());
     // Preview after the edits settle, not on every keystroke.
     m_previewTimer = new QTimer(this);
@@ -300,23 +305,38 @@ void PerieventsView::updatePreview()
         m_preview->showNote(D::previewLabel());
         return;
     }
-    // Everything the computation needs is taken from the widgets first.
-    const QVariantMap parameters = currentParameters();
-    const QString valuesPath = datapaths().first();
-    const auto event = static_cast<std::size_t>(m_previewEvent->currentIndex());
-    PerieventChunkPreview::Result chunk;
-    {
-        LockedFileRead read(filepath());
-        if (!read.isOpen()) {
-            m_preview->showNote(read.error());
-            return;
-        }
-        chunk = PerieventChunkPreview::compute(read.reader(), parameters, valuesPath, event);
+    if (m_previewJob->isRunning()) {
+        // The chunk being computed is already out of date: ask again once it is done.
+        m_previewTimer->start();
+        return;
     }
-    if (chunk.message.isEmpty())
-        m_preview->showChunk(chunk.time, chunk.values, chunk.frames);
+    // Everything the computation needs is taken from the widgets first.
+    auto chunk = std::make_shared<PerieventChunkPreview::Result>();
+    m_previewChunk = chunk;
+    m_previewJob->start(
+        QString(),
+        [chunk, parameters = currentParameters(), file = filepath(), valuesPath = datapaths().first(),
+         event = static_cast<std::size_t>(m_previewEvent->currentIndex())](Feedback&) {
+            // A busy file is said as such rather than waited for: a run may hold it for long.
+            LockedFileRead read(file);
+            if (!read.isOpen())
+                chunk->message = read.error();
+            else
+                *chunk = PerieventChunkPreview::compute(read.reader(), parameters, valuesPath, event);
+        });
+}
+
+PerieventsView::~PerieventsView() = default;
+
+void PerieventsView::showPreviewChunk(bool canceled)
+{
+    const std::shared_ptr<PerieventChunkPreview::Result> chunk = std::move(m_previewChunk);
+    if (canceled || !chunk)
+        return;
+    if (chunk->message.isEmpty())
+        m_preview->showChunk(chunk->time, chunk->values, chunk->frames);
     else
-        m_preview->showNote(chunk.message);
+        m_preview->showNote(chunk->message);
 }
 
 } // namespace zarvi

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "analysis/operations/perievents/PerieventChunkPreview.h"
 #include "events/EventArrayFile.h"
 #include "framework/AbstractOperationView.h"
 
+#include <memory>
 #include <vector>
 
 class QComboBox;
@@ -12,6 +14,7 @@ class QTimer;
 
 namespace zarvi {
 
+class BackgroundJob;
 class PerieventOptionsPanel;
 class PerieventPreview;
 class PerieventSideBox;
@@ -29,6 +32,7 @@ class PerieventsView : public AbstractOperationView
 
 public:
     explicit PerieventsView(QWidget* parent = nullptr);
+    ~PerieventsView() override;
 
     /// Reads the event arrays, time periods and signal extent of the file; false when
     /// the file is busy or unreadable (the range label says why).
@@ -41,6 +45,8 @@ public:
     PerieventSideBox* onsetBox() const { return m_onset; }
     PerieventSideBox* offsetBox() const { return m_offset; }
     PerieventPreview* preview() const { return m_preview; }
+    /// Computes the preview off the GUI thread; its finished() says when the plot has it.
+    BackgroundJob* previewJob() const { return m_previewJob.get(); }
 
 protected:
     bool buildParameters(QVariantMap& parameters) override;
@@ -52,6 +58,8 @@ private:
     void onEventChanged();
     void updateEnabled();
     void updateRange();
+    /// Shows the chunk the preview job computed (on the GUI thread, once it finished).
+    void showPreviewChunk(bool canceled);
     bool takesOnset() const;
     bool takesOffset() const;
     const StoredArray* currentEvent() const;
@@ -73,6 +81,9 @@ private:
     QComboBox* m_previewEvent;
     PerieventPreview* m_preview;
     QTimer* m_previewTimer;
+    std::unique_ptr<BackgroundJob> m_previewJob;
+    /// The chunk being computed, handed over when the job finishes.
+    std::shared_ptr<PerieventChunkPreview::Result> m_previewChunk;
 };
 
 } // namespace zarvi
