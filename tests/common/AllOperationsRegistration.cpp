@@ -1,3 +1,5 @@
+// The registration of suites that need every family: the application's tests and the
+// analysis, whose runs read signals that signal operations wrote.
 #include "common/TestRegistration.h"
 
 #include "analysis/AnalysisOperations.h"
