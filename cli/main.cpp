@@ -12,6 +12,9 @@
 #include <QCoreApplication>
 #include <QTextStream>
 
+#include <csignal>
+#include <cstdlib>
+
 namespace {
 
 const char* usage =
@@ -38,6 +41,9 @@ const char* usage =
 
 int main(int argc, char* argv[])
 {
+    // Until a command takes Ctrl-C over (and turns it into a cancel), nothing has been
+    // written yet: leave at once with the status of a cancel.
+    std::signal(SIGINT, [](int) { std::_Exit(130); });
     QCoreApplication app(argc, argv);
     QCoreApplication::setOrganizationName(zarvi::ZarviMainDefinitions::OrganizationName);
     QCoreApplication::setApplicationName(zarvi::ZarviMainDefinitions::ApplicationName);

@@ -11,7 +11,7 @@ bool read1D(HDF5Manager_V6& file, const QString& path, std::vector<double>& out,
 {
     const hid_t dataset = file.openDataset(file.fileId(), path);
     if (dataset < 0) {
-        error = QStringLiteral("Dataset <b>%1</b> was not found in the file.").arg(path);
+        error = FileDefinitions::datasetNotFoundMessage().arg(path);
         return false;
     }
     bool ok = file.dimensions(dataset).size() == 1;

@@ -67,6 +67,13 @@ bool AbstractOperationProcess::openRun(RunTransaction& run, const QString& categ
         addError(run.lastError());
         return false;
     }
+    // An input that is not in the file is an error, never silently left out.
+    for (const QString& path : std::as_const(m_sourceDatapaths)) {
+        if (!run.file().exists(run.file().fileId(), path))
+            addError(FileDefinitions::datasetNotFoundMessage().arg(path));
+    }
+    if (!m_errors.isEmpty())
+        return false;
     run.setOutputs({category, kind, m_descriptor->outputName, m_parameters.map(), sources});
     return true;
 }

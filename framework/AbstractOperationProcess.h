@@ -72,7 +72,7 @@ protected:
     /// Opens the run's transaction on the data file, with outputs in numbered groups
     /// "<category>/<device>/<kind>/<series>/<Output><K>" named after the operation's
     /// declared output name and recording the parameters and `sources`. False after
-    /// adding the error when the file cannot be opened.
+    /// adding the error when the file cannot be opened or an input is not in it.
     bool openRun(RunTransaction& run, const QString& category, const QString& kind,
                  const QStringList& sources);
     /// The loop every family shares: calls step(i, feedback) for each of `count`

@@ -32,8 +32,9 @@ bool toDouble(const QVariant& value, double& out)
     } else if (value.typeId() == QMetaType::QString) {
         out = value.toString().trimmed().toDouble(&ok);
     }
-    // NaN compares false with everything, so it would slip past every range check.
-    return ok && !std::isnan(out);
+    // NaN compares false with everything and infinity overflows every conversion to a
+    // count of samples, so neither is ever a parameter value.
+    return ok && std::isfinite(out);
 }
 
 OperationParameter declare(const QString& key, const QString& label, ParameterKind kind)

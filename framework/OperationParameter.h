@@ -63,7 +63,7 @@ struct OperationParameter
     OperationParameter& withBadValueMessage(const QString& message);
 
     /// Converts `value` to this parameter's kind; false when it cannot be (a
-    /// non-integral number for an Int, text for a number, NaN, ...). An empty value
+    /// non-integral number for an Int, text for a number, NaN or infinity, ...). An empty value
     /// stays an empty string: it means the stage is off.
     bool normalize(const QVariant& value, QVariant& normalized) const;
     /// The message for a normalised value outside the range or the choices; empty when it is allowed.

@@ -1,8 +1,11 @@
 #include "framework/OperationRunner.h"
 
+#include "datafile/HDF5Writer_V6.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/AbstractOperationProcess.h"
+#include "framework/FileAccessLock.h"
+#include "framework/LockedFileRead.h"
 #include "framework/OperationRegistry.h"
 
 #include <QEventLoop>
@@ -13,14 +16,16 @@
 
 namespace zarvi {
 
-RunResult OperationRunner::run(const QVariantMap& parameters, const QString& filepath, const QStringList& datapaths)
+RunResult OperationRunner::run(const QVariantMap& parameters, const QString& filepath,
+                               const QStringList& datapaths)
 {
     RunResult result;
     result.filepath = filepath;
     const QString name = parameters.value(FileDefinitions::Operations).toString();
     const OperationDescriptor* descriptor = OperationRegistry::instance().find(name);
     if (!descriptor) {
-        result.errors << (name.isEmpty() ? ZarviMainDefinitions::parameterMissingMessage().arg(FileDefinitions::Operations)
+        result.errors << (name.isEmpty() ? ZarviMainDefinitions::parameterMissingMessage().arg(
+                                               FileDefinitions::Operations)
                                          : ZarviMainDefinitions::operationUnknownMessage().arg(name));
         return result;
     }
@@ -35,10 +40,11 @@ RunResult OperationRunner::run(const QVariantMap& parameters, const QString& fil
         if (onProgress)
             onProgress(progress);
     });
-    connect(process.get(), &AbstractOperationProcess::sendProgressLabelToView, this, [this](const QString& label) {
-        if (onLabel)
-            onLabel(label);
-    });
+    connect(process.get(), &AbstractOperationProcess::sendProgressLabelToView, this,
+            [this](const QString& label) {
+                if (onLabel)
+                    onLabel(label);
+            });
     connect(process.get(), &AbstractOperationProcess::sendMessageToView, this,
             [this](const QString& title, const QString& message, const QString& details, int icon) {
                 if (onMessage)
@@ -79,12 +85,67 @@ RunResult OperationRunner::runPipeline(const QList<QVariantMap>& steps, const QS
     RunResult result;
     result.filepath = filepath;
     result.datapaths = datapaths;
+    const QSet<QString> groupsBefore = steps.size() > 1 ? groupPaths(filepath) : QSet<QString>();
+    QStringList written;
     for (const QVariantMap& step : steps) {
         result = run(step, filepath, result.datapaths);
-        if (!result.succeeded() || result.canceled)
+        if (!result.succeeded() || result.canceled) {
+            // A pipeline is all or nothing: the steps that ran are taken back too.
+            takeBack(filepath, written, groupsBefore);
+            result.datapaths.clear();
             break;
+        }
+        written << result.datapaths;
     }
     return result;
+}
+
+QSet<QString> OperationRunner::groupPaths(const QString& filepath)
+{
+    QSet<QString> paths;
+    LockedFileRead read(filepath, LockedFileRead::Wait::Yes);
+    if (!read.isOpen())
+        return paths;
+    HDF5Manager_V6& file = read.reader();
+    QStringList pending{QString()};
+    while (!pending.isEmpty()) {
+        const QString path = pending.takeLast();
+        const hid_t group = path.isEmpty() ? file.fileId() : file.openGroup(file.fileId(), path);
+        for (const QString& name : file.children(group)) {
+            const QString child = path.isEmpty() ? name : path + QLatin1Char('/') + name;
+            if (file.objectKind(file.fileId(), child) == ObjectKind::Group) {
+                paths.insert(child);
+                pending << child;
+            }
+        }
+        if (!path.isEmpty())
+            file.closeGroup(group);
+    }
+    return paths;
+}
+
+void OperationRunner::takeBack(const QString& filepath, const QStringList& written,
+                               const QSet<QString>& groupsBefore)
+{
+    if (written.isEmpty())
+        return;
+    const auto lock = FileAccessLock::lock(filepath);
+    HDF5Writer_V6 file;
+    if (file.open(filepath) < 0)
+        return;
+    for (const QString& path : written) {
+        // The highest level of the output that the pipeline created goes, with all below it.
+        const QStringList levels = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
+        QString prefix;
+        for (const QString& level : levels) {
+            prefix = prefix.isEmpty() ? level : prefix + QLatin1Char('/') + level;
+            if (!groupsBefore.contains(prefix)) {
+                if (file.exists(file.fileId(), prefix))
+                    file.deleteLink(file.fileId(), prefix);
+                break;
+            }
+        }
+    }
 }
 
 } // namespace zarvi

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QSet>
 #include <QStringList>
 #include <QVariantMap>
 
@@ -30,18 +31,27 @@ class OperationRunner : public QObject
 public:
     std::function<void(int)> onProgress;
     std::function<void(const QString&)> onLabel;
-    std::function<void(const QString& title, const QString& message, const QString& details, int icon)> onMessage;
+    std::function<void(const QString& title, const QString& message, const QString& details, int icon)>
+        onMessage;
 
     /// Runs one operation on `datapaths` of `filepath` and waits for it,
     /// keeping the caller's event loop turning.
     RunResult run(const QVariantMap& parameters, const QString& filepath, const QStringList& datapaths);
-    /// Runs a sequence: each step takes the previous step's outputs as its inputs.
-    RunResult runPipeline(const QList<QVariantMap>& steps, const QString& filepath, const QStringList& datapaths);
+    /// Runs a sequence: each step takes the previous step's outputs as its inputs. All or
+    /// nothing: when a step fails or is cancelled, what the earlier steps wrote is deleted
+    /// too, with the parent groups the pipeline added.
+    RunResult runPipeline(const QList<QVariantMap>& steps, const QString& filepath,
+                          const QStringList& datapaths);
 
     /// Asks the running process to stop. Safe from any thread and from a signal handler.
     void requestCancel() { m_cancelRequested = true; }
 
 private:
+    /// Every group of the file, to tell afterwards which groups a pipeline added.
+    static QSet<QString> groupPaths(const QString& filepath);
+    static void takeBack(const QString& filepath, const QStringList& written,
+                         const QSet<QString>& groupsBefore);
+
     std::atomic<bool> m_cancelRequested{false};
 };
 

@@ -7,10 +7,13 @@
 // start of the program costs. With ZARVI_BASELINE_CLI naming an earlier build of the
 // program, both run on the same input in turn and "new_over_old" is the ratio of
 // their median times.
+#include "analysis/AnalysisOperations.h"
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "framework/OperationRegistry.h"
 #include "framework/OperationRunner.h"
+#include "signal/SignalOperations.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -255,6 +258,8 @@ int main(int argc, char** argv)
 {
     // The in-process runner needs an application object for its event loop.
     QCoreApplication application(argc, argv);
+    zarvi::registerSignalOperations(zarvi::OperationRegistry::instance());
+    zarvi::registerAnalysisOperations(zarvi::OperationRegistry::instance());
     const QString baseline = qEnvironmentVariable("ZARVI_BASELINE_CLI");
     if (!baseline.isEmpty())
         benchmark::RegisterBenchmark("BM_PerieventOperationAgainstBaseline",

@@ -169,4 +169,39 @@ TEST_F(OperationFrameworkTest, PipelineFeedsEachStepTheOutputsOfTheStepBefore)
     EXPECT_EQ(out.values[10], 100.0);
 }
 
+TEST_F(OperationFrameworkTest, APipelineIsAllOrNothing)
+{
+    const QString file = dir.file(QStringLiteral("e.orvel"));
+    const QString input = writeRamp(file, 1000);
+    {
+        // A group of the file that is empty before the pipeline must stay.
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        writer.closeGroup(writer.createGroupPath(writer.fileId(), QStringLiteral("DataProcessed/Kept")));
+    }
+    QVariantMap failing = scale(5.0);
+    failing.insert(QStringLiteral("FailWith"), QStringLiteral("Step two failed."));
+    OperationRunner runner;
+    const RunResult result = runner.runPipeline({scale(2.0), scale(3.0), failing}, file, {input});
+    EXPECT_EQ(result.errors, QStringList{QStringLiteral("Step two failed.")});
+    EXPECT_TRUE(result.datapaths.isEmpty());
+
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(file), 0);
+    EXPECT_TRUE(reader.exists(reader.fileId(), QStringLiteral("DataProcessed/Kept")));
+    EXPECT_FALSE(reader.exists(reader.fileId(), QStringLiteral("DataProcessed/Rig")));
+    EXPECT_TRUE(reader.exists(reader.fileId(), input));
+}
+
+TEST_F(OperationFrameworkTest, AnInputThatIsNotInTheFileIsAnError)
+{
+    const QString file = dir.file(QStringLiteral("f.orvel"));
+    const QString input = writeRamp(file, 100);
+    OperationRunner runner;
+    const QString missing = QStringLiteral("DataAcquisition/Rig/Signals/Series2/Red/Signal");
+    const RunResult result = runner.run(scale(2.0), file, {input, missing});
+    EXPECT_EQ(result.errors,
+              QStringList{QStringLiteral("Dataset <b>%1</b> was not found in the file.").arg(missing)});
+}
+
 } // namespace

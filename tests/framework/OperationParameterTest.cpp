@@ -82,11 +82,13 @@ TEST(OperationParameter, ARunMapIsCheckedAgainstTheDeclarations)
     // An operation's own words replace the general message.
     EXPECT_EQ(problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Strict"), 0}}),
               QStringList{QStringLiteral("Bad value for strict.")});
-    // Offered choices are not enforced; NaN is never a number.
+    // Offered choices are not enforced; NaN and infinity are never numbers.
     EXPECT_TRUE(
         problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Hint"), QStringLiteral("Y")}}).isEmpty());
-    EXPECT_EQ(problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Window(sec)"), std::nan("")}}),
-              QStringList{QStringLiteral("Parameter <b>Window(sec)</b> has an invalid value.")});
+    for (const QVariant& notANumber :
+         {QVariant(std::nan("")), QVariant(INFINITY), QVariant(QStringLiteral("inf"))})
+        EXPECT_EQ(problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Window(sec)"), notANumber}}),
+                  QStringList{QStringLiteral("Parameter <b>Window(sec)</b> has an invalid value.")});
     // An empty optional value switches its stage off and passes.
     EXPECT_TRUE(problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Method"), QString()}}).isEmpty());
 }
