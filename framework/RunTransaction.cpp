@@ -75,17 +75,17 @@ hid_t RunTransaction::createGroup(const QString& path, const QString& existsMess
 QString RunTransaction::sensorGroup(const QString& inputPath, QString& error, const QString& sensor)
 {
     const InputLevels levels = OutputLocation::levelsOf(inputPath);
-    const QString series = OutputLocation::seriesGroup(m_spec.category, m_spec.kind, levels);
+    const QString series = OutputLocation::seriesGroup(m_outputs.category, m_outputs.kind, levels);
     QString runGroup = m_runGroups.value(series);
     if (runGroup.isEmpty()) {
-        runGroup = OutputLocation::nextRunGroup(m_file, series, m_spec.outputName);
+        runGroup = OutputLocation::nextRunGroup(m_file, series, m_outputs.outputName);
         trackMissingLevels(runGroup);
         const hid_t group = m_file.createGroupPath(m_file.fileId(), runGroup);
         bool ok = group >= 0;
-        if (m_spec.recordParameters) {
-            for (auto it = m_spec.parameters.cbegin(); ok && it != m_spec.parameters.cend(); ++it)
+        if (m_outputs.recordParameters) {
+            for (auto it = m_outputs.parameters.cbegin(); ok && it != m_outputs.parameters.cend(); ++it)
                 ok = m_file.writeAttribute(group, it.key(), it.value());
-            ok = ok && m_file.writeAttribute(group, FD::SourceDatapaths, m_spec.sources);
+            ok = ok && m_file.writeAttribute(group, FD::SourceDatapaths, m_outputs.sources);
         }
         m_file.closeGroup(group);
         if (group >= 0)
@@ -104,9 +104,9 @@ QString RunTransaction::sensorGroup(const QString& inputPath, QString& error, co
 
 QVariantMap RunTransaction::datasetAttributes(const QString& inputPath) const
 {
-    if (!m_spec.recordParameters)
+    if (!m_outputs.recordParameters)
         return {};
-    QVariantMap attributes = m_spec.parameters;
+    QVariantMap attributes = m_outputs.parameters;
     attributes.insert(FD::SourceDatapath, inputPath);
     return attributes;
 }

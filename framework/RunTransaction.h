@@ -63,9 +63,9 @@ public:
     const QString& filepath() const { return m_path; }
     bool createdFile() const { return m_createdFile; }
 
-    void setOutputs(RunOutputSpec spec) { m_spec = std::move(spec); }
+    void setOutputs(RunOutputSpec outputs) { m_outputs = std::move(outputs); }
     /// The inputs recorded with the outputs, when they are known only once the file is open.
-    void setSources(const QStringList& sources) { m_spec.sources = sources; }
+    void setSources(const QStringList& sources) { m_outputs.sources = sources; }
     /// A new, unique sensor group for an output derived from `inputPath` (named
     /// `sensor`, or after the input's sensor) inside the run group of the input's
     /// series, which is created with the recorded parameters on first use. Empty with
@@ -103,7 +103,7 @@ private:
     bool m_createdFile = false;
     bool m_finished = true;
     std::vector<QString> m_created;
-    RunOutputSpec m_spec;
+    RunOutputSpec m_outputs;
     QMap<QString, QString> m_runGroups; ///< series group -> run group
 };
 
