@@ -67,6 +67,14 @@ TEST(RunningAverage, StopsWhenCancelled)
     EXPECT_TRUE(result.values.empty());
     // It polls once per sample and returns at the first "yes".
     EXPECT_EQ(feedback.polls(), 501);
+
+    // A window of 10^12 samples over ten samples: the first window alone would take
+    // minutes, so it polls too and stops.
+    test::RecordingFeedback early(3);
+    const VectorResult huge =
+        RunningAverage::computeSamples(std::vector<double>(10, 1.0), 1000000000000LL, &early);
+    EXPECT_TRUE(huge.outcome.isCancelled());
+    EXPECT_EQ(early.polls(), 4);
 }
 
 TEST(Decimation, KeepsEveryMthSampleOfValuesAndTime)

@@ -58,12 +58,17 @@ KernelOutcome RunningAverage::computeInto(std::span<const double> values, long l
 
     const long long half = window / 2;
     const double divisor = static_cast<double>(window);
+    ProgressTracker progress(feedback, values.size());
+    // The first window alone can be as long as the user typed: it polls cancel too.
+    constexpr long long PollEvery = 1 << 16;
     double sum = 0.0;
-    for (long long k = -half; k <= half; ++k)
+    for (long long k = -half; k <= half; ++k) {
+        if ((k + half) % PollEvery == PollEvery - 1 && progress.isCanceled())
+            return KernelOutcome::cancelled();
         sum += values[mirrored(k, n)];
+    }
     output[0] = sum / divisor;
 
-    ProgressTracker progress(feedback, values.size());
     for (long long i = 1; i < n; ++i) {
         if (progress.isCanceled())
             return KernelOutcome::cancelled();
