@@ -279,7 +279,7 @@ public:
         return tr("<b>%1</b> is not a Neurophotometrics file: its header must name a FrameCounter column, a "
                   "Timestamp or SystemTimestamp column, a LedState or Flags column and Region columns.");
     }
-    static QString npmLineMessage() { return tr("<b>%1</b>, line %2: %3"); }
+    static QString npmLineMessage() { return tr("<b>%1</b>: %2"); }
     static QString digitalInputsMessage()
     {
         return tr("<b>%1</b> must hold a header with a timestamp column and at least one digital input "

@@ -126,13 +126,8 @@ bool readFrames(const QString& path, Layout& layout, double& origin, Feedback* f
         if (cells.size() == 1 && cells.front().isEmpty())
             continue;
         if (cells.size() != layout.names.size()) {
-            error = Texts::npmLineMessage()
-                        .arg(path)
-                        .arg(lineNumber)
-                        .arg(Texts::columnCountMessage()
-                                 .arg(lineNumber)
-                                 .arg(cells.size())
-                                 .arg(layout.names.size()));
+            error = Texts::npmLineMessage().arg(
+                path, Texts::columnCountMessage().arg(lineNumber).arg(cells.size()).arg(layout.names.size()));
             return false;
         }
         double time = 0.0;
@@ -143,13 +138,10 @@ bool readFrames(const QString& path, Layout& layout, double& origin, Feedback* f
         for (std::size_t r = 0; bad < 0 && r < regions.size(); ++r)
             bad = parseNumber(cells[layout.regions[r]], regions[r]) ? -1 : layout.regions[r];
         if (bad >= 0) {
-            error = Texts::npmLineMessage()
-                        .arg(path)
-                        .arg(lineNumber)
-                        .arg(Texts::notNumberMessage()
-                                 .arg(lineNumber)
-                                 .arg(bad + 1)
-                                 .arg(QString::fromUtf8(cells[bad].left(40))));
+            error = Texts::npmLineMessage().arg(path, Texts::notNumberMessage()
+                                                          .arg(lineNumber)
+                                                          .arg(bad + 1)
+                                                          .arg(QString::fromUtf8(cells[bad].left(40))));
             return false;
         }
         if (first)
@@ -192,7 +184,7 @@ bool readDigitalInputs(const QString& path, double origin,
     }
     for (const int c : columns)
         inputs.emplace_back(QString::fromUtf8(header[c]), DigitalEdges());
-    for (int lineNumber = 2; !file.atEnd(); ++lineNumber) {
+    while (!file.atEnd()) {
         const QList<QByteArray> cells = cellsOf(file.readLine());
         if (cells.size() == 1 && cells.front().isEmpty())
             continue;
@@ -204,10 +196,7 @@ bool readDigitalInputs(const QString& path, double origin,
             inputs[i].second.add(high, time - origin);
         }
         if (!ok) {
-            error = Texts::npmLineMessage()
-                        .arg(path)
-                        .arg(lineNumber)
-                        .arg(Texts::digitalInputsMessage().arg(path));
+            error = Texts::digitalInputsMessage().arg(path);
             return false;
         }
     }

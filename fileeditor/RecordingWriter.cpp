@@ -94,7 +94,8 @@ int RecordingWriter::addSignal(const QString& name, const QString& username, con
         ok = stream.values >= 0 && stream.time >= 0 &&
              file.writeAttribute(stream.values, FD::Username, username) &&
              (unit.isEmpty() || file.writeAttribute(stream.values, FD::Unit, unit)) &&
-             file.writeAttribute(stream.time, FD::Unit, Texts::SecondsUnit);
+             file.writeAttribute(stream.time, FD::Unit, Texts::SecondsUnit) &&
+             recordSource(stream.values, stream.path, error);
         if (!ok)
             error = FD::unableToCreateDatasetMessage().arg(stream.path) + QStringLiteral("<br>") +
                     file.lastError();
