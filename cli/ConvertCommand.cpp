@@ -120,12 +120,14 @@ bool parse(const QStringList& arguments, Arguments& parsed, QString& problem)
     return optionsFit(parsed, problem);
 }
 
-bool destinationFrom(const Arguments& parsed, bool needsSensor, ConversionDestination& to, QString& problem)
+bool destinationFrom(const Arguments& parsed, bool needsSensor, ConversionDestination& to, QString& problem,
+                     bool needsDevice = true)
 {
     to.filepath = parsed.values.value(QStringLiteral("--into"));
     to.device = parsed.values.value(QStringLiteral("--device"));
     to.sensor = parsed.values.value(QStringLiteral("--sensor"));
-    if (to.filepath.isEmpty() || to.device.isEmpty() || (needsSensor && to.sensor.isEmpty())) {
+    if (to.filepath.isEmpty() || (needsDevice && to.device.isEmpty()) ||
+        (needsSensor && to.sensor.isEmpty())) {
         problem = needsSensor ? QStringLiteral("--into, --device and --sensor are required")
                               : QStringLiteral("--into and --device are required");
         return false;
@@ -177,9 +179,11 @@ std::optional<ConversionRequest> recordingFrom(const Arguments& parsed, QString&
     RecordingConversionConfig config;
     config.sourcePath = parsed.values.value(fileSource);
     Arguments named = parsed;
-    if (!named.values.contains(QStringLiteral("--device")))
-        named.values.insert(QStringLiteral("--device"), RecordingImport::describe(config).format);
-    if (!destinationFrom(named, false, config.destination, problem))
+    const QString format = RecordingImport::formatName(config.sourcePath);
+    if (!named.values.contains(QStringLiteral("--device")) && !format.isEmpty())
+        named.values.insert(QStringLiteral("--device"), format);
+    // Content of no known format has no device to default to; its conversion reports why.
+    if (!destinationFrom(named, false, config.destination, problem, !format.isEmpty()))
         return std::nullopt;
     config.stores = parsed.values.value(storesOption).split(QLatin1Char(','), Qt::SkipEmptyParts);
     for (QString& store : config.stores)
@@ -297,10 +301,13 @@ int ConvertCommand::run(const QStringList& arguments)
 
     if (const auto* recording = std::get_if<RecordingConversionConfig>(&*request)) {
         const RecordingSummary summary = RecordingImport::describe(*recording);
-        if (summary.ok())
-            err << TerminalProgress::plainText(summary.text(recording->sourcePath)
-                                                   .replace(QStringLiteral("<br>"), QStringLiteral("\n  ")))
-                << '\n';
+        if (!summary.ok()) {
+            err << "Error: " << TerminalProgress::plainText(summary.error) << '\n';
+            return exitFailed;
+        }
+        err << TerminalProgress::plainText(summary.text(recording->sourcePath)
+                                               .replace(QStringLiteral("<br>"), QStringLiteral("\n  ")))
+            << '\n';
         err.flush();
     }
     ConversionResult result;

@@ -25,11 +25,18 @@ QString notRecordingMessage(const QString& path, SourceFormat format)
 
 } // namespace
 
-bool RecordingImport::isRecording(const QString& path)
+QString RecordingImport::formatName(const QString& path)
 {
-    const SourceFormat format = SourceDetector::detect(path);
-    return format == SourceFormat::PyPhotometry || format == SourceFormat::Neurophotometrics ||
-           format == SourceFormat::TdtBlock;
+    switch (SourceDetector::detect(path)) {
+    case SourceFormat::PyPhotometry:
+        return Texts::PyPhotometryFormat;
+    case SourceFormat::Neurophotometrics:
+        return Texts::NeurophotometricsFormat;
+    case SourceFormat::TdtBlock:
+        return Texts::TdtFormat;
+    default:
+        return QString();
+    }
 }
 
 RecordingSummary RecordingImport::describe(const RecordingConversionConfig& config)

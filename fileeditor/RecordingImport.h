@@ -15,8 +15,9 @@ class RecordingImport
 public:
     static RecordingSummary describe(const RecordingConversionConfig& config);
     static ConversionResult convert(const RecordingConversionConfig& config, Feedback* feedback = nullptr);
-    /// True when the path holds a recording this class converts.
-    static bool isRecording(const QString& path);
+    /// The name of the recording format the path holds ("pyPhotometry", "TDT"...), empty
+    /// when it holds none.
+    static QString formatName(const QString& path);
 };
 
 } // namespace zarvi
