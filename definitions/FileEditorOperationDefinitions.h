@@ -309,11 +309,6 @@ public:
     static QString foundSignalText() { return tr("signal <b>%1</b>: %2 samples at %3 Hz"); }
     static QString foundEventsText() { return tr("events <b>%1</b>: %2"); }
     static QString foundDurationText() { return tr("duration %1 s"); }
-    static QString recordingSourceText()
-    {
-        return tr("Recording (pyPhotometry, Neurophotometrics, TDT; detected from the file)");
-    }
-    static QString storesLabel() { return tr("Stores (empty: all)"); }
 
     // Labels of the Convert dialog.
     static QString convertWindowTitle() { return tr("Convert"); }
