@@ -9,6 +9,8 @@
 #include "cli/TerminalProgress.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/FileConversion.h"
+#include "fileeditor/RecordingImport.h"
+#include "fileeditor/SourceDetector.h"
 
 namespace zarvi {
 
@@ -24,6 +26,10 @@ const QString videoOption = QStringLiteral("--video");
 const QString csvOption = QStringLiteral("--csv");
 const QString v5Option = QStringLiteral("--v5");
 const QString asStackOption = QStringLiteral("--as-stack");
+/// The source given without a format option, its format taken from its content.
+const QString fileSource = QStringLiteral("FILE");
+const QString storesOption = QStringLiteral("--stores");
+const QString digitalInputsOption = QStringLiteral("--digital-inputs");
 
 /// The options each source takes besides itself; every other option is refused.
 const QMap<QString, QStringList>& optionsOfSource()
@@ -33,6 +39,9 @@ const QMap<QString, QStringList>& optionsOfSource()
         {videoOption, {"--device", "--sensor", "--series", "--into"}},
         {csvOption, {"--time-column", "--time-unit", "--event-columns", "--device", "--series", "--into"}},
         {v5Option, {"--into"}},
+        {fileSource,
+         {"--device", "--series", "--into", "--stores", "--digital-inputs", "--sensor", "--rate",
+          "--timestamps", "--time-column", "--time-unit", "--event-columns"}},
     };
     return options;
 }
@@ -51,16 +60,43 @@ std::optional<int> positiveInt(const QString& text)
     return ok && value >= 1 ? std::optional<int>(value) : std::nullopt;
 }
 
+/// Every option given applies to the source.
+bool optionsFit(const Arguments& parsed, QString& problem)
+{
+    const QStringList allowed = optionsOfSource().value(parsed.source);
+    for (auto it = parsed.values.cbegin(); it != parsed.values.cend(); ++it) {
+        if (it.key() != parsed.source && !allowed.contains(it.key())) {
+            problem = QStringLiteral("%1 does not apply to %2").arg(it.key(), parsed.source);
+            return false;
+        }
+    }
+    if (parsed.asStack && parsed.source != videoOption && parsed.source != fileSource) {
+        problem = QStringLiteral("--as-stack applies to --video only");
+        return false;
+    }
+    return true;
+}
+
 /// Reads the options; a problem is a usage error.
 bool parse(const QStringList& arguments, Arguments& parsed, QString& problem)
 {
     for (qsizetype i = 0; i < arguments.size(); ++i) {
         const QString& argument = arguments[i];
+        if (!argument.startsWith(QStringLiteral("--"))) {
+            if (!parsed.source.isEmpty()) {
+                problem = QStringLiteral("Give one source: %1 or %2")
+                              .arg(parsed.values.value(parsed.source), argument);
+                return false;
+            }
+            parsed.source = fileSource;
+            parsed.values.insert(fileSource, argument);
+            continue;
+        }
         if (argument == asStackOption) {
             parsed.asStack = true;
             continue;
         }
-        const bool isSource = optionsOfSource().contains(argument);
+        const bool isSource = argument != fileSource && optionsOfSource().contains(argument);
         bool known = isSource;
         for (const QStringList& options : optionsOfSource())
             known = known || options.contains(argument);
@@ -78,29 +114,20 @@ bool parse(const QStringList& arguments, Arguments& parsed, QString& problem)
         parsed.values.insert(argument, arguments[++i]);
     }
     if (parsed.source.isEmpty()) {
-        problem = QStringLiteral("Give a source: --tiff, --video, --csv or --v5");
+        problem = QStringLiteral("Give a source: FILE, --tiff, --video, --csv or --v5");
         return false;
     }
-    const QStringList allowed = optionsOfSource().value(parsed.source);
-    for (auto it = parsed.values.cbegin(); it != parsed.values.cend(); ++it) {
-        if (it.key() != parsed.source && !allowed.contains(it.key())) {
-            problem = QStringLiteral("%1 does not apply to %2").arg(it.key(), parsed.source);
-            return false;
-        }
-    }
-    if (parsed.asStack && parsed.source != videoOption) {
-        problem = QStringLiteral("--as-stack applies to --video only");
-        return false;
-    }
-    return true;
+    return optionsFit(parsed, problem);
 }
 
-bool destinationFrom(const Arguments& parsed, bool needsSensor, ConversionDestination& to, QString& problem)
+bool destinationFrom(const Arguments& parsed, bool needsSensor, ConversionDestination& to, QString& problem,
+                     bool needsDevice = true)
 {
     to.filepath = parsed.values.value(QStringLiteral("--into"));
     to.device = parsed.values.value(QStringLiteral("--device"));
     to.sensor = parsed.values.value(QStringLiteral("--sensor"));
-    if (to.filepath.isEmpty() || to.device.isEmpty() || (needsSensor && to.sensor.isEmpty())) {
+    if (to.filepath.isEmpty() || (needsDevice && to.device.isEmpty()) ||
+        (needsSensor && to.sensor.isEmpty())) {
         problem = needsSensor ? QStringLiteral("--into, --device and --sensor are required")
                               : QStringLiteral("--into and --device are required");
         return false;
@@ -146,8 +173,59 @@ bool spreadsheetFrom(const Arguments& parsed, SpreadsheetConversionConfig& confi
     return true;
 }
 
-std::optional<ConversionRequest> requestFrom(const Arguments& parsed, QString& problem)
+/// A recording of an acquisition system; the device defaults to the format's name.
+std::optional<ConversionRequest> recordingFrom(const Arguments& parsed, QString& problem)
 {
+    RecordingConversionConfig config;
+    config.sourcePath = parsed.values.value(fileSource);
+    Arguments named = parsed;
+    const QString format = RecordingImport::formatName(config.sourcePath);
+    if (!named.values.contains(QStringLiteral("--device")) && !format.isEmpty())
+        named.values.insert(QStringLiteral("--device"), format);
+    // Content of no known format has no device to default to; its conversion reports why.
+    if (!destinationFrom(named, false, config.destination, problem, !format.isEmpty()))
+        return std::nullopt;
+    config.stores = parsed.values.value(storesOption).split(QLatin1Char(','), Qt::SkipEmptyParts);
+    for (QString& store : config.stores)
+        store = store.trimmed();
+    config.digitalInputsPath = parsed.values.value(digitalInputsOption);
+    return config;
+}
+
+std::optional<ConversionRequest> requestFrom(const Arguments& given, QString& problem)
+{
+    Arguments parsed = given;
+    if (parsed.source == fileSource) {
+        const QString path = parsed.values.take(fileSource);
+        switch (SourceDetector::detect(path)) {
+        case SourceFormat::PyPhotometry:
+        case SourceFormat::Neurophotometrics:
+        case SourceFormat::TdtBlock:
+        case SourceFormat::Doric:
+        case SourceFormat::Unknown:
+            parsed.values.insert(fileSource, path);
+            return recordingFrom(parsed, problem);
+        case SourceFormat::Spreadsheet:
+        case SourceFormat::Workbook:
+            parsed.source = csvOption;
+            break;
+        case SourceFormat::HDF5:
+            parsed.source = v5Option;
+            break;
+        case SourceFormat::TiffStack:
+        case SourceFormat::TiffFolder:
+            parsed.source = tiffOption;
+            break;
+        case SourceFormat::Video:
+            parsed.source = videoOption;
+            break;
+        }
+        parsed.values.insert(parsed.source, path);
+        if (!optionsFit(parsed, problem))
+            return std::nullopt;
+        if (parsed.source == csvOption && !parsed.values.contains(QStringLiteral("--time-column")))
+            parsed.values.insert(QStringLiteral("--time-column"), QStringLiteral("1"));
+    }
     const QString source = parsed.values.value(parsed.source);
     if (parsed.source == v5Option)
         return Version5ConversionConfig{source, parsed.values.value(QStringLiteral("--into"))};
@@ -190,13 +268,20 @@ std::optional<ConversionRequest> requestFrom(const Arguments& parsed, QString& p
 
 const char* ConvertCommand::usage()
 {
-    return "usage: zarvi-cli convert --tiff PATH|FOLDER (--rate HZ | --timestamps CSV)\n"
+    return "usage: zarvi-cli convert FILE [--device NAME] [--series N] [--stores A,B] [--digital-inputs "
+           "CSV]\n"
+           "                         --into FILE.orvel\n"
+           "       zarvi-cli convert --tiff PATH|FOLDER (--rate HZ | --timestamps CSV)\n"
            "                         --device NAME --sensor NAME [--series N] --into FILE.orvel\n"
            "       zarvi-cli convert --video PATH [--as-stack] --device NAME [--sensor NAME]\n"
            "                         [--series N] --into FILE.orvel\n"
            "       zarvi-cli convert --csv PATH --time-column N [--time-unit s|ms|us|min]\n"
            "                         [--event-columns I,J] --device NAME [--series N] --into FILE.orvel\n"
            "       zarvi-cli convert --v5 FILE [--into NEW.orvel]\n"
+           "FILE's format is taken from its content: a pyPhotometry .ppd, a Neurophotometrics .csv\n"
+           "(--digital-inputs: its digital-input .csv), a TDT block folder (--stores: the stores to\n"
+           "bring in), or any source above with that source's options. Recordings are described\n"
+           "before they are written; their device defaults to the format's name.\n"
            "Columns count from 1. The data file is created when missing; --series defaults to the\n"
            "next free series. --as-stack (with --sensor) also stores the video's frames in grey.\n";
 }
@@ -214,6 +299,17 @@ int ConvertCommand::run(const QStringList& arguments)
         return exitUsage;
     }
 
+    if (const auto* recording = std::get_if<RecordingConversionConfig>(&*request)) {
+        const RecordingSummary summary = RecordingImport::describe(*recording);
+        if (!summary.ok()) {
+            err << "Error: " << TerminalProgress::plainText(summary.error) << '\n';
+            return exitFailed;
+        }
+        err << TerminalProgress::plainText(summary.text(recording->sourcePath)
+                                               .replace(QStringLiteral("<br>"), QStringLiteral("\n  ")))
+            << '\n';
+        err.flush();
+    }
     ConversionResult result;
     {
         InterruptibleFeedback feedback;

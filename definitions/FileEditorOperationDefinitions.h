@@ -228,6 +228,88 @@ public:
     static QString convertedMessage() { return tr("Written to <b>%1</b>:<br>%2"); }
     static QString convertingLabel() { return tr("Converting <b>%1</b>..."); }
 
+    // Recordings of acquisition systems.
+    /// Names of the detected formats as the summary and the parameters show them (keys).
+    static inline const QString PyPhotometryFormat = QStringLiteral("pyPhotometry");
+    static inline const QString NeurophotometricsFormat = QStringLiteral("Neurophotometrics");
+    static inline const QString TdtFormat = QStringLiteral("TDT");
+    /// Parameters recorded on converted recordings.
+    static inline const QString FormatKey = QStringLiteral("Format");
+    static inline const QString AcquisitionModeKey = QStringLiteral("AcquisitionMode");
+    static inline const QString VoltsPerDivisionKey = QStringLiteral("VoltsPerDivision");
+    static inline const QString TimeOriginKey = QStringLiteral("TimeOrigin(s)");
+    static inline const QString StoresKey = QStringLiteral("Stores");
+    static inline const QString DigitalInputsKey = QStringLiteral("DigitalInputsFile");
+    static inline const QString VoltsUnit = QStringLiteral("V");
+    /// Neurophotometrics signals: "<region column>-<wavelength>", e.g. "Region0G-470".
+    static inline const QString RegionWavelengthPattern = QStringLiteral("%1-%2");
+    /// A Neurophotometrics LED state without a known wavelength.
+    static inline const QString LedStatePattern = QStringLiteral("LED%1");
+    /// A channel of a multi-channel TDT store: "<store>-<channel>".
+    static inline const QString StoreChannelPattern = QStringLiteral("%1-%2");
+    static QString unknownContentMessage()
+    {
+        return tr(
+            "<b>%1</b> is not a recording this program reads. Expected a pyPhotometry file (.ppd), a "
+            "Neurophotometrics .csv (FrameCounter, timestamp, LedState or Flags, one column per region), "
+            "a TDT block folder (.tsq and .tev), a spreadsheet (.csv), a TIFF stack, a video or a data "
+            "file of the previous version.");
+    }
+    static QString doricNotReadMessage()
+    {
+        return tr("<b>%1</b> is an HDF5 file but not a data file of this program or of its previous version; "
+                  "Doric .doric files are not read yet.");
+    }
+    static QString ppdHeaderLengthMessage()
+    {
+        return tr("The header of <b>%1</b> announces %2 bytes, but only %3 bytes follow; the file is "
+                  "truncated or not a pyPhotometry file.");
+    }
+    static QString ppdHeaderMessage()
+    {
+        return tr("<b>%1</b> does not start with a pyPhotometry header: %2.");
+    }
+    static QString ppdTruncatedMessage()
+    {
+        return tr("<b>%1</b> ends within a sample: %2 bytes of data are not a whole number of %3-channel "
+                  "samples; the file is truncated.");
+    }
+    static QString npmColumnsMessage()
+    {
+        return tr("<b>%1</b> is not a Neurophotometrics file: its header must name a FrameCounter column, a "
+                  "Timestamp or SystemTimestamp column, a LedState or Flags column and Region columns.");
+    }
+    static QString npmLineMessage() { return tr("<b>%1</b>: %2"); }
+    static QString digitalInputsMessage()
+    {
+        return tr("<b>%1</b> must hold a header with a timestamp column and at least one digital input "
+                  "column.");
+    }
+    static QString tdtNoTankMessage()
+    {
+        return tr("<b>%1</b> is not a TDT block: it must be a folder holding one .tsq and one .tev file, or "
+                  "one of those files.");
+    }
+    static QString tdtHeaderMessage()
+    {
+        return tr("<b>%1</b> is not a TDT event index: it does not begin with the block's start mark.");
+    }
+    static QString tdtTruncatedMessage()
+    {
+        return tr("<b>%1</b> is truncated: %2 bytes are not a whole number of 40-byte index records.");
+    }
+    static QString tdtDataMessage()
+    {
+        return tr("Store <b>%1</b>: a record points past the end of <b>%2</b>; the data file is truncated.");
+    }
+    static QString tdtFormatMessage() { return tr("Store <b>%1</b> holds samples of unknown format %2."); }
+    static QString tdtUnknownStoreMessage() { return tr("The block has no store <b>%1</b>; it has %2."); }
+    static QString nothingToConvertMessage() { return tr("<b>%1</b> holds no channels to convert."); }
+    static QString foundTitle() { return tr("Found in <b>%1</b> (%2):"); }
+    static QString foundSignalText() { return tr("signal <b>%1</b>: %2 samples at %3 Hz"); }
+    static QString foundEventsText() { return tr("events <b>%1</b>: %2"); }
+    static QString foundDurationText() { return tr("duration %1 s"); }
+
     // Labels of the Convert dialog.
     static QString convertWindowTitle() { return tr("Convert"); }
     static QString sourceTypeLabel() { return tr("Convert"); }

@@ -1,5 +1,7 @@
 #include "fileeditor/FileConversion.h"
 
+#include "fileeditor/RecordingImport.h"
+
 namespace zarvi {
 
 namespace {
@@ -19,6 +21,7 @@ ConversionResult FileConversion::run(const ConversionRequest& request, Feedback*
             [&](const VideoConversionConfig& c) { return VideoConverter::convert(c, feedback); },
             [&](const SpreadsheetConversionConfig& c) { return SpreadsheetConverter::convert(c, feedback); },
             [&](const Version5ConversionConfig& c) { return Version5Converter::convert(c, feedback); },
+            [&](const RecordingConversionConfig& c) { return RecordingImport::convert(c, feedback); },
         },
         request);
 }

@@ -6,6 +6,7 @@
 
 #include "datafile/Feedback.h"
 #include "fileeditor/ConversionTarget.h"
+#include "fileeditor/RecordingSummary.h"
 #include "fileeditor/SpreadsheetConverter.h"
 #include "fileeditor/TiffStackConverter.h"
 #include "fileeditor/Version5Converter.h"
@@ -14,8 +15,9 @@
 namespace zarvi {
 
 /// One conversion as the dialog and the command line describe it.
-using ConversionRequest = std::variant<TiffStackConversionConfig, VideoConversionConfig,
-                                       SpreadsheetConversionConfig, Version5ConversionConfig>;
+using ConversionRequest =
+    std::variant<TiffStackConversionConfig, VideoConversionConfig, SpreadsheetConversionConfig,
+                 Version5ConversionConfig, RecordingConversionConfig>;
 
 /// Runs whichever conversion a request describes, so that the dialog and the command
 /// line share one entry. Runs on the job's worker thread (the command line's main thread).

@@ -1,0 +1,215 @@
+#include "fileeditor/RecordingWriter.h"
+
+#include <QFileInfo>
+
+#include <algorithm>
+
+#include "definitions/FileDefinitions.h"
+#include "definitions/FileEditorOperationDefinitions.h"
+
+namespace zarvi {
+
+namespace {
+
+using FD = FileDefinitions;
+using Texts = FileEditorOperationDefinitions;
+
+/// Samples gathered per signal before they go to the file: one chunk of the datasets.
+constexpr std::size_t BlockLength = 65536;
+
+} // namespace
+
+ConversionResult RecordingWriter::convert(const RecordingConversionConfig& config,
+                                          const QVariantMap& parameters,
+                                          const std::function<bool(RecordingWriter&, QString&)>& body)
+{
+    ConversionResult result;
+    const ConversionDestination& to = config.destination;
+    result.filepath = to.filepath;
+    if (!ConversionTarget::isUsableName(to.device))
+        result.error = Texts::deviceNameMessage().arg(to.device);
+    else if (to.series < 0)
+        result.error = Texts::seriesNumberMessage().arg(to.series);
+    if (!result.ok())
+        return result;
+    ConversionTarget target;
+    if (!target.open(to.filepath, false, result.error))
+        return result;
+    bool ok = false;
+    {
+        RecordingWriter writer(target, to, config.sourcePath, parameters);
+        ok = body(writer, result.error) && writer.finish(result.error);
+        if (ok)
+            result.datapaths = writer.datapaths();
+    }
+    if (!ok || !target.commit(result.error)) {
+        target.rollback();
+        result.datapaths.clear();
+        result.canceled = result.error == Texts::canceledMessage();
+    }
+    return result;
+}
+
+RecordingWriter::RecordingWriter(ConversionTarget& target, const ConversionDestination& destination,
+                                 const QString& sourcePath, const QVariantMap& parameters)
+    : m_target(target), m_destination(destination), m_sourcePath(QFileInfo(sourcePath).absoluteFilePath()),
+      m_parameters(parameters)
+{
+}
+
+RecordingWriter::~RecordingWriter()
+{
+    closeAll();
+}
+
+bool RecordingWriter::recordSource(hid_t location, const QString& path, QString& error)
+{
+    QVariantMap attributes = m_parameters;
+    attributes.insert(FD::SourceFile, QFileInfo(m_sourcePath).fileName());
+    attributes.insert(FD::SourceFilepath, m_sourcePath);
+    for (auto it = attributes.cbegin(); it != attributes.cend(); ++it) {
+        if (!m_target.file().writeAttribute(location, it.key(), it.value())) {
+            error = Texts::unableToWriteMessage().arg(path, m_target.file().lastError());
+            return false;
+        }
+    }
+    return true;
+}
+
+int RecordingWriter::addSignal(const QString& name, const QString& username, const QString& unit,
+                               QString& error)
+{
+    if (m_signalSeries == 0)
+        m_signalSeries = m_target.seriesNumber(m_destination.device, FD::Signals, m_destination.series);
+    Stream stream;
+    stream.path = ConversionTarget::dataPath(m_destination.device, FD::Signals, m_signalSeries, name);
+    const hid_t group = m_target.createGroup(stream.path, error);
+    if (group < 0)
+        return -1;
+    HDF5Writer_V6& file = m_target.file();
+    bool ok = recordSource(group, stream.path, error);
+    if (ok) {
+        stream.values = file.create1D(group, ElementKind::Float64, FD::SignalValues, BlockLength);
+        stream.time = file.create1D(group, ElementKind::Float64, FD::Time, BlockLength);
+        ok = stream.values >= 0 && stream.time >= 0 &&
+             file.writeAttribute(stream.values, FD::Username, username) &&
+             (unit.isEmpty() || file.writeAttribute(stream.values, FD::Unit, unit)) &&
+             file.writeAttribute(stream.time, FD::Unit, Texts::SecondsUnit) &&
+             recordSource(stream.values, stream.path, error);
+        if (!ok)
+            error = FD::unableToCreateDatasetMessage().arg(stream.path) + QStringLiteral("<br>") +
+                    file.lastError();
+    }
+    file.closeGroup(group);
+    if (!ok) {
+        file.closeDataset(stream.values);
+        file.closeDataset(stream.time);
+        return -1;
+    }
+    stream.pendingValues.reserve(BlockLength);
+    stream.pendingTimes.reserve(BlockLength);
+    m_datapaths << SignalDataset::valuesPath(stream.path);
+    m_streams.push_back(std::move(stream));
+    return static_cast<int>(m_streams.size() - 1);
+}
+
+bool RecordingWriter::append(int index, std::span<const double> values, std::span<const double> times,
+                             QString& error)
+{
+    Stream& stream = m_streams[static_cast<std::size_t>(index)];
+    const std::size_t n = std::min(values.size(), times.size());
+    for (std::size_t done = 0; done < n;) {
+        const std::size_t take = std::min(n - done, BlockLength - stream.pendingValues.size());
+        stream.pendingValues.insert(stream.pendingValues.end(), values.begin() + done,
+                                    values.begin() + done + take);
+        stream.pendingTimes.insert(stream.pendingTimes.end(), times.begin() + done,
+                                   times.begin() + done + take);
+        done += take;
+        if (stream.pendingValues.size() == BlockLength && !flush(stream, error))
+            return false;
+    }
+    return true;
+}
+
+bool RecordingWriter::flush(Stream& stream, QString& error)
+{
+    if (stream.pendingValues.empty())
+        return true;
+    HDF5Writer_V6& file = m_target.file();
+    const hsize_t n = stream.pendingValues.size();
+    if (!file.append(stream.values, stream.pendingValues.data(), {n}) ||
+        !file.append(stream.time, stream.pendingTimes.data(), {n})) {
+        error = Texts::unableToWriteMessage().arg(stream.path, file.lastError());
+        return false;
+    }
+    stream.pendingValues.clear();
+    stream.pendingTimes.clear();
+    return true;
+}
+
+bool RecordingWriter::writeEvents(const QString& name, const QString& username,
+                                  std::span<const double> onsets, std::span<const double> offsets,
+                                  QString& error)
+{
+    if (m_eventSeries == 0)
+        m_eventSeries = m_target.seriesNumber(m_destination.device, FD::Events, m_destination.series);
+    const QString seriesPath =
+        QStringList{FD::DataConverted, m_destination.device, FD::Events, FD::SeriesPattern.arg(m_eventSeries)}
+            .join(QLatin1Char('/'));
+    const hid_t group = m_target.openOrCreateGroup(seriesPath, error);
+    if (group < 0)
+        return false;
+    HDF5Writer_V6& file = m_target.file();
+    const QString path = seriesPath + QLatin1Char('/') + name;
+    if (file.exists(group, name)) {
+        error = Texts::pathExistsMessage().arg(path, m_destination.filepath);
+        file.closeGroup(group);
+        return false;
+    }
+    const hsize_t n = onsets.size();
+    const hsize_t columns = offsets.empty() ? 1 : 2;
+    std::vector<double> rows;
+    rows.reserve(n * columns);
+    for (hsize_t k = 0; k < n; ++k) {
+        rows.push_back(onsets[k]);
+        if (columns == 2)
+            rows.push_back(offsets[k]);
+    }
+    const hid_t dataset =
+        file.createDataset(group, ElementKind::Float64, name, 2, {H5S_UNLIMITED, columns},
+                           {std::clamp<hsize_t>(n, 1, BlockLength), columns}, {n, columns}, 0);
+    if (dataset >= 0)
+        m_target.track(path);
+    bool ok = dataset >= 0 && (n == 0 || file.write(dataset, rows.data(), {0, 0}, {n, columns})) &&
+              file.writeAttribute(dataset, FD::Unit, Texts::SecondsUnit) &&
+              file.writeAttribute(dataset, FD::Username, username);
+    if (!ok)
+        error = FD::unableToCreateDatasetMessage().arg(path) + QStringLiteral("<br>") + file.lastError();
+    else
+        ok = recordSource(dataset, path, error);
+    file.closeDataset(dataset);
+    file.closeGroup(group);
+    if (ok)
+        m_datapaths << path;
+    return ok;
+}
+
+bool RecordingWriter::finish(QString& error)
+{
+    bool ok = true;
+    for (Stream& stream : m_streams)
+        ok = ok && flush(stream, error);
+    closeAll();
+    return ok;
+}
+
+void RecordingWriter::closeAll()
+{
+    for (Stream& stream : m_streams) {
+        m_target.file().closeDataset(stream.values);
+        m_target.file().closeDataset(stream.time);
+        stream.values = stream.time = H5I_INVALID_HID;
+    }
+}
+
+} // namespace zarvi

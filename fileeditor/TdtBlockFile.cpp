@@ -1,0 +1,323 @@
+#include "fileeditor/TdtBlockFile.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QtEndian>
+
+#include <cstring>
+#include <functional>
+#include <map>
+
+#include "definitions/FileDefinitions.h"
+#include "definitions/FileEditorOperationDefinitions.h"
+#include "fileeditor/RecordingWriter.h"
+
+namespace zarvi {
+
+namespace {
+
+using FD = FileDefinitions;
+using Texts = FileEditorOperationDefinitions;
+
+constexpr qint64 RecordBytes = 40;
+constexpr qint32 HeaderWords = 10;
+constexpr qint32 StrobeOn = 0x101;
+constexpr qint32 StrobeOff = 0x102;
+constexpr qint32 Stream = 0x8101;
+constexpr qint32 Mark = 0x8801;
+constexpr qint32 StartMark = 1;
+/// Index records read at once.
+constexpr qint64 RecordsPerRead = 4096;
+
+struct Record
+{
+    qint32 words = 0;
+    qint32 type = 0;
+    QString store;
+    quint16 channel = 0;
+    double timestamp = 0.0;
+    qint64 offset = 0;
+    double strobe = 0.0;
+    qint32 format = 0;
+    float rate = 0.0f;
+};
+
+Record decode(const char* bytes)
+{
+    Record record;
+    record.words = qFromLittleEndian<qint32>(bytes);
+    record.type = qFromLittleEndian<qint32>(bytes + 4);
+    record.store = QString::fromLatin1(bytes + 8, 4);
+    while (record.store.endsWith(QChar(0)) || record.store.endsWith(QLatin1Char(' ')))
+        record.store.chop(1);
+    record.channel = qFromLittleEndian<quint16>(bytes + 12);
+    record.timestamp = qFromLittleEndian<double>(bytes + 16);
+    record.offset = qFromLittleEndian<qint64>(bytes + 24);
+    record.strobe = qFromLittleEndian<double>(bytes + 24);
+    record.format = qFromLittleEndian<qint32>(bytes + 32);
+    record.rate = qFromLittleEndian<float>(bytes + 36);
+    return record;
+}
+
+/// Bytes of one sample in a data format, 0 for an unknown format.
+int sampleBytes(qint32 format)
+{
+    static constexpr int sizes[] = {4, 4, 2, 1, 8, 8};
+    return format >= 0 && format < 6 ? sizes[format] : 0;
+}
+
+double sampleAt(const char* data, qint32 format)
+{
+    switch (format) {
+    case 0:
+        return qFromLittleEndian<float>(data);
+    case 1:
+        return qFromLittleEndian<qint32>(data);
+    case 2:
+        return qFromLittleEndian<qint16>(data);
+    case 3:
+        return static_cast<qint8>(*data);
+    case 4:
+        return qFromLittleEndian<double>(data);
+    default:
+        return static_cast<double>(qFromLittleEndian<qint64>(data));
+    }
+}
+
+struct StoreInfo
+{
+    bool stream = false;
+    std::map<quint16, std::size_t> samples;
+    double rate = 0.0;
+    std::size_t onsets = 0;
+    std::size_t offsets = 0;
+};
+
+struct Block
+{
+    QString tsq;
+    QString tev;
+    qint64 tevSize = 0;
+    double start = 0.0;
+    double end = 0.0;
+    std::map<QString, StoreInfo> stores;
+};
+
+/// Calls `each` with every record after the start mark, in file order.
+bool forEachRecord(const QString& tsq, double& start, Feedback* feedback, QString& error,
+                   const std::function<bool(const Record&)>& each)
+{
+    QFile file(tsq);
+    if (!file.open(QIODevice::ReadOnly)) {
+        error = Texts::unableToOpenMessage().arg(tsq);
+        return false;
+    }
+    if (file.size() % RecordBytes != 0) {
+        error = Texts::tdtTruncatedMessage().arg(tsq).arg(file.size());
+        return false;
+    }
+    const qint64 total = file.size() / RecordBytes;
+    ProgressTracker progress(feedback, static_cast<std::size_t>(total));
+    QByteArray buffer;
+    for (qint64 index = 0; index < total;) {
+        if (progress.isCanceled()) {
+            error = Texts::canceledMessage();
+            return false;
+        }
+        buffer = file.read(RecordsPerRead * RecordBytes);
+        if (buffer.isEmpty() || buffer.size() % RecordBytes != 0) {
+            error = Texts::readFailedMessage().arg(tsq);
+            return false;
+        }
+        for (qint64 at = 0; at < buffer.size(); at += RecordBytes, ++index) {
+            const Record record = decode(buffer.constData() + at);
+            if (index == 1) {
+                if (record.type != Mark ||
+                    qFromLittleEndian<qint32>(buffer.constData() + at + 8) != StartMark) {
+                    error = Texts::tdtHeaderMessage().arg(tsq);
+                    return false;
+                }
+                start = record.timestamp;
+            } else if (index > 1 && !each(record))
+                return false;
+        }
+        progress.update(static_cast<std::size_t>(index));
+    }
+    if (total < 2) {
+        error = Texts::tdtHeaderMessage().arg(tsq);
+        return false;
+    }
+    return true;
+}
+
+/// Reads the whole index once: the stores, their channels and counts, the block's times.
+bool scan(const QString& path, Block& block, QString& error)
+{
+    if (!TdtBlockFile::locate(path, block.tsq, block.tev)) {
+        error = Texts::tdtNoTankMessage().arg(path);
+        return false;
+    }
+    block.tevSize = QFileInfo(block.tev).size();
+    return forEachRecord(block.tsq, block.start, nullptr, error, [&](const Record& record) {
+        block.end = std::max(block.end, record.timestamp - block.start);
+        if (record.type == Stream) {
+            const int bytes = sampleBytes(record.format);
+            if (bytes == 0) {
+                error = Texts::tdtFormatMessage().arg(record.store).arg(record.format);
+                return false;
+            }
+            const qint64 dataBytes = static_cast<qint64>(record.words - HeaderWords) * 4;
+            if (dataBytes < 0 || record.offset < 0 || record.offset + dataBytes > block.tevSize) {
+                error = Texts::tdtDataMessage().arg(record.store, block.tev);
+                return false;
+            }
+            StoreInfo& store = block.stores[record.store];
+            store.stream = true;
+            store.rate = record.rate;
+            store.samples[record.channel] += static_cast<std::size_t>(dataBytes / bytes);
+        } else if (record.type == StrobeOn) {
+            ++block.stores[record.store].onsets;
+        } else if (record.type == StrobeOff) {
+            ++block.stores[record.store].offsets;
+        }
+        return true;
+    });
+}
+
+QString channelName(const QString& store, const StoreInfo& info, quint16 channel)
+{
+    return info.samples.size() == 1 ? store : Texts::StoreChannelPattern.arg(store).arg(channel);
+}
+
+/// The stores chosen, or every store; false naming the first unknown one.
+bool chosenStores(const Block& block, const QStringList& wanted, QStringList& stores, QString& error)
+{
+    QStringList all;
+    for (const auto& [name, info] : block.stores)
+        all << name;
+    for (const QString& name : wanted) {
+        if (!block.stores.contains(name)) {
+            error = Texts::tdtUnknownStoreMessage().arg(name, all.join(QStringLiteral(", ")));
+            return false;
+        }
+    }
+    stores = wanted.isEmpty() ? all : wanted;
+    return true;
+}
+
+} // namespace
+
+bool TdtBlockFile::locate(const QString& path, QString& tsq, QString& tev)
+{
+    const QFileInfo info(path);
+    if (info.isDir()) {
+        const QDir dir(path);
+        const QStringList found = dir.entryList({QStringLiteral("*.tsq")}, QDir::Files, QDir::Name);
+        if (found.size() != 1)
+            return false;
+        tsq = dir.filePath(found.front());
+    } else {
+        tsq = info.path() + QLatin1Char('/') + info.completeBaseName() + QStringLiteral(".tsq");
+    }
+    tev = tsq.left(tsq.size() - 4) + QStringLiteral(".tev");
+    return QFileInfo(tsq).isFile() && QFileInfo(tev).isFile();
+}
+
+RecordingSummary TdtBlockFile::describe(const RecordingConversionConfig& config)
+{
+    RecordingSummary summary;
+    summary.format = Texts::TdtFormat;
+    Block block;
+    QStringList stores;
+    if (!scan(config.sourcePath, block, summary.error) ||
+        !chosenStores(block, config.stores, stores, summary.error))
+        return summary;
+    for (const QString& name : stores) {
+        const StoreInfo& info = block.stores.at(name);
+        for (const auto& [channel, samples] : info.samples)
+            summary.channels.push_back({channelName(name, info, channel), samples, info.rate});
+        if (!info.stream)
+            summary.events.push_back({name, info.onsets});
+    }
+    summary.duration = block.end;
+    return summary;
+}
+
+ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, Feedback* feedback)
+{
+    Block block;
+    QStringList stores;
+    ConversionResult refused;
+    refused.filepath = config.destination.filepath;
+    if (!scan(config.sourcePath, block, refused.error) ||
+        !chosenStores(block, config.stores, stores, refused.error))
+        return refused;
+    const QVariantMap parameters{{Texts::FormatKey, Texts::TdtFormat}, {Texts::StoresKey, stores}};
+    return RecordingWriter::convert(config, parameters, [&](RecordingWriter& writer, QString& error) {
+        // (store, channel) -> signal of the writer; epoch store -> its onsets and offsets.
+        std::map<std::pair<QString, quint16>, int> streams;
+        std::map<QString, std::pair<std::vector<double>, std::vector<double>>> epochs;
+        for (const QString& name : stores) {
+            const StoreInfo& info = block.stores.at(name);
+            for (const auto& [channel, samples] : info.samples) {
+                const QString signal = channelName(name, info, channel);
+                const int index = writer.addSignal(signal, signal, QString(), error);
+                if (index < 0)
+                    return false;
+                streams.emplace(std::make_pair(name, channel), index);
+            }
+            if (!info.stream)
+                epochs[name];
+        }
+        QFile tev(block.tev);
+        if (!tev.open(QIODevice::ReadOnly)) {
+            error = Texts::unableToOpenMessage().arg(block.tev);
+            return false;
+        }
+        QByteArray data;
+        std::vector<double> values;
+        std::vector<double> times;
+        double start = 0.0;
+        const bool read = forEachRecord(block.tsq, start, feedback, error, [&](const Record& record) {
+            if (record.type == Stream) {
+                const auto it = streams.find({record.store, record.channel});
+                if (it == streams.end())
+                    return true;
+                const int bytes = sampleBytes(record.format);
+                const qint64 dataBytes = static_cast<qint64>(record.words - HeaderWords) * 4;
+                if (!tev.seek(record.offset) || (data = tev.read(dataBytes)).size() != dataBytes) {
+                    error = Texts::tdtDataMessage().arg(record.store, block.tev);
+                    return false;
+                }
+                const std::size_t n = static_cast<std::size_t>(dataBytes / bytes);
+                values.resize(n);
+                times.resize(n);
+                const double first = record.timestamp - start;
+                for (std::size_t i = 0; i < n; ++i) {
+                    values[i] = sampleAt(data.constData() + i * bytes, record.format);
+                    times[i] = first + static_cast<double>(i) / record.rate;
+                }
+                return writer.append(it->second, values, times, error);
+            }
+            const auto epoch = epochs.find(record.store);
+            if (epoch != epochs.end() && record.type == StrobeOn)
+                epoch->second.first.push_back(record.timestamp - start);
+            else if (epoch != epochs.end() && record.type == StrobeOff)
+                epoch->second.second.push_back(record.timestamp - start);
+            return true;
+        });
+        if (!read)
+            return false;
+        for (auto& [name, edges] : epochs) {
+            auto& [onsets, offsets] = edges;
+            if (!offsets.empty())
+                offsets.resize(onsets.size(), block.end);
+            if (!writer.writeEvents(name, name, onsets, offsets, error))
+                return false;
+        }
+        return true;
+    });
+}
+
+} // namespace zarvi

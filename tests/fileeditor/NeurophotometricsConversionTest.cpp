@@ -1,0 +1,134 @@
+#include "ConvertTestSupport.h"
+#include "RecordingTestFiles.h"
+
+#include <QFileInfo>
+
+#include "fileeditor/FileConversion.h"
+#include "fileeditor/RecordingImport.h"
+
+namespace zarvi {
+namespace {
+
+const QString Signals = QStringLiteral("DataConverted/Neurophotometrics/Signals/Series1/");
+const QString Events = QStringLiteral("DataConverted/Neurophotometrics/Events/Series1/");
+
+RecordingConversionConfig configFor(const QString& source, const QString& file)
+{
+    RecordingConversionConfig config;
+    config.sourcePath = source;
+    config.destination = ConversionDestination{file, QStringLiteral("Neurophotometrics"), QString(), 0};
+    return config;
+}
+
+/// A frame with no LED, then 415 nm and 470 nm frames taking turns every 25 ms from
+/// timestamp 1000; region 0 reads 100 + frame, region 1 reads 200 + frame.
+QByteArray photometryCsv(const char* stateColumn, int state415, int state470)
+{
+    QByteArray csv =
+        QByteArray("FrameCounter,SystemTimestamp,") + stateColumn + ",ComputerTimestamp,Region0G,Region1G\n";
+    csv += "0,1000,0,5,0,0\n";
+    for (int frame = 1; frame <= 6; ++frame) {
+        const double time = 1000 + 0.025 * frame;
+        const int state = frame % 2 == 1 ? state415 : state470;
+        csv += QStringLiteral("%1,%2,%3,%4,%5,%6\n")
+                   .arg(frame)
+                   .arg(time, 0, 'g', 17)
+                   .arg(state)
+                   .arg(5 + frame)
+                   .arg(100 + frame)
+                   .arg(200 + frame)
+                   .toUtf8();
+    }
+    return csv;
+}
+
+TEST(NeurophotometricsConversion, DeinterleavesEachLedIntoItsOwnSignalsWithTheirTimes)
+{
+    test::TempDir dir;
+    const QString csv = dir.file(QStringLiteral("photometry.csv"));
+    ASSERT_TRUE(test::writeBytes(csv, photometryCsv("LedState", 1, 2)));
+    const QString inputs = dir.file(QStringLiteral("inputs.csv"));
+    ASSERT_TRUE(test::writeBytes(inputs, "Timestamp,Input0,Input1\n"
+                                         "1000.1,False,False\n"
+                                         "1000.3,True,False\n"
+                                         "1000.5,False,True\n"
+                                         "1000.7,False,False\n"));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+    RecordingConversionConfig config = configFor(csv, file);
+    config.digitalInputsPath = inputs;
+
+    const ConversionResult result = FileConversion::run(config);
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    EXPECT_EQ(result.datapaths, (QStringList{Signals + "Region0G-415/Signal", Signals + "Region1G-415/Signal",
+                                             Signals + "Region0G-470/Signal", Signals + "Region1G-470/Signal",
+                                             Events + "DIO1", Events + "DIO2"}));
+    const auto timeOf = [](int frame) { return (1000 + 0.025 * frame) - 1000.0; };
+    EXPECT_EQ(test::storedValues(file, Signals + "Region0G-415/Signal"),
+              (std::vector<double>{101, 103, 105}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Region1G-415/Signal"),
+              (std::vector<double>{201, 203, 205}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Region0G-470/Signal"),
+              (std::vector<double>{102, 104, 106}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Region0G-415/Time"),
+              (std::vector<double>{timeOf(1), timeOf(3), timeOf(5)}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Region1G-470/Time"),
+              (std::vector<double>{timeOf(2), timeOf(4), timeOf(6)}));
+    EXPECT_EQ(test::storedDataset(file, Signals + "Region0G-470/Signal").attributes.value("TimeOrigin(s)"),
+              QVariant(1000.0));
+
+    EXPECT_EQ(test::storedValues(file, Events + "DIO1"), (std::vector<double>{1000.3 - 1000, 1000.5 - 1000}));
+    EXPECT_EQ(test::storedValues(file, Events + "DIO2"), (std::vector<double>{1000.5 - 1000, 1000.7 - 1000}));
+    EXPECT_EQ(test::storedDataset(file, Events + "DIO1").attributes.value("Username").toString(),
+              QStringLiteral("Input0"));
+    test::expectEditedStamp(file);
+}
+
+TEST(NeurophotometricsConversion, OlderFilesCarryTheLedsInTheFlags)
+{
+    test::TempDir dir;
+    const QString csv = dir.file(QStringLiteral("old.csv"));
+    ASSERT_TRUE(test::writeBytes(csv, photometryCsv("Flags", 17, 18)));
+    const RecordingSummary summary = RecordingImport::describe(configFor(csv, QString()));
+    ASSERT_TRUE(summary.ok()) << summary.error.toStdString();
+    EXPECT_EQ(summary.format, QStringLiteral("Neurophotometrics"));
+    ASSERT_EQ(summary.channels.size(), 4u);
+    EXPECT_EQ(summary.channels[0].name, QStringLiteral("Region0G-415"));
+    EXPECT_EQ(summary.channels[2].name, QStringLiteral("Region0G-470"));
+    EXPECT_EQ(summary.channels[0].samples, 3u);
+    // n / (t[n-1] - t[0]) over one LED's frames, 50 ms apart.
+    EXPECT_NEAR(summary.channels[0].sampleRate, 3 / 0.1, 1e-6);
+}
+
+TEST(NeurophotometricsConversion, DamagedFilesLeaveNothing)
+{
+    test::TempDir dir;
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+    const auto refused = [&](const QByteArray& bytes, const QString& expected) {
+        const QString csv = dir.file(QStringLiteral("bad.csv"));
+        EXPECT_TRUE(test::writeBytes(csv, bytes));
+        const ConversionResult result = RecordingImport::convert(configFor(csv, file));
+        EXPECT_TRUE(result.error.contains(expected)) << result.error.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(file));
+    };
+    QByteArray truncated = photometryCsv("LedState", 1, 2);
+    truncated.chop(6);
+    refused(truncated, QStringLiteral("bad.csv</b>: Line 8 has 5 columns, expected 6."));
+    QByteArray notNumber = photometryCsv("LedState", 1, 2);
+    notNumber.replace("105", "x05");
+    refused(notNumber, QStringLiteral("column 5: 'x05' is not a number"));
+    refused("FrameCounter,Timestamp,LedState\n0,1,1\n",
+            QStringLiteral("is not a recording this program reads"));
+
+    const QString csv = dir.file(QStringLiteral("good.csv"));
+    ASSERT_TRUE(test::writeBytes(csv, photometryCsv("LedState", 1, 2)));
+    RecordingConversionConfig config = configFor(csv, file);
+    config.digitalInputsPath = dir.file(QStringLiteral("inputs.csv"));
+    ASSERT_TRUE(test::writeBytes(config.digitalInputsPath, "Input0,Input1\n1,0\n"));
+    const ConversionResult result = RecordingImport::convert(config);
+    EXPECT_TRUE(result.error.contains(QStringLiteral("must hold a header with a timestamp column")))
+        << result.error.toStdString();
+    EXPECT_FALSE(QFileInfo::exists(file));
+}
+
+} // namespace
+} // namespace zarvi

@@ -1,0 +1,128 @@
+#include "ConvertTestSupport.h"
+#include "RecordingTestFiles.h"
+
+#include <QFileInfo>
+
+#include "fileeditor/FileConversion.h"
+#include "fileeditor/RecordingImport.h"
+
+namespace zarvi {
+namespace {
+
+const QString Signals = QStringLiteral("DataConverted/TDT/Signals/Series1/");
+const QString Events = QStringLiteral("DataConverted/TDT/Events/Series1/");
+constexpr double Start = 1600000000.0;
+
+RecordingConversionConfig configFor(const QString& source, const QString& file)
+{
+    RecordingConversionConfig config;
+    config.sourcePath = source;
+    config.destination = ConversionDestination{file, QStringLiteral("TDT"), QString(), 0};
+    return config;
+}
+
+/// A block of 3 s: "x465" (float, one channel, 100 Hz) in two records, "Raw1" (int16, two
+/// channels, 10 Hz), the epoch store "PtC1" with on and off marks (the last left open) and
+/// "Tick" with onsets only.
+test::TdtBlockBuilder block()
+{
+    using B = test::TdtBlockBuilder;
+    B builder(Start);
+    builder.streamFloat("x465", 1, Start + 0.5, 100.0f, {1.5f, 2.5f, 3.5f, 4.5f});
+    builder.streamInt16("Raw1", 1, Start + 0.5, 10.0f, {-1, -2});
+    builder.streamInt16("Raw1", 2, Start + 0.5, 10.0f, {7, 8});
+    builder.epoch("PtC1", B::StrobeOn, Start + 1.0, 1.0);
+    builder.streamFloat("x465", 1, Start + 0.54, 100.0f, {5.5f, 6.5f});
+    builder.epoch("Tick", B::StrobeOn, Start + 1.25, 0.0);
+    builder.epoch("PtC1", B::StrobeOff, Start + 1.5, 1.0);
+    builder.epoch("PtC1", B::StrobeOn, Start + 2.0, 2.0);
+    builder.stop(Start + 3.0);
+    return builder;
+}
+
+TEST(TdtConversion, StreamsBecomeSignalsAndEpochsEventArrays)
+{
+    test::TempDir dir;
+    const QString folder = dir.file(QStringLiteral("Block-1"));
+    ASSERT_TRUE(block().write(folder, QStringLiteral("Tank_Block-1")));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+
+    const ConversionResult result = FileConversion::run(configFor(folder, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    EXPECT_EQ(result.datapaths, (QStringList{Signals + "Raw1-1/Signal", Signals + "Raw1-2/Signal",
+                                             Signals + "x465/Signal", Events + "PtC1", Events + "Tick"}));
+    EXPECT_EQ(test::storedValues(file, Signals + "x465/Signal"),
+              (std::vector<double>{1.5, 2.5, 3.5, 4.5, 5.5, 6.5}));
+    // Each record's samples start at its own timestamp.
+    const double second = (Start + 0.54) - Start;
+    EXPECT_EQ(test::storedValues(file, Signals + "x465/Time"),
+              (std::vector<double>{0.5, 0.5 + 1 / 100.0, 0.5 + 2 / 100.0, 0.5 + 3 / 100.0, second,
+                                   second + 1 / 100.0}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Raw1-1/Signal"), (std::vector<double>{-1, -2}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Raw1-2/Signal"), (std::vector<double>{7, 8}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Raw1-2/Time"), (std::vector<double>{0.5, 0.6}));
+    EXPECT_EQ(test::storedDataset(file, Events + "PtC1").dimensions, (std::vector<hsize_t>{2, 2}));
+    EXPECT_EQ(test::storedValues(file, Events + "PtC1"), (std::vector<double>{1.0, 1.5, 2.0, 3.0}));
+    EXPECT_EQ(test::storedDataset(file, Events + "Tick").dimensions, (std::vector<hsize_t>{1, 1}));
+    EXPECT_EQ(test::storedValues(file, Events + "Tick"), (std::vector<double>{1.25}));
+    const QVariantMap attributes = test::storedDataset(file, Events + "Tick").attributes;
+    EXPECT_EQ(attributes.value("Format").toString(), QStringLiteral("TDT"));
+    EXPECT_EQ(attributes.value("SourceFilepath").toString(), QFileInfo(folder).absoluteFilePath());
+    test::expectEditedStamp(file);
+}
+
+TEST(TdtConversion, ChosenStoresOnly)
+{
+    test::TempDir dir;
+    const QString folder = dir.file(QStringLiteral("Block-1"));
+    ASSERT_TRUE(block().write(folder, QStringLiteral("b")));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+    RecordingConversionConfig config = configFor(folder + "/b.tsq", file);
+    config.stores = QStringList{"x465", "PtC1"};
+    const RecordingSummary summary = RecordingImport::describe(config);
+    ASSERT_TRUE(summary.ok()) << summary.error.toStdString();
+    ASSERT_EQ(summary.channels.size(), 1u);
+    EXPECT_EQ(summary.channels[0].samples, 6u);
+    EXPECT_EQ(summary.channels[0].sampleRate, 100.0);
+    ASSERT_EQ(summary.events.size(), 1u);
+    EXPECT_EQ(summary.events[0].count, 2u);
+    EXPECT_DOUBLE_EQ(summary.duration, 3.0);
+
+    const ConversionResult result = FileConversion::run(config);
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    EXPECT_EQ(result.datapaths, (QStringList{Signals + "x465/Signal", Events + "PtC1"}));
+
+    config.stores = QStringList{"Nope"};
+    config.destination.filepath = dir.file(QStringLiteral("other.orvel"));
+    EXPECT_EQ(FileConversion::run(config).error,
+              QStringLiteral("The block has no store <b>Nope</b>; it has PtC1, Raw1, Tick, x465."));
+    EXPECT_FALSE(QFileInfo::exists(config.destination.filepath));
+}
+
+TEST(TdtConversion, DamagedBlocksLeaveNothing)
+{
+    test::TempDir dir;
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+    const auto refused = [&](const test::TdtBlockBuilder& builder, const QString& expected) {
+        const QString folder = dir.file(QStringLiteral("bad"));
+        EXPECT_TRUE(builder.write(folder, QStringLiteral("bad")));
+        const ConversionResult result = RecordingImport::convert(configFor(folder, file));
+        EXPECT_TRUE(result.error.contains(expected)) << result.error.toStdString();
+        EXPECT_FALSE(QFileInfo::exists(file));
+    };
+    test::TdtBlockBuilder truncatedIndex = block();
+    truncatedIndex.tsq.chop(7);
+    refused(truncatedIndex, QStringLiteral("is truncated"));
+    test::TdtBlockBuilder truncatedData = block();
+    truncatedData.tev.chop(4);
+    refused(truncatedData, QStringLiteral("points past the end"));
+    test::TdtBlockBuilder noStart = block();
+    noStart.tsq[40 + 8] = 7;
+    refused(noStart, QStringLiteral("does not begin with the block's start mark"));
+
+    const ConversionResult missing = RecordingImport::convert(configFor(dir.file("none.tsq"), file));
+    EXPECT_TRUE(missing.error.contains(QStringLiteral("is not a TDT block"))) << missing.error.toStdString();
+}
+
+} // namespace
+} // namespace zarvi
