@@ -7,7 +7,7 @@
 #include "datafile/HDF5Reader_V6.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
-#include "framework/FileAccessLock.h"
+#include "framework/LockedFileRead.h"
 
 namespace zarvi {
 
@@ -48,14 +48,14 @@ ConversionResult Version5Converter::convert(const Version5ConversionConfig& conf
         return result;
     }
 
-    const auto sourceLock = FileAccessLock::lock(config.sourcePath);
-    HDF5Reader_V6 source;
-    if (source.open(config.sourcePath) < 0) {
+    LockedFileRead read(config.sourcePath, LockedFileRead::Wait::Yes);
+    if (!read.isOpen()) {
         result.title = FD::incorrectFileFormatTitle();
         result.error =
-            Texts::unableToOpenMessage().arg(config.sourcePath) + QStringLiteral("<br>") + source.lastError();
+            Texts::unableToOpenMessage().arg(config.sourcePath) + QStringLiteral("<br>") + read.error();
         return result;
     }
+    HDF5Reader_V6& source = read.reader();
     const VersionCheck check = FileClassifier::checkVersion5(source.readAllAttributes(source.fileId()));
     if (!check.accepted) {
         result.title = check.title;
