@@ -5,7 +5,8 @@
 set -euo pipefail
 build=${1:-build}
 for program in "$build"/bench/*/bench_*; do
-  [ -x "$program" ] || continue
+  # The build folders of the programs (bench_*_autogen) match the pattern too.
+  [ -f "$program" ] && [ -x "$program" ] || continue
   echo "== $(basename "$program")"
   "$program"
 done
