@@ -25,6 +25,7 @@ public:
 
     // Shared by every reader and writer.
     static QString missingFileMessage() { return tr("<b>%1</b> does not exist."); }
+    static QString folderNotFileMessage() { return tr("<b>%1</b> is a folder, not a file."); }
     static QString unableToOpenMessage() { return tr("Unable to open <b>%1</b>."); }
     static QString unableToCreateMessage() { return tr("Unable to create <b>%1</b>: %2"); }
     static QString unableToWriteMessage() { return tr("Unable to write <b>%1</b>: %2"); }

@@ -45,8 +45,10 @@ VideoInfo VideoFrameReader::open(const VideoFrameReaderConfig& config)
 {
     close();
     m_config = config;
-    if (!QFileInfo(config.path).isFile()) {
-        m_info.error = Texts::missingFileMessage().arg(config.path);
+    const QFileInfo file(config.path);
+    if (!file.isFile()) {
+        m_info.error =
+            (file.isDir() ? Texts::folderNotFileMessage() : Texts::missingFileMessage()).arg(config.path);
         return m_info;
     }
     // FFmpeg takes UTF-8 file names on every platform. OpenCV reports failures by

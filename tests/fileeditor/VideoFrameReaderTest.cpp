@@ -161,9 +161,9 @@ TEST(VideoFrameReader, TimesMpegProgramStreamFramesWithoutStatedCount)
         GTEST_SKIP() << "ffmpeg is not installed";
     test::TempDir dir;
     const QString video = dir.file(QStringLiteral("clip.mpeg"));
-    const test::ToolRun run = runTool(
-        QStringLiteral("ffmpeg"), {"-v", "error", "-y", "-f", "lavfi", "-i", "testsrc=size=64x48:rate=25",
-                                   "-frames:v", "37", "-c:v", "mpeg2video", "-q:v", "2", video});
+    const test::ToolRun run = runTool(QStringLiteral("ffmpeg"),
+                                      {"-v", "error", "-y", "-f", "lavfi", "-i", "testsrc=size=64x48:rate=25",
+                                       "-frames:v", "37", "-c:v", "mpeg2video", "-q:v", "2", video});
     ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
 
     // A program stream states no frame count, so running short of the estimate is no error.
@@ -214,6 +214,9 @@ TEST(VideoFrameReader, ReportsTruncatedAndUnreadableFiles)
         reader.open(VideoFrameReaderConfig{text}).error.contains(QStringLiteral("could not be opened")));
     EXPECT_TRUE(reader.open(VideoFrameReaderConfig{dir.file(QStringLiteral("missing.avi"))})
                     .error.contains(QStringLiteral("does not exist")));
+    // A folder given as a video is named as what it is.
+    EXPECT_EQ(reader.open(VideoFrameReaderConfig{dir.path()}).error,
+              QStringLiteral("<b>%1</b> is a folder, not a file.").arg(dir.path()));
     cv::Mat frame;
     double seconds = 0.0;
     EXPECT_FALSE(reader.readNext(frame, seconds));
