@@ -9,7 +9,8 @@ FileKind FileClassifier::classifyRootGroups(const QStringList& rootGroups)
 {
     if (rootGroups.contains(FileDefinitions::ExperimentDesign))
         return FileKind::Experiment;
-    if (rootGroups.contains(FileDefinitions::DataAcquisition) || rootGroups.contains(FileDefinitions::DataConverted))
+    if (rootGroups.contains(FileDefinitions::DataAcquisition) ||
+        rootGroups.contains(FileDefinitions::DataConverted))
         return FileKind::Data;
     return FileKind::Unrecognized;
 }
@@ -19,7 +20,8 @@ FileClassification FileClassifier::classify(const QString& path)
     FileClassification result;
     HDF5Reader_V6 reader;
     if (reader.open(path) < 0) {
-        result.message = FileDefinitions::unrecognizedFileMessage();
+        result.message =
+            reader.isFileInUse() ? reader.lastError() : FileDefinitions::unrecognizedFileMessage();
         result.detail = reader.lastError();
         return result;
     }

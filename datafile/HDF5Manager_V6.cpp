@@ -1,6 +1,7 @@
 #include "datafile/HDF5Manager_V6.h"
 
 #include "datafile/HDF5Handle.h"
+#include "definitions/FileDefinitions.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -93,6 +94,7 @@ hid_t HDF5Manager_V6::open(const QString& path, bool readOnly)
 {
     silenceLibraryErrors();
     closeFile();
+    m_fileInUse = false;
     QString problem;
     if (libraryMatchesHeaders(&problem))
         problem = fileProblem(path, readOnly);
@@ -104,6 +106,10 @@ hid_t HDF5Manager_V6::open(const QString& path, bool readOnly)
     const hid_t file = H5Fopen(name.constData(), readOnly ? H5F_ACC_RDONLY : H5F_ACC_RDWR, H5P_DEFAULT);
     if (file < 0) {
         setLibraryError(QStringLiteral("Unable to open file (damaged, truncated or in use): %1").arg(path));
+        // The library locks the files it opens; a lock held elsewhere is not damage.
+        m_fileInUse = lastError().contains(QStringLiteral("unable to lock file"));
+        if (m_fileInUse)
+            setError(FileDefinitions::fileInUseMessage().arg(path));
         return H5I_INVALID_HID;
     }
     m_file = file;

@@ -118,6 +118,8 @@ public:
     std::vector<hsize_t> attributeDimensions(hid_t location, const QString& name) const;
 
     QString lastError() const { return m_lastError; }
+    /// True when the last open() failed because another program holds the file.
+    bool isFileInUse() const { return m_fileInUse; }
 
 protected:
     /// Switches off HDF5's printing of its error stack for the calling thread. The
@@ -142,6 +144,7 @@ protected:
     hid_t m_file = H5I_INVALID_HID;
     QString m_path;
     mutable QString m_lastError;
+    bool m_fileInUse = false;
 };
 
 } // namespace zarvi

@@ -149,6 +149,10 @@ public:
     static QString notOrvelFormatMessage() { return tr("Loaded file is not in .orvel format."); }
     static QString incorrectFileFormatTitle() { return tr("Incorrect File Format"); }
     static QString unableToCreateGroupMessage() { return tr("Unable to create a group <b>%1</b>."); }
+    static QString fileInUseMessage()
+    {
+        return tr("The file <b>%1</b> is in use by another program. Close it there and try again.");
+    }
     static QString datasetNotFoundMessage() { return tr("Dataset <b>%1</b> was not found in the file."); }
     static QString unableToCreateDatasetMessage() { return tr("Unable to create a dataset <b>%1</b>."); }
     static QString unableToOverwriteMessage()

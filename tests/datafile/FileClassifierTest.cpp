@@ -6,6 +6,10 @@
 
 #include <QFile>
 
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 using namespace zarvi;
@@ -54,6 +58,24 @@ TEST(FileClassifier, RootGroupsDecideHowAFileOpens)
     EXPECT_FALSE(unreadable.detail.isEmpty());
     EXPECT_EQ(FileClassifier::classify(dir.file(QStringLiteral("missing.orvel"))).kind,
               FileKind::Unrecognized);
+}
+
+TEST(FileClassifier, AFileHeldByAnotherProgramIsSaidToBeInUse)
+{
+    test::TempDir dir;
+    const QString path =
+        fileWithRootGroups(dir, QStringLiteral("held.orvel"), {FileDefinitions::DataAcquisition});
+    // Another program that writes the file holds the library's lock on it, as this does.
+    const int held = ::open(QFile::encodeName(path).constData(), O_RDWR);
+    ASSERT_GE(held, 0);
+    ASSERT_EQ(::flock(held, LOCK_EX | LOCK_NB), 0);
+    const FileClassification busy = FileClassifier::classify(path);
+    ::close(held);
+    EXPECT_EQ(busy.kind, FileKind::Unrecognized);
+    EXPECT_EQ(busy.message,
+              QStringLiteral("The file <b>%1</b> is in use by another program. Close it there and try again.")
+                  .arg(path));
+    EXPECT_EQ(FileClassifier::classify(path).kind, FileKind::Data);
 }
 
 TEST(FileClassifier, TabTitlesUseTheNameAfterTheLastSlash)
