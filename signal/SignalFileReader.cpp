@@ -71,6 +71,22 @@ double SignalFileReader::sampleRate(const QString& filepath, const QString& valu
     return rate;
 }
 
+std::size_t SignalFileReader::sampleCount(const QString& filepath, const QString& valuesPath)
+{
+    LockedFileRead read(filepath);
+    if (!read.isOpen())
+        return 0;
+    HDF5Reader_V6& reader = read.reader();
+    const QString timePath =
+        valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')) + 1) + FileDefinitions::Time;
+    const hid_t dataset = reader.openDataset(reader.fileId(), timePath);
+    if (dataset < 0)
+        return 0;
+    const std::vector<hsize_t> dims = reader.dimensions(dataset);
+    reader.closeDataset(dataset);
+    return dims.size() == 1 ? static_cast<std::size_t>(dims[0]) : 0;
+}
+
 QStringList SignalFileReader::existing(const QString& filepath, const QStringList& paths)
 {
     LockedFileRead read(filepath);
