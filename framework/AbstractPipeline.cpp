@@ -34,6 +34,7 @@ void AbstractPipeline::buildOperationList()
         button->setObjectName(QStringLiteral("pb_") +
                               QString(name).remove(QLatin1Char(' ')).remove(QLatin1Char('/')));
         button->setProperty("operation", name);
+        button->setToolTip(OperationRegistry::instance().find(name)->description);
         connect(button, &QPushButton::clicked, this, &AbstractPipeline::onOperationButtonClicked);
         layout->addWidget(button);
     }
@@ -58,6 +59,9 @@ void AbstractPipeline::setData(const QString& filepath, const QStringList& datap
                                       ? tr("Select datasets to process.")
                                       : tr("%n dataset(s) selected.", nullptr, datapaths.size()));
     setEnabled(!filepath.isEmpty());
+    m_dialogs.removeAll(nullptr);
+    for (OperationDialog* dialog : std::as_const(m_dialogs))
+        dialog->setData(filepath, datapaths);
 }
 
 OperationDialog* AbstractPipeline::createDialog(AbstractOperationView* view)
@@ -70,12 +74,14 @@ OperationDialog* AbstractPipeline::openOperation(const QString& name)
     std::unique_ptr<AbstractOperationView> view = OperationViewRegistry::instance().create(name);
     if (!view)
         return nullptr;
-    view->setupProcess(m_filepath, m_datapaths);
     connect(view.get(), &AbstractOperationView::sendProcessFinished, this,
             &AbstractPipeline::onPipelineFinished);
     connect(view.get(), &AbstractOperationView::sendAskToCloseAllDatasets, this,
             &AbstractPipeline::sendCloseAllDatasetsRequest);
     OperationDialog* dialog = createDialog(view.release()); // the dialog's layout now owns the view
+    dialog->setData(m_filepath, m_datapaths);
+    m_dialogs.removeAll(nullptr);
+    m_dialogs << dialog;
     dialog->show();
     return dialog;
 }

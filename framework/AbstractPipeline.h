@@ -31,7 +31,7 @@ public:
     AbstractPipeline(OperationFamily family, QWidget* parent = nullptr);
     ~AbstractPipeline() override;
 
-    /// The file and the datasets the operations will work on.
+    /// The file and the datasets the operations will work on, also those of the dialogs open.
     void setData(const QString& filepath, const QStringList& datapaths);
     QStringList operationNames() const;
     /// Opens an operation's dialog, as a click on its button does; null when it has no view.
@@ -48,7 +48,8 @@ public slots:
     void onCancelPipelineReceived();
     void onProgressReceived(int progress);
     void onLoadPipelineClicked();
-    void onPipelineFinished(const QString& processedFile, const QStringList& processedData, const QStringList& errors);
+    void onPipelineFinished(const QString& processedFile, const QStringList& processedData,
+                            const QStringList& errors);
 
 protected:
     /// Lays out one button per operation of the family and "Load Pipeline...".
@@ -63,6 +64,8 @@ private:
     QLabel* m_selectionLabel = nullptr;
     std::shared_ptr<QProgressDialog> m_pipelineProgress;
     std::unique_ptr<OperationRunner> m_runner;
+    /// The dialogs opened here that are still open: they follow setData().
+    QList<QPointer<OperationDialog>> m_dialogs;
 };
 
 } // namespace zarvi
