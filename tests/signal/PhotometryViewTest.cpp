@@ -3,15 +3,20 @@
 
 #include "definitions/FileDefinitions.h"
 #include "framework/BackgroundJob.h"
+#include "framework/OperationDialog.h"
 #include "framework/OperationRunner.h"
+#include "framework/OperationSettings.h"
 #include "signal/operations/photometry/PhotometryDeltaFView.h"
 #include "signal/operations/photometry/PhotometryPreviewPlots.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLayout>
 #include <QSignalSpy>
 #include <QSpinBox>
+#include <QToolButton>
 
 #include <qcustomplot.h>
 
@@ -177,6 +182,53 @@ TEST_F(PhotometryViewTest, PreviewDrawsSignalsSlopesAndTheFit)
     EXPECT_EQ(fit->graph(0)->dataCount() + fit->graph(1)->dataCount(), 20000);
     EXPECT_EQ(fit->graph(2)->dataCount(), 2);
     EXPECT_EQ(fit->yAxis->label(), QStringLiteral("Biosensor (z-score)"));
+
+    // The inlier fraction is said, and the threshold proposed from standardised signals is 0.5.
+    const QString inliers = child<QLabel>(view, "lb_inliers")->text();
+    EXPECT_TRUE(inliers.startsWith(QStringLiteral("Inliers: "))) << inliers.toStdString();
+    EXPECT_TRUE(inliers.contains(QStringLiteral("% of 200000 samples. Proposed threshold: 0.5")))
+        << inliers.toStdString();
+    auto* propose = child<QToolButton>(view, "tb_proposeThreshold");
+    ASSERT_TRUE(propose->isEnabled());
+    child<QDoubleSpinBox>(view, "dsb_residualThreshold")->setValue(3.0);
+    propose->click();
+    EXPECT_NEAR(child<QDoubleSpinBox>(view, "dsb_residualThreshold")->value(), 0.5, 1e-6);
+}
+
+TEST_F(PhotometryViewTest, DialogOpensWideWithReadablePlotsAndTheStagesOfTheLastRun)
+{
+    // The last run smoothed with a running average of 0.25 s and a threshold of 0.0003, on raw signals.
+    OperationSettings::remember(QStringLiteral("Photometry deltaF/F"),
+                                {{QStringLiteral("IsosbesticName"), QStringLiteral("Isosbestic")},
+                                 {QStringLiteral("BiosensorName"), QStringLiteral("Biosensor")},
+                                 {QStringLiteral("SmoothMethod"), QStringLiteral("Running Average")},
+                                 {QStringLiteral("SmoothTimeFrame(sec)"), 0.25},
+                                 {QStringLiteral("ResidualThreshold"), 0.0003}});
+    auto* view = new PhotometryDeltaFView;
+    prepare(*view, {truth.isosbesticPath, truth.biosensorPath});
+    EXPECT_TRUE(child<QCheckBox>(*view, "cb_smooth")->isChecked());
+    EXPECT_EQ(child<QComboBox>(*view, "cb_smoothMethod")->currentText(), QStringLiteral("Running Average"));
+    EXPECT_DOUBLE_EQ(child<QDoubleSpinBox>(*view, "dsb_smoothTimeFrame")->value(), 0.25);
+    EXPECT_FALSE(child<QCheckBox>(*view, "cb_standardize")->isChecked());
+    EXPECT_FALSE(child<QCheckBox>(*view, "cb_decimation")->isChecked());
+    EXPECT_DOUBLE_EQ(child<QDoubleSpinBox>(*view, "dsb_residualThreshold")->value(), 0.0003);
+
+    auto* dialog = new OperationDialog(view);
+    dialog->show();
+    QCoreApplication::sendPostedEvents();
+    dialog->layout()->activate();
+    EXPECT_GE(dialog->width(), 1300);
+    EXPECT_GE(dialog->height(), 880);
+    for (const QCustomPlot* plot : {view->previewPlots()->isosbesticPlot(),
+                                    view->previewPlots()->biosensorPlot(), view->previewPlots()->fitPlot()})
+        EXPECT_GE(plot->height(), 160);
+
+    // A picture of the dialog with its preview, for people to look at.
+    QSignalSpy drawn(view, &PhotometryDeltaFView::previewFinished);
+    ASSERT_TRUE(view->requestPreview());
+    ASSERT_TRUE(drawn.wait(60000));
+    EXPECT_TRUE(dialog->grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/photometry-dialog.png")));
+    delete dialog;
 }
 
 TEST_F(PhotometryViewTest, PreviewAndRunNameWhatIsMissing)
