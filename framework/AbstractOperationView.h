@@ -50,6 +50,9 @@ public:
     /// The size the view's dialog opens at, at least, where its texts and plots are
     /// readable; an empty size leaves it to the dialog's layout.
     virtual QSize openingSize() const { return {}; }
+    /// Why the operation cannot run on the datasets set by setupProcess(); empty when it
+    /// can. The pipeline asks before it opens the dialog.
+    virtual QString selectionProblem() const { return {}; }
 
 signals:
     void sendStartProcess(const QVariantMap& parameters);

@@ -17,7 +17,10 @@
 namespace zarvi {
 
 AbstractPipeline::AbstractPipeline(OperationFamily family, QWidget* parent)
-    : QWidget(parent), m_family(family)
+    : QWidget(parent), m_family(family),
+      m_presentMessage([this](const QString& title, const QString& message) {
+          QMessageBox::critical(this, title, message);
+      })
 {
 }
 
@@ -74,6 +77,11 @@ OperationDialog* AbstractPipeline::openOperation(const QString& name)
     std::unique_ptr<AbstractOperationView> view = OperationViewRegistry::instance().create(name);
     if (!view)
         return nullptr;
+    view->setupProcess(m_filepath, m_datapaths);
+    if (const QString problem = view->selectionProblem(); !problem.isEmpty()) {
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), problem);
+        return nullptr;
+    }
     connect(view.get(), &AbstractOperationView::sendProcessFinished, this,
             &AbstractPipeline::onPipelineFinished);
     connect(view.get(), &AbstractOperationView::sendAskToCloseAllDatasets, this,

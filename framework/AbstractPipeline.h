@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QProgressDialog;
@@ -34,8 +35,14 @@ public:
     /// The file and the datasets the operations will work on, also those of the dialogs open.
     void setData(const QString& filepath, const QStringList& datapaths);
     QStringList operationNames() const;
-    /// Opens an operation's dialog, as a click on its button does; null when it has no view.
+    /// Opens an operation's dialog, as a click on its button does; null when it has no
+    /// view, or when it cannot run on the chosen datasets (after saying why).
     OperationDialog* openOperation(const QString& name);
+    /// Replaces the message box that says why an operation cannot run on the selection.
+    void setMessagePresenter(std::function<void(const QString& title, const QString& message)> presenter)
+    {
+        m_presentMessage = std::move(presenter);
+    }
     /// Runs a saved sequence of operations on the chosen datasets.
     RunResult runSavedPipeline(const QString& path);
 
@@ -66,6 +73,7 @@ private:
     std::unique_ptr<OperationRunner> m_runner;
     /// The dialogs opened here that are still open: they follow setData().
     QList<QPointer<OperationDialog>> m_dialogs;
+    std::function<void(const QString& title, const QString& message)> m_presentMessage;
 };
 
 } // namespace zarvi

@@ -64,7 +64,8 @@ void OperationDialog::setData(const QString& filepath, const QStringList& datapa
         m_pendingData = {filepath, datapaths};
         return;
     }
-    m_view->setupProcess(filepath, datapaths);
+    if (filepath != m_view->filepath() || datapaths != m_view->datapaths())
+        m_view->setupProcess(filepath, datapaths);
     showDatasets();
 }
 

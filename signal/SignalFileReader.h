@@ -32,6 +32,11 @@ public:
     /// vector); 0 when busy, unreadable or missing.
     static std::size_t sampleCount(const QString& filepath, const QString& valuesPath);
 
+    /// The sensors of the recordings the signals at `valuesPaths` belong to: the groups
+    /// beside their sensor groups that hold a signal, in file order, the given ones first;
+    /// only the given ones when the file is busy or unreadable.
+    static QStringList recordingSensors(const QString& filepath, const QStringList& valuesPaths);
+
     /// Those of `paths` that are datasets of the file; empty when the file is busy or
     /// unreadable.
     static QStringList existing(const QString& filepath, const QStringList& paths);

@@ -20,7 +20,8 @@ using TestApplication = QCoreApplication;
 
 int main(int argc, char** argv)
 {
-    // What dialogs remember goes to a folder of this run only, never to the user's settings.
+    // A folder of this run only: for the test screen's description and for what dialogs
+    // remember, which must never reach the user's settings.
     const QTemporaryDir scratch;
 #ifdef ZARVI_TEST_WIDGETS
     // Offscreen, the widgets sit on a screen of 1600 x 1000, the size dialogs are made for.

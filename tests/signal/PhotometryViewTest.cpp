@@ -6,6 +6,7 @@
 #include "framework/OperationDialog.h"
 #include "framework/OperationRunner.h"
 #include "framework/OperationSettings.h"
+#include "signal/SignalPipeline.h"
 #include "signal/operations/photometry/PhotometryDeltaFView.h"
 #include "signal/operations/photometry/PhotometryPreviewPlots.h"
 
@@ -231,11 +232,46 @@ TEST_F(PhotometryViewTest, DialogOpensWideWithReadablePlotsAndTheStagesOfTheLast
     delete dialog;
 }
 
+TEST_F(PhotometryViewTest, OneTickedSignalOffersItsPartnerAndASingleSensorIsRefusedBeforeTheDialogOpens)
+{
+    SignalPipeline pipeline;
+    QStringList said;
+    pipeline.setMessagePresenter(
+        [&](const QString& title, const QString& message) { said << title << message; });
+    pipeline.setData(file, {truth.isosbesticPath});
+    OperationDialog* dialog = pipeline.openOperation(QStringLiteral("Photometry deltaF/F"));
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(child<QComboBox>(*dialog->view(), "cb_isosbesticName")->currentText(),
+              QStringLiteral("Isosbestic"));
+    EXPECT_EQ(child<QComboBox>(*dialog->view(), "cb_biosensorName")->currentText(),
+              QStringLiteral("Biosensor"));
+    EXPECT_TRUE(said.isEmpty());
+    delete dialog;
+
+    // A recording of one sensor has nothing to pair: said at once, and no dialog opens.
+    const QString single = dir.file(QStringLiteral("single.orvel"));
+    Signal signal;
+    for (int i = 0; i < 100; ++i) {
+        signal.time.push_back(i * 0.01);
+        signal.values.push_back(1.0);
+    }
+    const QString path =
+        test::writeSignal(single, QStringLiteral("DataAcquisition/Rig/Signals/Series1/Green"), signal);
+    pipeline.setData(single, {path});
+    EXPECT_EQ(pipeline.openOperation(QStringLiteral("Photometry deltaF/F")), nullptr);
+    ASSERT_EQ(said.size(), 2);
+    EXPECT_EQ(said[0], QStringLiteral("Error Operation"));
+    EXPECT_TRUE(
+        said[1].startsWith(QStringLiteral("The operation is designed for fiber photometry recordings")));
+}
+
 TEST_F(PhotometryViewTest, PreviewAndRunNameWhatIsMissing)
 {
-    // A single sensor cannot make a photometry pair.
+    // One sensor named twice cannot make a photometry pair.
     PhotometryDeltaFView single;
     prepare(single, {truth.biosensorPath});
+    child<QComboBox>(single, "cb_isosbesticName")->setCurrentText(QStringLiteral("Biosensor"));
+    child<QComboBox>(single, "cb_biosensorName")->setCurrentText(QStringLiteral("Biosensor"));
     EXPECT_FALSE(single.requestPreview());
     EXPECT_FALSE(single.run());
     EXPECT_EQ(titles, (QStringList{QStringLiteral("Error Not Fiber Photometry"),

@@ -240,12 +240,8 @@ QWidget* PhotometryDeltaFView::buildStages()
 void PhotometryDeltaFView::datasetsChanged()
 {
     SignalOperationView::datasetsChanged();
-    QStringList sensors;
-    for (const QString& path : datapaths()) {
-        const QString sensor = PhotometryPairs::sensorOf(path);
-        if (!sensor.isEmpty() && !sensors.contains(sensor))
-            sensors << sensor;
-    }
+    // A partner need not be selected: the sensors beside the selected ones are offered too.
+    const QStringList sensors = SignalFileReader::recordingSensors(filepath(), datapaths());
     const QString isosbestic = pick(sensors, [](const QString& name) {
         return name.contains(QStringLiteral("iso"), Qt::CaseInsensitive);
     });
@@ -297,6 +293,11 @@ void PhotometryDeltaFView::updateSmoothingNote()
         PhotometryDeltaF::isSmoothingCutoffTooHigh(m_smoothFrequency->value(), decimatedRate);
     setValidationText(m_smoothNote,
                       tooHigh ? SD::smoothingCutoffTooHighMessage().arg(SD::SmoothSignals) : QString());
+}
+
+QString PhotometryDeltaFView::selectionProblem() const
+{
+    return m_isosbesticName->count() < 2 ? SD::notFiberPhotometryMessage() : QString();
 }
 
 bool PhotometryDeltaFView::namesAreUsable()

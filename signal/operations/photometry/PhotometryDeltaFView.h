@@ -30,6 +30,8 @@ public:
     ~PhotometryDeltaFView() override;
     /// Room for the stages beside three readable preview plots.
     QSize openingSize() const override { return {1300, 880}; }
+    /// A recording needs signals of two sensors, selected or beside the selected ones.
+    QString selectionProblem() const override;
 
     /// Computes and draws the preview of the chosen pair; false when it could not
     /// start (the reason is shown in a message).
