@@ -2,12 +2,14 @@
 #include "PerieventTestFile.h"
 
 #include "analysis/AnalysisOperationDialog.h"
+#include "analysis/AnalysisPipeline.h"
 #include "analysis/PerieventHeatMap.h"
 #include "analysis/PerieventResultView.h"
 #include "analysis/PerieventTracePlot.h"
 #include "analysis/operations/perievents/PerieventPreview.h"
 #include "analysis/operations/perievents/PerieventSideBox.h"
 #include "analysis/operations/perievents/PerieventsView.h"
+#include "app/browser/DataFileTreeWidget.h"
 #include "app/plugins/DatasetPlugin.h"
 #include "datafile/SignalDataset.h"
 #include "framework/BackgroundJob.h"
@@ -17,6 +19,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -169,6 +172,24 @@ TEST_F(PerieventViewTest, StatisticTableCheckPaintsFaultyCellsAndRefuses)
         test::readRaw(file, "DataAnalyzed/FiberPhotometry/Signals/Series1/Perievents1/Biosensor/AUC");
     EXPECT_EQ(late.attributes.value(D::ColumnNames).toStringList(),
               QStringList({"Baseline", "Response", "Late"}));
+}
+
+TEST_F(PerieventViewTest, StatisticTableShowsItsColumnTitlesInFull)
+{
+    auto* view = new PerieventsView;
+    view->setupProcess(file, {truth.biosensorPath});
+    auto* dialog = new AnalysisOperationDialog(view);
+    dialog->show();
+    QCoreApplication::sendPostedEvents();
+    for (const char* name : {"tw_onStatistic", "tw_offStatistic"}) {
+        const auto* table = child<QTableWidget>(*view, name);
+        const QHeaderView* header = table->horizontalHeader();
+        for (int column = 0; column < table->columnCount(); ++column)
+            EXPECT_GE(header->sectionSize(column),
+                      header->fontMetrics().horizontalAdvance(table->horizontalHeaderItem(column)->text()))
+                << name << " column " << column;
+    }
+    delete dialog;
 }
 
 TEST_F(PerieventViewTest, EnterInAStatisticCellConfirmsTheCellAndRunsNothing)
@@ -324,6 +345,25 @@ TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
               1);
     ASSERT_EQ(plugin.viewTabs()->count(), tabs + 1);
     EXPECT_NE(qobject_cast<PerieventResultView*>(plugin.viewTabs()->widget(tabs)), nullptr);
+
+    // When a run ends, the tree selects what it wrote and the status bar says it.
+    QSignalSpy status(&plugin, &AbstractPlugin::sendStatusMessage);
+    emit plugin.analysis()->sendOperationProcessFinished(file, run.datapaths);
+    ASSERT_EQ(status.count(), 1);
+    EXPECT_EQ(status.first().first().toString(), QStringLiteral("Written: Perievents1: 1 signal"));
+    QStringList selected = plugin.fileTree()->selectedPaths();
+    QStringList outputs = run.datapaths;
+    selected.sort();
+    outputs.sort();
+    EXPECT_EQ(selected, outputs);
+
+    // A picture of the results with their statistics table, for people to look at.
+    view.resize(1600, 1000);
+    for (int page = 0; page < view.tabs()->count(); ++page)
+        if (view.tabs()->widget(page)->isAncestorOf(table) || view.tabs()->widget(page) == table)
+            view.tabs()->setCurrentIndex(page);
+    view.show();
+    EXPECT_TRUE(view.grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/perievent-results.png")));
 }
 
 } // namespace
