@@ -228,6 +228,7 @@ TEST_F(PhotometryViewTest, DialogOpensWideWithReadablePlotsAndTheStagesOfTheLast
     QSignalSpy drawn(view, &PhotometryDeltaFView::previewFinished);
     ASSERT_TRUE(view->requestPreview());
     ASSERT_TRUE(drawn.wait(60000));
+    QCoreApplication::processEvents(); // the plots redraw on the event loop
     EXPECT_TRUE(dialog->grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/photometry-dialog.png")));
     delete dialog;
 }
