@@ -1,19 +1,24 @@
 #include "app/MainWindow.h"
 
+#include "analysis/AnalysisPipeline.h"
 #include "app/NewDataFile.h"
 #include "app/browser/DataFileTreeWidget.h"
 #include "app/plugins/AbstractPlugin.h"
 #include "app/plugins/DatasetPlugin.h"
+#include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "fileeditor/ConvertDialog.h"
 #include "fileeditor/ExportDialog.h"
+#include "framework/OperationDialog.h"
+#include "framework/OperationRegistry.h"
 
 #include <QAction>
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFileDialog>
 #include <QLabel>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QSettings>
@@ -48,6 +53,12 @@ MainWindow::MainWindow(IconFont* icons, QWidget* parent) : QMainWindow(parent)
     connect(m_ui.actionAbout, &QAction::triggered, this, &MainWindow::onAboutTriggered);
     connect(m_ui.actionConvert, &QAction::triggered, this, &MainWindow::onConvertTriggered);
     connect(m_ui.actionExport, &QAction::triggered, this, &MainWindow::onExportTriggered);
+    // Each analysis opens on the signals chosen in the current file's tab.
+    for (const QString& name : OperationRegistry::instance().names(OperationFamily::Analysis)) {
+        QAction* action = m_ui.menuAnalyzers->addAction(name);
+        action->setToolTip(OperationRegistry::instance().find(name)->description);
+        connect(action, &QAction::triggered, this, [this, name] { openAnalysis(name); });
+    }
     connect(m_ui.actionWhatsThis, &QAction::triggered, this, [] { QWhatsThis::enterWhatsThisMode(); });
     connect(m_ui.tb_hideFile, &QToolButton::toggled, this, &MainWindow::onHideFileToggled);
     connect(m_ui.tw_files, &QTabWidget::tabCloseRequested, this, &MainWindow::closeTab);
@@ -177,6 +188,16 @@ void MainWindow::onExportTriggered()
         return;
     }
     ExportDialog::run(this, plugin->filePath(), plugin->fileTree()->selectedPaths());
+}
+
+OperationDialog* MainWindow::openAnalysis(const QString& name)
+{
+    auto* plugin = qobject_cast<DatasetPlugin*>(m_tabs->plugin(m_ui.tw_files->currentIndex()));
+    if (!plugin) {
+        showMessage(DatasetDefinitions::analysisNeedsDataFileMessage());
+        return nullptr;
+    }
+    return plugin->analysis()->openOperation(name);
 }
 
 void MainWindow::onCurrentTabChanged(int index)

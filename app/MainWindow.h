@@ -11,6 +11,7 @@ namespace zarvi {
 
 class AbstractPlugin;
 class IconFont;
+class OperationDialog;
 
 /// The program's one window: opens, creates and closes data and experiment
 /// files, each shown by its plug-in in a tab; files dropped on the window open
@@ -35,6 +36,9 @@ public:
     /// Replaces the message box that shows refusals and failures (rich text).
     void setMessageHandler(std::function<void(const QString&)> handler);
     void showMessage(const QString& text);
+    /// Opens an analysis (as its entry of the Analyzers menu does) on the current data
+    /// file's chosen signals; null, after a message, when no data file is current.
+    OperationDialog* openAnalysis(const QString& name);
 
     PluginTabs& tabs() { return *m_tabs; }
     const MainWindowUi& ui() const { return m_ui; }

@@ -23,10 +23,18 @@ QString kindText(FileKind kind)
     return QStringLiteral("unrecognized");
 }
 
-void printAttributes(QTextStream& out, const QVariantMap& attributes, const QString& indent)
+/// Prints the attributes of the object at `location`. A list of one element reads back
+/// as that element, so its dataspace decides whether it is shown as a list.
+void printAttributes(QTextStream& out, HDF5Reader_V6& reader, hid_t location, const QVariantMap& attributes,
+                     const QString& indent)
 {
-    for (auto it = attributes.cbegin(); it != attributes.cend(); ++it)
-        out << indent << '@' << it.key() << " = " << DataFileTree::valueText(it.value()) << '\n';
+    for (auto it = attributes.cbegin(); it != attributes.cend(); ++it) {
+        QString text = DataFileTree::valueText(it.value());
+        if (!text.startsWith(QLatin1Char('[')) && location >= 0 &&
+            reader.attributeDimensions(location, it.key()) == std::vector<hsize_t>{1})
+            text = QLatin1Char('[') + text + QLatin1Char(']');
+        out << indent << '@' << it.key() << " = " << text << '\n';
+    }
 }
 
 } // namespace
@@ -56,7 +64,8 @@ int InfoCommand::run(const QStringList& arguments)
         return 1;
     }
     out << "Root attributes:\n";
-    printAttributes(out, reader.readAllAttributes(reader.fileId()), QStringLiteral("  "));
+    printAttributes(out, reader, reader.fileId(), reader.readAllAttributes(reader.fileId()),
+                    QStringLiteral("  "));
     out << "Tree:\n";
     for (const DataFileNode& node : DataFileTree::collect(reader)) {
         const QString indent(2 * (node.depth + 1), QLatin1Char(' '));
@@ -64,7 +73,8 @@ int InfoCommand::run(const QStringList& arguments)
         if (node.kind == ObjectKind::Group) {
             out << "/\n";
         } else if (node.kind == ObjectKind::Dataset) {
-            out << "  " << DataFileTree::typeName(node.elementType) << ' ' << DataFileTree::shapeText(node.dimensions);
+            out << "  " << DataFileTree::typeName(node.elementType) << ' '
+                << DataFileTree::shapeText(node.dimensions);
             if (!node.chunkDimensions.empty())
                 out << "  chunks " << DataFileTree::shapeText(node.chunkDimensions);
             if (node.deflateLevel > 0)
@@ -73,7 +83,16 @@ int InfoCommand::run(const QStringList& arguments)
         } else {
             out << "  (other object)\n";
         }
-        printAttributes(out, node.attributes, indent + QStringLiteral("    "));
+        const bool group = node.kind == ObjectKind::Group;
+        const hid_t location = group ? reader.openGroup(reader.fileId(), node.path)
+                               : node.kind == ObjectKind::Dataset
+                                   ? reader.openDataset(reader.fileId(), node.path)
+                                   : hid_t(-1);
+        printAttributes(out, reader, location, node.attributes, indent + QStringLiteral("    "));
+        if (location >= 0 && group)
+            reader.closeGroup(location);
+        else if (location >= 0)
+            reader.closeDataset(location);
     }
     return classification.kind == FileKind::Unrecognized ? 1 : 0;
 }

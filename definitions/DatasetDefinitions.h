@@ -56,6 +56,15 @@ public:
     static QString pixelLabel() { return tr("x %1  y %2  value %3"); }
     static QString autoContrastLabel() { return tr("Autocontrast"); }
     static QString signalsTabTitle() { return tr("Signals"); }
+    static QString analysisNeedsDataFileMessage()
+    {
+        return tr("Open a data file and choose the signals to analyse first.");
+    }
+    static QString previewBoxTooltip()
+    {
+        return tr("The series and the datasets chosen above, which the operations below run on. Each "
+                  "operation's dialog lists them again and previews one of them.");
+    }
 
     /// Percentiles of a frame that autocontrast maps to black and to white.
     static constexpr double AutoContrastLow = 0.5;

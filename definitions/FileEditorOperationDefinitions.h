@@ -37,6 +37,12 @@ public:
     static QString notTiffMessage() { return tr("<b>%1</b> is not a TIFF file."); }
     static QString tiffReadErrorMessage() { return tr("Unable to read %1: %2"); }
     static QString emptyTiffFolderMessage() { return tr("The folder <b>%1</b> holds no TIFF files."); }
+    /// %1 file, %2 frames its ImageJ description announces, %3 frames it holds.
+    static QString fewerFramesMessage()
+    {
+        return tr(
+            "Warning: <b>%1</b> announces %2 frames but holds %3; the %3 frames it holds were imported.");
+    }
     static QString multiPageInFolderMessage()
     {
         return tr("<b>%1</b> holds %2 pages; a folder of images must hold single-page TIFF files.");

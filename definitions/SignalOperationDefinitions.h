@@ -211,6 +211,28 @@ public:
         return tr("A sample is an inlier of the line fit when its residual is below this threshold. The "
                   "residual is not normalised, so the right value depends on the scale of the signals.");
     }
+    static QString proposeThresholdText() { return tr("Propose"); }
+    static QString proposeThresholdTooltip()
+    {
+        return tr("Sets the threshold to half the product of the standard deviations of the two signals as "
+                  "they enter the fit (after the stages above), computed on the previewed pair. Standardised "
+                  "signals get 0.5; raw signals get a value on their own scale.");
+    }
+    /// %1 percent of the samples that are inliers, %2 number of samples, %3 proposed threshold.
+    static QString inlierFractionText() { return tr("Inliers: %1 % of %2 samples. Proposed threshold: %3"); }
+    /// %1 the threshold used.
+    static QString noInlierWarning()
+    {
+        return tr(
+            "Warning: no sample is an inlier of the line fit (0 %): the residual threshold <b>%1</b> is "
+            "too small for the scale of these signals.");
+    }
+    static QString allInliersWarning()
+    {
+        return tr("Warning: every sample is an inlier of the line fit (100 %): the residual threshold "
+                  "<b>%1</b> is too large for the scale of these signals, and the line is merely the last "
+                  "pair of samples drawn.");
+    }
     static QString decimationFactorTooltip()
     {
         return tr("Decimation factor is the integer factor (M) by which the sampling rate is reduced. For "

@@ -90,6 +90,14 @@ public:
     static QString atMostText() { return tr("at most %1"); }
     static QString operationUnknownMessage() { return tr("Operation <b>%1</b> does not exist."); }
     static QString noDatasetsMessage() { return tr("No datasets set to the operation"); }
+    static QString runsOnText() { return tr("Runs on:"); }
+    /// %1 output group, %2 signalCountText().
+    static QString writtenGroupText() { return tr("%1: %2"); }
+    static QString signalCountText(int count)
+    {
+        return count == 1 ? tr("1 signal") : tr("%1 signals").arg(count);
+    }
+    static QString writtenText() { return tr("Written: %1"); }
     static QString operationCanceledMessage() { return tr("The operation was cancelled."); }
     static QString exportNeedsDataFileMessage()
     {

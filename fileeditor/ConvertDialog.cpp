@@ -176,9 +176,11 @@ void ConvertDialog::buildWidgets()
     buttons->addStretch();
     auto* convertButton = new QPushButton(Texts::convertButtonText(), this);
     convertButton->setObjectName(QStringLiteral("pb_convert"));
-    convertButton->setDefault(true);
     auto* closeButton = new QPushButton(Texts::closeButtonText(), this);
     closeButton->setObjectName(QStringLiteral("pb_close"));
+    // No default button: Enter in a path field must not start writing a file.
+    for (QPushButton* button : {convertButton, closeButton})
+        button->setAutoDefault(false);
     buttons->addWidget(convertButton);
     buttons->addWidget(closeButton);
     layout->addLayout(buttons);

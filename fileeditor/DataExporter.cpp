@@ -3,7 +3,8 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryFile>
+#include <QScopeGuard>
+#include <QUuid>
 
 #include <algorithm>
 
@@ -33,6 +34,14 @@ enum class OutputFormat
     Tiff,
     Unknown
 };
+
+/// A name for a new file in the folder of `path` that no other file has.
+QString siblingPath(const QString& path)
+{
+    const QFileInfo output(path);
+    return output.absoluteDir().filePath(
+        QStringLiteral(".%1.%2").arg(output.fileName(), QUuid::createUuid().toString(QUuid::Id128)));
+}
 
 /// Percent of the progress given to reading the datasets of a table.
 constexpr int ReadPercent = 30;
@@ -229,18 +238,21 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
         result.error = Texts::exportFrameRangeMessage().arg(first + 1).arg(first + count).arg(frames);
         return;
     }
-    const QFileInfo output(config.outputPath);
-    QTemporaryFile temporary(
-        output.absoluteDir().filePath(QStringLiteral(".%1.XXXXXX").arg(output.fileName())));
-    if (!temporary.open()) {
+    // The frames go to a file beside the output, renamed over it once complete, so a
+    // failed export leaves any earlier file as it was. That file is made by a plain
+    // create, so it gets the permissions the user's umask gives, as every other export.
+    const QString temporaryPath = siblingPath(config.outputPath);
+    QFile temporary(temporaryPath);
+    if (!temporary.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         result.error = Texts::unableToCreateMessage().arg(config.outputPath, temporary.errorString());
         return;
     }
     temporary.close();
+    auto removeTemporary = qScopeGuard([&temporaryPath] { QFile::remove(temporaryPath); });
 
     TiffStackWriter writer;
     TiffStackWriterConfig tiff;
-    tiff.path = temporary.fileName();
+    tiff.path = temporaryPath;
     tiff.width = static_cast<int>(width);
     tiff.height = static_cast<int>(height);
     tiff.frameCount = count;
@@ -278,7 +290,7 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
         result.error = Texts::unableToWriteMessage().arg(config.outputPath, temporary.errorString());
         return;
     }
-    temporary.setAutoRemove(false);
+    removeTemporary.dismiss();
     result.written = count;
 }
 

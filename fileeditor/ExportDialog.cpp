@@ -127,9 +127,11 @@ void ExportDialog::buildWidgets()
     buttons->addStretch();
     auto* exportButton = new QPushButton(Texts::exportButtonText(), this);
     exportButton->setObjectName(QStringLiteral("pb_export"));
-    exportButton->setDefault(true);
     auto* closeButton = new QPushButton(Texts::closeButtonText(), this);
     closeButton->setObjectName(QStringLiteral("pb_close"));
+    // No default button: Enter in a path field must not start writing a file.
+    for (QPushButton* button : {exportButton, closeButton})
+        button->setAutoDefault(false);
     buttons->addWidget(exportButton);
     buttons->addWidget(closeButton);
     layout->addLayout(buttons);

@@ -113,6 +113,8 @@ ConversionResult TiffStackConverter::convert(const TiffStackConversionConfig& co
         result.canceled = info.canceled;
         return result;
     }
+    if (!info.warning.isEmpty())
+        result.notes << info.warning;
     std::vector<double> times(info.frameCount);
     if (fromRate) {
         for (std::size_t k = 0; k < times.size(); ++k)

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
 #include <algorithm>
 #include <cstring>
@@ -94,6 +95,20 @@ void widen(const std::uint8_t* __restrict source, std::uint16_t* __restrict targ
         target[i] = source[i];
 }
 
+/// The number of images an ImageJ description ("ImageJ=1.54f\nimages=3500\n...")
+/// announces; 0 for any other description.
+std::size_t imageJImageCount(const QString& description)
+{
+    const QStringList lines = description.split(QLatin1Char('\n'));
+    if (!lines.constFirst().startsWith(QLatin1String("ImageJ=")))
+        return 0;
+    for (const QString& line : lines) {
+        if (line.startsWith(QLatin1String("images=")))
+            return line.mid(7).trimmed().toULongLong();
+    }
+    return 0;
+}
+
 QString readErrorText(const QString& where, const TiffHandle& tiff)
 {
     const QString reason = tiff.lastError().isEmpty() ? Texts::incompleteImageText() : tiff.lastError();
@@ -138,6 +153,9 @@ void TiffStackReader::close()
     m_info = TiffStackInfo();
     m_folder = false;
     m_pageOffsets.clear();
+    m_contiguousStart = 0;
+    m_swapBytes = false;
+    m_raw.reset();
     m_currentPage = 0;
     m_error.clear();
 }
@@ -168,6 +186,48 @@ bool TiffStackReader::scanMultiPage(const QString& path, Feedback* feedback)
     }
     m_currentPage = m_pageOffsets.size() - 1;
     m_info.frameCount = m_pageOffsets.size();
+    return m_info.frameCount != 1 || findContiguousFrames(path);
+}
+
+bool TiffStackReader::findContiguousFrames(const QString& path)
+{
+    TIFF* t = m_tiff->get();
+    const char* description = nullptr;
+    if (!TIFFGetField(t, TIFFTAG_IMAGEDESCRIPTION, &description) || !description)
+        return true;
+    const std::size_t announced = imageJImageCount(QString::fromUtf8(description));
+    std::uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(t, TIFFTAG_COMPRESSION, &compression);
+    if (announced < 2 || compression != COMPRESSION_NONE || TIFFIsTiled(t))
+        return true;
+    // The first image must be one block of uncompressed samples for the others to follow it.
+    const std::uint64_t* offsets = nullptr;
+    const std::uint64_t* counts = nullptr;
+    if (!TIFFGetField(t, TIFFTAG_STRIPOFFSETS, &offsets) ||
+        !TIFFGetField(t, TIFFTAG_STRIPBYTECOUNTS, &counts) || !offsets || !counts)
+        return true;
+    const std::uint64_t frameBytes =
+        m_info.pixelsPerFrame() * static_cast<std::uint64_t>(m_info.bitsPerSample / 8);
+    std::uint64_t end = offsets[0];
+    for (tstrip_t s = 0; s < TIFFNumberOfStrips(t); ++s) {
+        if (offsets[s] != end)
+            return true;
+        end += counts[s];
+    }
+    if (end - offsets[0] != frameBytes)
+        return true;
+
+    m_raw = std::make_unique<QFile>(path);
+    if (!m_raw->open(QIODevice::ReadOnly))
+        return fail(Texts::unableToOpenMessage().arg(path));
+    const auto size = static_cast<std::uint64_t>(m_raw->size());
+    const std::uint64_t held = size > offsets[0] ? (size - offsets[0]) / frameBytes : 0;
+    m_contiguousStart = offsets[0];
+    m_swapBytes = TIFFIsByteSwapped(t) != 0;
+    m_info.frameCount = static_cast<std::size_t>(std::min<std::uint64_t>(announced, held));
+    if (m_info.frameCount < announced)
+        m_info.warning =
+            Texts::fewerFramesMessage().arg(QFileInfo(path).fileName()).arg(announced).arg(m_info.frameCount);
     return true;
 }
 
@@ -270,6 +330,8 @@ bool TiffStackReader::readFrame(std::size_t k, std::span<std::uint16_t> out)
     if (out.size() != m_info.pixelsPerFrame())
         return fail(Texts::frameBufferSizeMessage().arg(out.size()).arg(m_info.pixelsPerFrame()));
 
+    if (m_contiguousStart > 0)
+        return readContiguousFrame(k, out);
     TiffHandle single;
     TiffHandle* tiff = m_tiff.get();
     if (m_folder) {
@@ -288,6 +350,27 @@ bool TiffStackReader::readFrame(std::size_t k, std::span<std::uint16_t> out)
     if (!checkPage(*tiff, k, false))
         return false;
     return TIFFIsTiled(tiff->get()) ? readTiles(*tiff, out, k) : readStrips(*tiff, out, k);
+}
+
+bool TiffStackReader::readContiguousFrame(std::size_t k, std::span<std::uint16_t> out)
+{
+    const std::size_t values = m_info.pixelsPerFrame();
+    const bool wide = m_info.bitsPerSample == 16;
+    const auto bytes = static_cast<qint64>(values * (wide ? 2 : 1));
+    char* buffer = reinterpret_cast<char*>(out.data());
+    if (!wide) {
+        if (m_scratch.size() < values)
+            m_scratch.resize(values);
+        buffer = reinterpret_cast<char*>(m_scratch.data());
+    }
+    if (!m_raw->seek(static_cast<qint64>(m_contiguousStart) + static_cast<qint64>(k) * bytes) ||
+        m_raw->read(buffer, bytes) != bytes)
+        return fail(Texts::tiffReadErrorMessage().arg(pageLocation(k), Texts::incompleteImageText()));
+    if (!wide)
+        widen(m_scratch.data(), out.data(), values);
+    else if (m_swapBytes)
+        std::transform(out.begin(), out.end(), out.begin(), [](std::uint16_t v) { return qbswap(v); });
+    return true;
 }
 
 bool TiffStackReader::readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QFile>
 #include <QString>
 #include <QStringList>
 
@@ -32,6 +33,8 @@ struct TiffStackInfo
     int bitsPerSample = 0;
     /// The file, or the folder's page files in reading order.
     QStringList files;
+    /// What the user should know of a stack that was read anyway (frames missing).
+    QString warning;
     QString error;
     bool canceled = false;
 
@@ -48,7 +51,11 @@ struct TiffStackInfo
 /// different sizes is refused before anything is converted; readFrame() then decodes
 /// one page (strips or tiles, any compression libtiff knows), widening 8-bit samples
 /// to 16 bits without changing their value. Samples are taken as stored: a page that
-/// declares 0 as white is not inverted. Lives on the worker thread of the conversion;
+/// declares 0 as white is not inverted. An ImageJ stack whose file holds one page but
+/// whose description announces more images is read as ImageJ writes stacks beyond
+/// 4 GB: uncompressed frames following the first image back to back; the frames the
+/// file holds are read, and a warning says when they are fewer than announced. Lives
+/// on the worker thread of the conversion;
 /// one object is used by one thread at a time.
 class TiffStackReader
 {
@@ -73,6 +80,10 @@ public:
 private:
     bool scanMultiPage(const QString& path, Feedback* feedback);
     bool scanFolder(const QString& path, Feedback* feedback);
+    /// After a one-page scan: takes the frames an ImageJ description announces when they
+    /// can follow the first image back to back. False only on a read error.
+    bool findContiguousFrames(const QString& path);
+    bool readContiguousFrame(std::size_t k, std::span<std::uint16_t> out);
     /// Checks the current page of tiff: greyscale, unsigned, 8 or 16 bits, and (after the
     /// first page) the same size and depth as the first. page (from 0) names it in messages.
     bool checkPage(TiffHandle& tiff, std::size_t page, bool first);
@@ -87,6 +98,11 @@ private:
     bool m_folder = false;
     /// Offsets of the pages' directories in a multi-page file, for direct access.
     std::vector<std::uint64_t> m_pageOffsets;
+    /// Where the first frame of a contiguous ImageJ stack starts; 0 for other stacks.
+    std::uint64_t m_contiguousStart = 0;
+    /// The samples are stored in the other byte order than this machine's.
+    bool m_swapBytes = false;
+    std::unique_ptr<QFile> m_raw;
     std::unique_ptr<TiffHandle> m_tiff;
     std::size_t m_currentPage = 0;
     std::vector<std::uint8_t> m_scratch;

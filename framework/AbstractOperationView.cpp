@@ -4,11 +4,11 @@
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/AbstractOperationProcess.h"
 #include "framework/OperationRegistry.h"
+#include "framework/OperationSettings.h"
 #include "framework/ParameterField.h"
 #include "framework/ProgressDialogFactory.h"
 
 #include <QFormLayout>
-#include <QHBoxLayout>
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QThread>
@@ -29,7 +29,8 @@ void showMessageBox(const QString& title, const QString& message, const QString&
 } // namespace
 
 AbstractOperationView::AbstractOperationView(const QString& operationName, QWidget* parent)
-    : QWidget(parent), m_operationName(operationName), m_presentMessage(showMessageBox)
+    : QWidget(parent), m_operationName(operationName), m_remembered(OperationSettings::last(operationName)),
+      m_presentMessage(showMessageBox)
 {
     m_progressDialog = ProgressDialogFactory::create(ZarviMainDefinitions::progressTitle());
     connect(m_progressDialog.get(), &QProgressDialog::canceled, this, [this] {
@@ -93,6 +94,7 @@ bool AbstractOperationView::run()
     QVariantMap parameters;
     if (!buildParameters(parameters))
         return false;
+    OperationSettings::remember(m_operationName, parameters);
     parameters.insert(FileDefinitions::Operations, m_operationName);
     parameters.insert(FileDefinitions::Filepath, m_filepath);
     parameters.insert(FileDefinitions::SourceDatapaths, m_datapaths);
@@ -129,18 +131,16 @@ const OperationParameter& AbstractOperationView::declaration(const QString& key)
 }
 
 QWidget* AbstractOperationView::addParameterRow(QFormLayout* form, const QString& key,
-                                                const QString& objectName, QWidget* beside)
+                                                const QString& objectName, QWidget* note)
 {
     const OperationParameter& parameter = declaration(key);
     QWidget* field = ParameterField::create(parameter, objectName, this);
-    if (!beside) {
-        form->addRow(ParameterField::label(parameter), field);
-        return field;
-    }
-    auto* row = new QHBoxLayout;
-    row->addWidget(field);
-    row->addWidget(beside, 1);
-    form->addRow(ParameterField::label(parameter), row);
+    if (const QVariant last = m_remembered.value(key); last.isValid())
+        ParameterField::setValue(field, last);
+    form->addRow(ParameterField::label(parameter), field);
+    // Under the field and across the form, a note wraps at the dialog's width, not a field's.
+    if (note)
+        form->addRow(note);
     return field;
 }
 

@@ -21,7 +21,8 @@ struct OperationParameter;
 /// owns its process, the worker thread the process lives on and the progress
 /// dialog (all through shared pointers), turns its widgets into a parameter map,
 /// and talks to the process only through signals. Destroying the view while a
-/// run is under way interrupts the worker and waits for it.
+/// run is under way interrupts the worker and waits for it. The parameters of a run
+/// are remembered for the next time the operation's view is made.
 class AbstractOperationView : public QWidget
 {
     Q_OBJECT
@@ -46,6 +47,12 @@ public:
     /// Validates the widgets, builds the parameter map and starts the run.
     /// False when validation refused (the reason is shown beside the fields).
     bool run();
+    /// The size the view's dialog opens at, at least, where its texts and plots are
+    /// readable; an empty size leaves it to the dialog's layout.
+    virtual QSize openingSize() const { return {}; }
+    /// Why the operation cannot run on the datasets set by setupProcess(); empty when it
+    /// can. The pipeline asks before it opens the dialog.
+    virtual QString selectionProblem() const { return {}; }
 
 signals:
     void sendStartProcess(const QVariantMap& parameters);
@@ -70,9 +77,14 @@ protected:
     /// The declaration of one of the operation's parameters (the view's operation must declare it).
     const OperationParameter& declaration(const QString& key) const;
     /// Adds a row for a declared parameter to `form`: its label, and its field made
-    /// from the declaration (see ParameterField), with `beside` to the field's right.
+    /// from the declaration (see ParameterField) and filled with the value the operation
+    /// last ran with, else the declared default, with `note` (a validation text) on a row
+    /// of its own under it.
     QWidget* addParameterRow(QFormLayout* form, const QString& key, const QString& objectName,
-                             QWidget* beside = nullptr);
+                             QWidget* note = nullptr);
+    /// The parameters the operation last ran with from a dialog (empty the first time),
+    /// for views whose fields are not made by addParameterRow().
+    const QVariantMap& rememberedParameters() const { return m_remembered; }
     /// Shows a message the way the process's messages are shown (a message box, or
     /// what a test put in its place).
     void showMessage(const QString& title, const QString& message, const QString& details, int icon);
@@ -84,6 +96,7 @@ private:
     QString m_operationName;
     QString m_filepath;
     QStringList m_datapaths;
+    QVariantMap m_remembered;
     std::shared_ptr<AbstractOperationProcess> m_process;
     std::shared_ptr<QThread> m_thread;
     std::shared_ptr<QProgressDialog> m_progressDialog;

@@ -17,7 +17,10 @@
 namespace zarvi {
 
 AbstractPipeline::AbstractPipeline(OperationFamily family, QWidget* parent)
-    : QWidget(parent), m_family(family)
+    : QWidget(parent), m_family(family),
+      m_presentMessage([this](const QString& title, const QString& message) {
+          QMessageBox::critical(this, title, message);
+      })
 {
 }
 
@@ -34,6 +37,7 @@ void AbstractPipeline::buildOperationList()
         button->setObjectName(QStringLiteral("pb_") +
                               QString(name).remove(QLatin1Char(' ')).remove(QLatin1Char('/')));
         button->setProperty("operation", name);
+        button->setToolTip(OperationRegistry::instance().find(name)->description);
         connect(button, &QPushButton::clicked, this, &AbstractPipeline::onOperationButtonClicked);
         layout->addWidget(button);
     }
@@ -58,6 +62,9 @@ void AbstractPipeline::setData(const QString& filepath, const QStringList& datap
                                       ? tr("Select datasets to process.")
                                       : tr("%n dataset(s) selected.", nullptr, datapaths.size()));
     setEnabled(!filepath.isEmpty());
+    m_dialogs.removeAll(nullptr);
+    for (OperationDialog* dialog : std::as_const(m_dialogs))
+        dialog->setData(filepath, datapaths);
 }
 
 OperationDialog* AbstractPipeline::createDialog(AbstractOperationView* view)
@@ -71,11 +78,18 @@ OperationDialog* AbstractPipeline::openOperation(const QString& name)
     if (!view)
         return nullptr;
     view->setupProcess(m_filepath, m_datapaths);
+    if (const QString problem = view->selectionProblem(); !problem.isEmpty()) {
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), problem);
+        return nullptr;
+    }
     connect(view.get(), &AbstractOperationView::sendProcessFinished, this,
             &AbstractPipeline::onPipelineFinished);
     connect(view.get(), &AbstractOperationView::sendAskToCloseAllDatasets, this,
             &AbstractPipeline::sendCloseAllDatasetsRequest);
     OperationDialog* dialog = createDialog(view.release()); // the dialog's layout now owns the view
+    dialog->setData(m_filepath, m_datapaths);
+    m_dialogs.removeAll(nullptr);
+    m_dialogs << dialog;
     dialog->show();
     return dialog;
 }

@@ -7,6 +7,7 @@
 #include <QStringList>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class QProgressDialog;
@@ -31,11 +32,17 @@ public:
     AbstractPipeline(OperationFamily family, QWidget* parent = nullptr);
     ~AbstractPipeline() override;
 
-    /// The file and the datasets the operations will work on.
+    /// The file and the datasets the operations will work on, also those of the dialogs open.
     void setData(const QString& filepath, const QStringList& datapaths);
     QStringList operationNames() const;
-    /// Opens an operation's dialog, as a click on its button does; null when it has no view.
+    /// Opens an operation's dialog, as a click on its button does; null when it has no
+    /// view, or when it cannot run on the chosen datasets (after saying why).
     OperationDialog* openOperation(const QString& name);
+    /// Replaces the message box that says why an operation cannot run on the selection.
+    void setMessagePresenter(std::function<void(const QString& title, const QString& message)> presenter)
+    {
+        m_presentMessage = std::move(presenter);
+    }
     /// Runs a saved sequence of operations on the chosen datasets.
     RunResult runSavedPipeline(const QString& path);
 
@@ -48,7 +55,8 @@ public slots:
     void onCancelPipelineReceived();
     void onProgressReceived(int progress);
     void onLoadPipelineClicked();
-    void onPipelineFinished(const QString& processedFile, const QStringList& processedData, const QStringList& errors);
+    void onPipelineFinished(const QString& processedFile, const QStringList& processedData,
+                            const QStringList& errors);
 
 protected:
     /// Lays out one button per operation of the family and "Load Pipeline...".
@@ -63,6 +71,9 @@ private:
     QLabel* m_selectionLabel = nullptr;
     std::shared_ptr<QProgressDialog> m_pipelineProgress;
     std::unique_ptr<OperationRunner> m_runner;
+    /// The dialogs opened here that are still open: they follow setData().
+    QList<QPointer<OperationDialog>> m_dialogs;
+    std::function<void(const QString& title, const QString& message)> m_presentMessage;
 };
 
 } // namespace zarvi

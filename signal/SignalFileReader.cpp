@@ -71,6 +71,59 @@ double SignalFileReader::sampleRate(const QString& filepath, const QString& valu
     return rate;
 }
 
+std::size_t SignalFileReader::sampleCount(const QString& filepath, const QString& valuesPath)
+{
+    LockedFileRead read(filepath);
+    if (!read.isOpen())
+        return 0;
+    HDF5Reader_V6& reader = read.reader();
+    const QString timePath =
+        valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')) + 1) + FileDefinitions::Time;
+    const hid_t dataset = reader.openDataset(reader.fileId(), timePath);
+    if (dataset < 0)
+        return 0;
+    const std::vector<hsize_t> dims = reader.dimensions(dataset);
+    reader.closeDataset(dataset);
+    return dims.size() == 1 ? static_cast<std::size_t>(dims[0]) : 0;
+}
+
+QStringList SignalFileReader::recordingSensors(const QString& filepath, const QStringList& valuesPaths)
+{
+    // values path = <recording>/<sensor>/<values>
+    const auto parentOf = [](const QString& path) {
+        return path.left(std::max<qsizetype>(0, path.lastIndexOf(QLatin1Char('/'))));
+    };
+    QStringList sensors;
+    QStringList recordings;
+    for (const QString& path : valuesPaths) {
+        const QString sensorGroup = parentOf(path);
+        const QString sensor = sensorGroup.mid(sensorGroup.lastIndexOf(QLatin1Char('/')) + 1);
+        if (!sensor.isEmpty() && !sensors.contains(sensor))
+            sensors << sensor;
+        if (const QString recording = parentOf(sensorGroup);
+            !recording.isEmpty() && !recordings.contains(recording))
+            recordings << recording;
+    }
+    LockedFileRead read(filepath);
+    if (!read.isOpen())
+        return sensors;
+    HDF5Reader_V6& reader = read.reader();
+    for (const QString& recording : recordings) {
+        const hid_t group = reader.openGroup(reader.fileId(), recording);
+        if (group < 0)
+            continue;
+        for (const QString& sensor : reader.children(group)) {
+            const QString values =
+                recording + QLatin1Char('/') + sensor + QLatin1Char('/') + FileDefinitions::SignalValues;
+            if (!sensors.contains(sensor) &&
+                reader.objectKind(reader.fileId(), values) == ObjectKind::Dataset)
+                sensors << sensor;
+        }
+        reader.closeGroup(group);
+    }
+    return sensors;
+}
+
 QStringList SignalFileReader::existing(const QString& filepath, const QStringList& paths)
 {
     LockedFileRead read(filepath);

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <cstddef>
+
 namespace zarvi {
 
 /// Reads loaded of a data file for views and their previews, which must never wait
@@ -25,6 +27,15 @@ public:
     /// The sample rate of the signal at `valuesPath` (the shared rule, from the ends of
     /// its time vector, without reading the rest); 0 when busy, unreadable or missing.
     static double sampleRate(const QString& filepath, const QString& valuesPath);
+
+    /// The number of samples of the signal at `valuesPath` (the length of its time
+    /// vector); 0 when busy, unreadable or missing.
+    static std::size_t sampleCount(const QString& filepath, const QString& valuesPath);
+
+    /// The sensors of the recordings the signals at `valuesPaths` belong to: the groups
+    /// beside their sensor groups that hold a signal, in file order, the given ones first;
+    /// only the given ones when the file is busy or unreadable.
+    static QStringList recordingSensors(const QString& filepath, const QStringList& valuesPaths);
 
     /// Those of `paths` that are datasets of the file; empty when the file is busy or
     /// unreadable.

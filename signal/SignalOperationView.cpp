@@ -10,6 +10,8 @@ void SignalOperationView::datasetsChanged()
 {
     m_sampleRate =
         datapaths().isEmpty() ? 0.0 : SignalFileReader::sampleRate(filepath(), datapaths().first());
+    m_sampleCount =
+        datapaths().isEmpty() ? 0 : SignalFileReader::sampleCount(filepath(), datapaths().first());
 }
 
 QLabel* SignalOperationView::makeValidationLabel(const QString& objectName)

@@ -2,6 +2,8 @@
 
 #include "framework/AbstractOperationView.h"
 
+#include <cstddef>
+
 class QLabel;
 
 namespace zarvi {
@@ -19,9 +21,11 @@ public:
 
     /// Hz; 0 while unknown (no signal selected, or the file busy when the view was set up).
     double sampleRate() const { return m_sampleRate; }
+    /// Samples of the first selected signal; 0 while unknown, as the sample rate.
+    std::size_t sampleCount() const { return m_sampleCount; }
 
 protected:
-    /// Reads the sample rate; views that override it call it first.
+    /// Reads the sample rate and count; views that override it call it first.
     void datasetsChanged() override;
     /// A hidden red label for a validation text beside a field.
     QLabel* makeValidationLabel(const QString& objectName);
@@ -30,6 +34,7 @@ protected:
 
 private:
     double m_sampleRate = 0.0;
+    std::size_t m_sampleCount = 0;
 };
 
 } // namespace zarvi

@@ -1,5 +1,6 @@
 #include "app/plugins/DatasetPipeline.h"
 
+#include "definitions/DatasetDefinitions.h"
 #include "framework/DatasetSelector.h"
 #include "image/ImagePipeline.h"
 #include "image/voluimages/VoluImagesPipeline.h"
@@ -53,6 +54,7 @@ DatasetPipeline::DatasetPipeline(QWidget* parent) : AbstractPipeline(OperationFa
 
     auto* parameters = new QGroupBox(tr("Preview"), pipeline);
     parameters->setObjectName(QStringLiteral("gb_parameters"));
+    parameters->setToolTip(DatasetDefinitions::previewBoxTooltip());
     auto* parametersLayout = new QVBoxLayout(parameters);
     auto* parametersArea = new QWidget(parameters);
     parametersArea->setObjectName(QStringLiteral("w_parameters"));

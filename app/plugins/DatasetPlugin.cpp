@@ -17,6 +17,7 @@
 #include "framework/DatasetSelector.h"
 #include "framework/FileAccessLock.h"
 #include "framework/LockedFileRead.h"
+#include "framework/RunSummary.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -272,9 +273,17 @@ void DatasetPlugin::buildPipelines()
     setPipelineWidget(m_pipeline);
     m_analysis = new AnalysisPipeline;
     setAnalysisWidget(m_analysis);
+    // After a run the tree shows and selects what it wrote, and the status bar says it.
     for (AbstractPipeline* pipeline :
          {static_cast<AbstractPipeline*>(m_pipeline), static_cast<AbstractPipeline*>(m_analysis)})
-        connect(pipeline, &AbstractPipeline::sendOperationProcessFinished, this, [this] { reloadFile(); });
+        connect(pipeline, &AbstractPipeline::sendOperationProcessFinished, this,
+                [this](const QString&, const QStringList& datapaths) {
+                    if (!reloadFile() || datapaths.isEmpty())
+                        return;
+                    m_tree->selectPaths(datapaths);
+                    emit sendStatusMessage(
+                        ZarviMainDefinitions::writtenText().arg(RunSummary::describe(datapaths)));
+                });
     // The analyses work on the datasets chosen for processing.
     connect(m_pipeline->selector(), &DatasetSelector::selectionChanged, this,
             [this](const QStringList& paths) { m_analysis->setData(filePath(), paths); });

@@ -2,12 +2,14 @@
 #include "PerieventTestFile.h"
 
 #include "analysis/AnalysisOperationDialog.h"
+#include "analysis/AnalysisPipeline.h"
 #include "analysis/PerieventHeatMap.h"
 #include "analysis/PerieventResultView.h"
 #include "analysis/PerieventTracePlot.h"
 #include "analysis/operations/perievents/PerieventPreview.h"
 #include "analysis/operations/perievents/PerieventSideBox.h"
 #include "analysis/operations/perievents/PerieventsView.h"
+#include "app/browser/DataFileTreeWidget.h"
 #include "app/plugins/DatasetPlugin.h"
 #include "datafile/SignalDataset.h"
 #include "framework/BackgroundJob.h"
@@ -17,12 +19,14 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableWidget>
+#include <QTest>
 
 #include <qcustomplot.h>
 
@@ -170,6 +174,41 @@ TEST_F(PerieventViewTest, StatisticTableCheckPaintsFaultyCellsAndRefuses)
               QStringList({"Baseline", "Response", "Late"}));
 }
 
+TEST_F(PerieventViewTest, StatisticTableShowsItsColumnTitlesInFull)
+{
+    auto* view = new PerieventsView;
+    view->setupProcess(file, {truth.biosensorPath});
+    auto* dialog = new AnalysisOperationDialog(view);
+    dialog->show();
+    QCoreApplication::sendPostedEvents();
+    for (const char* name : {"tw_onStatistic", "tw_offStatistic"}) {
+        const auto* table = child<QTableWidget>(*view, name);
+        const QHeaderView* header = table->horizontalHeader();
+        for (int column = 0; column < table->columnCount(); ++column)
+            EXPECT_GE(header->sectionSize(column),
+                      header->fontMetrics().horizontalAdvance(table->horizontalHeaderItem(column)->text()))
+                << name << " column " << column;
+    }
+    delete dialog;
+}
+
+TEST_F(PerieventViewTest, EnterInAStatisticCellConfirmsTheCellAndRunsNothing)
+{
+    auto* view = new PerieventsView;
+    view->setupProcess(file, {truth.biosensorPath});
+    ASSERT_TRUE(view->loadFileData());
+    auto* dialog = new AnalysisOperationDialog(view);
+    dialog->show();
+    QLineEdit* cell = view->onsetBox()->cell(0, 2);
+    cell->setFocus();
+    cell->setText("0.5");
+    QTest::keyClick(cell, Qt::Key_Return);
+    QTest::keyClick(cell, Qt::Key_Enter);
+    EXPECT_FALSE(view->isRunning());
+    EXPECT_EQ(cell->text(), "0.5");
+    delete dialog;
+}
+
 TEST_F(PerieventViewTest, PreviewIsTheChunkOfTheChosenEvent)
 {
     PerieventsView view;
@@ -206,6 +245,54 @@ TEST_F(PerieventViewTest, PreviewIsTheChunkOfTheChosenEvent)
             ++count;
         }
     EXPECT_NEAR(baseline / count, 0.0, 1e-9);
+}
+
+TEST_F(PerieventViewTest, AWindowLongerThanTheSignalIsSaidWithOneDurationEverywhere)
+{
+    PerieventsView view;
+    QStringList messages;
+    view.setMessagePresenter(
+        [&](const QString&, const QString& message, const QString&, int) { messages << message; });
+    view.setupProcess(file, {truth.biosensorPath});
+    ASSERT_TRUE(view.loadFileData());
+
+    // The duration the check uses: last time minus first time of the whole signal.
+    Signal signal;
+    QString error;
+    {
+        HDF5Reader_V6 reader;
+        ASSERT_GE(reader.open(file), 0);
+        ASSERT_TRUE(SignalDataset::read(reader, truth.biosensorPath, signal, error));
+    }
+    const double duration = signal.time.back() - signal.time.front();
+    ASSERT_NEAR(duration, truth.photometryDuration, 0.01);
+    const QString expected =
+        QStringLiteral(
+            "Impossible to calculate perievents, since the duration of the signal (%1) is shorter than "
+            "the selected perievent window (-2 -- 400).")
+            .arg(QString::number(duration, 'g', QLocale::FloatingPointShortest));
+
+    view.onsetBox()->setWindow(-2.0, 400.0);
+    // No range of events is offered: none fits.
+    EXPECT_EQ(child<QLabel>(view, "lb_range")->text(), expected);
+
+    QSignalSpy computed(view.previewJob(), &BackgroundJob::finished);
+    view.updatePreview();
+    ASSERT_TRUE(computed.wait(20000));
+    EXPECT_EQ(view.preview()->note(), expected);
+
+    QSignalSpy finished(&view, &AbstractOperationView::sendProcessFinished);
+    ASSERT_TRUE(view.run());
+    ASSERT_TRUE(finished.wait(30000));
+    EXPECT_EQ(finished.first().at(2).toStringList(), QStringList{expected});
+    EXPECT_EQ(messages, QStringList{expected});
+
+    // A window that fits gives the range its events may lie in: [first + 2, last - 5].
+    view.onsetBox()->setWindow(-2.0, 5.0);
+    EXPECT_EQ(child<QLabel>(view, "lb_range")->text(),
+              QStringLiteral("Events between %1 and %2 sec")
+                  .arg(QString::number(signal.time.front() + 2.0, 'g', 10),
+                       QString::number(signal.time.back() - 5.0, 'g', 10)));
 }
 
 TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
@@ -258,6 +345,25 @@ TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
               1);
     ASSERT_EQ(plugin.viewTabs()->count(), tabs + 1);
     EXPECT_NE(qobject_cast<PerieventResultView*>(plugin.viewTabs()->widget(tabs)), nullptr);
+
+    // When a run ends, the tree selects what it wrote and the status bar says it.
+    QSignalSpy status(&plugin, &AbstractPlugin::sendStatusMessage);
+    emit plugin.analysis()->sendOperationProcessFinished(file, run.datapaths);
+    ASSERT_EQ(status.count(), 1);
+    EXPECT_EQ(status.first().first().toString(), QStringLiteral("Written: Perievents1: 1 signal"));
+    QStringList selected = plugin.fileTree()->selectedPaths();
+    QStringList outputs = run.datapaths;
+    selected.sort();
+    outputs.sort();
+    EXPECT_EQ(selected, outputs);
+
+    // A picture of the results with their statistics table, for people to look at.
+    view.resize(1600, 1000);
+    for (int page = 0; page < view.tabs()->count(); ++page)
+        if (view.tabs()->widget(page)->isAncestorOf(table) || view.tabs()->widget(page) == table)
+            view.tabs()->setCurrentIndex(page);
+    view.show();
+    EXPECT_TRUE(view.grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/perievent-results.png")));
 }
 
 } // namespace

@@ -16,6 +16,9 @@ expect() { # expect CODE command...: runs the command and checks its exit code
 "$cli" demo $f > /dev/null || fail demo
 expect 0 "$cli" run $f --operation Decimation --params '{"DecimationFactor": 10}' --data $s
 grep -qx 'DataProcessed/FiberPhotometry/Signals/Series1/DecimatedSignals1/Biosensor/Signal' out.txt || fail output path
+# The run's one source is recorded as a list of one, and `info` prints it as a list.
+expect 0 "$cli" info $f
+grep -q "@SourceDatapaths = \[\"$s\"\]$" out.txt || fail "one-element list: $(grep SourceDatapaths out.txt)"
 expect 2 "$cli" run $f --operation Decimation --data
 expect 3 "$cli" run $f --operation Decimation --params '{"Factor": 10}' --data $s
 expect 3 "$cli" run $f --operation Decimation --params '{"DecimationFactor": 2.5}' --data $s

@@ -6,6 +6,8 @@
 #include "fileeditor/DataExporter.h"
 #include "fileeditor/TiffStackReader.h"
 
+#include <sys/stat.h>
+
 namespace zarvi {
 namespace {
 
@@ -182,6 +184,30 @@ TEST(DataExporter, ExportsFrameRangeOfStackToTiffAndLeavesNothingWhenCancelled)
     config.frameCount = 3;
     result = DataExporter::run(config);
     EXPECT_EQ(result.error, QStringLiteral("Frames 5 to 7 do not lie within the stack's 6 frames."));
+}
+
+TEST(DataExporter, EveryOutputGetsThePermissionsTheUmaskGives)
+{
+    test::TempDir dir;
+    const QString file = writeDataFile(dir);
+    // With the umask 027 a new file is created 0666 & ~027 = 0640.
+    const mode_t previous = ::umask(027);
+    const auto modeOf = [](const QString& path) {
+        struct stat status
+        {
+        };
+        EXPECT_EQ(::stat(QFile::encodeName(path).constData(), &status), 0) << path.toStdString();
+        return status.st_mode & 0777;
+    };
+    for (const auto& [name, path] : {std::pair{QStringLiteral("cells.tif"), stackPath},
+                                     std::pair{QStringLiteral("green.csv"), greenPath},
+                                     std::pair{QStringLiteral("green.xlsx"), greenPath}}) {
+        const QString output = dir.file(name);
+        const DataExportResult result = DataExporter::run(exportConfig(file, {path}, output));
+        EXPECT_TRUE(result.ok()) << result.error.toStdString();
+        EXPECT_EQ(modeOf(output), 0640u) << name.toStdString();
+    }
+    ::umask(previous);
 }
 
 TEST(DataExporter, ListsWhatCanBeExported)

@@ -104,8 +104,7 @@ TEST(TiffStackReader, ReadsMultiPageStacksJoinedByTiffcpBitForBit)
     for (std::size_t v = 0; v < variants.size(); ++v) {
         SCOPED_TRACE(variants[v].join(QLatin1Char(' ')).toStdString());
         const QString stack = dir.file(QStringLiteral("stack%1.tif").arg(v));
-        const test::ToolRun run =
-            runTool(QStringLiteral("tiffcp"), variants[v] + pages + QStringList{stack});
+        const test::ToolRun run = runTool(QStringLiteral("tiffcp"), variants[v] + pages + QStringList{stack});
         ASSERT_EQ(run.exitCode, 0) << run.output.toStdString();
 
         TiffStackReader reader;
@@ -196,7 +195,7 @@ TEST(TiffStackReader, RefusesWhatIsNotAGreyscaleStack)
     const std::vector<float> floats(8 * 4, 1.5f);
     const QString floatPath = dir.file(QStringLiteral("float.tif"));
     ASSERT_TRUE(test::writeTiffPage(floatPath, {8, 4, 32, 1, PHOTOMETRIC_MINISBLACK, SAMPLEFORMAT_IEEEFP},
-                                       floats.data()));
+                                    floats.data()));
     EXPECT_TRUE(openError(floatPath).contains(QStringLiteral("floating-point samples")));
 
     const std::vector<std::uint32_t> wide(8 * 4, 70000);
@@ -207,7 +206,7 @@ TEST(TiffStackReader, RefusesWhatIsNotAGreyscaleStack)
     const std::vector<std::int16_t> signedPixels(8 * 4, -3);
     const QString signedPath = dir.file(QStringLiteral("signed.tif"));
     ASSERT_TRUE(test::writeTiffPage(signedPath, {8, 4, 16, 1, PHOTOMETRIC_MINISBLACK, SAMPLEFORMAT_INT},
-                                       signedPixels.data()));
+                                    signedPixels.data()));
     EXPECT_TRUE(openError(signedPath).contains(QStringLiteral("signed integer samples")));
 
     const QString text = dir.file(QStringLiteral("notes.tif"));
@@ -282,6 +281,53 @@ TEST(TiffStackReader, ReachesBigTiffPixelsBeyondFourGigabytes)
     EXPECT_FALSE(reader.readFrame(1, frame));
     EXPECT_TRUE(reader.lastError().startsWith(QStringLiteral("Unable to read Page 2 of <b>sparse.tif</b>: ")))
         << reader.lastError().toStdString();
+}
+
+TEST(TiffStackReader, ReadsImageJStacksWhoseFramesFollowTheFirstImage)
+{
+    test::TempDir dir;
+    for (const bool bigEndian : {false, true}) {
+        const QString path = dir.file(bigEndian ? QStringLiteral("big.tif") : QStringLiteral("little.tif"));
+        ASSERT_TRUE(test::writeImageJStack(path, 23, 7, 5, 5, bigEndian));
+        TiffStackReader reader;
+        const TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
+        ASSERT_TRUE(info.ok()) << info.error.toStdString();
+        EXPECT_EQ(info.width, 23);
+        EXPECT_EQ(info.height, 7);
+        ASSERT_EQ(info.frameCount, 5u);
+        EXPECT_TRUE(info.warning.isEmpty());
+        std::vector<std::vector<std::uint16_t>> expected;
+        for (int k = 0; k < 5; ++k)
+            expected.push_back(testFrame(23, 7, k));
+        expectFrames(reader, expected, {4, 0, 2, 1, 3});
+    }
+}
+
+TEST(TiffStackReader, ImportsTheFramesAnImageJStackHoldsAndWarnsOfTheMissingOnes)
+{
+    test::TempDir dir;
+    const QString one = dir.file(QStringLiteral("announced.tif"));
+    ASSERT_TRUE(test::writeImageJStack(one, 16, 9, 3500, 1, false));
+    TiffStackReader reader;
+    TiffStackInfo info = reader.open(TiffStackReaderConfig{one});
+    ASSERT_TRUE(info.ok()) << info.error.toStdString();
+    EXPECT_EQ(info.frameCount, 1u);
+    EXPECT_EQ(info.warning,
+              QStringLiteral("Warning: <b>announced.tif</b> announces 3500 frames but holds 1; the 1 "
+                             "frames it holds were imported."));
+    expectFrames(reader, {testFrame(16, 9, 0)}, {0});
+
+    // Three of four frames, and half of the fourth, in the other byte order.
+    const QString cut = dir.file(QStringLiteral("cut.tif"));
+    ASSERT_TRUE(test::writeImageJStack(cut, 16, 9, 4, 4, true));
+    QByteArray bytes = test::readText(cut);
+    bytes.chop(16 * 9);
+    test::writeText(cut, bytes);
+    info = reader.open(TiffStackReaderConfig{cut});
+    ASSERT_TRUE(info.ok()) << info.error.toStdString();
+    EXPECT_EQ(info.frameCount, 3u);
+    EXPECT_TRUE(info.warning.contains(QStringLiteral("announces 4 frames but holds 3")));
+    expectFrames(reader, {testFrame(16, 9, 0), testFrame(16, 9, 1), testFrame(16, 9, 2)}, {2, 1, 0});
 }
 
 TEST(TiffStackReader, DamagedFilesGiveMessages)

@@ -65,4 +65,61 @@ inline bool writeGreyPage(const QString& path, int width, int height, int k)
     return writeTiffPage(path, PageLayout{width, height}, frame.data());
 }
 
+/// Writes, byte by byte, a stack laid out as ImageJ writes one beyond 4 GB: a single
+/// page whose description announces `announced` images, its 16-bit samples at the end
+/// of the file, and the samples of frames 1 .. held-1 following them back to back.
+/// Frame k holds testFrame(width, height, k); `bigEndian` picks the file's byte order.
+inline bool writeImageJStack(const QString& path, int width, int height, int announced, int held,
+                             bool bigEndian)
+{
+    QByteArray bytes;
+    const auto put = [&](std::uint64_t value, int size) {
+        for (int i = 0; i < size; ++i) {
+            const int shift = 8 * (bigEndian ? size - 1 - i : i);
+            bytes.append(static_cast<char>((value >> shift) & 0xFF));
+        }
+    };
+    const QByteArray description =
+        QStringLiteral("ImageJ=1.54f\nimages=%1\nslices=%1\nloop=false\n").arg(announced).toLatin1() + '\0';
+    constexpr int entries = 10;
+    const int ifdEnd = 8 + 2 + entries * 12 + 4;
+    const int descriptionAt = ifdEnd;
+    const int pixelsAt = descriptionAt + static_cast<int>(description.size()) + (description.size() % 2);
+    const int frameBytes = width * height * 2;
+    bytes.append(bigEndian ? "MM" : "II");
+    put(42, 2);
+    put(8, 4);
+    put(entries, 2);
+    const auto entry = [&](int tag, int type, int count, std::uint32_t value) {
+        put(tag, 2);
+        put(type, 2);
+        put(count, 4);
+        if (type == 3 && count == 1) { // a SHORT sits in the first two bytes of the field
+            put(value, 2);
+            put(0, 2);
+        } else {
+            put(value, 4);
+        }
+    };
+    entry(256, 4, 1, width);
+    entry(257, 4, 1, height);
+    entry(258, 3, 1, 16);
+    entry(259, 3, 1, 1);
+    entry(262, 3, 1, 1);
+    entry(270, 2, static_cast<int>(description.size()), descriptionAt);
+    entry(273, 4, 1, pixelsAt);
+    entry(277, 3, 1, 1);
+    entry(278, 4, 1, height);
+    entry(279, 4, 1, frameBytes);
+    put(0, 4);
+    bytes.append(description);
+    if (description.size() % 2)
+        bytes.append('\0');
+    for (int k = 0; k < held; ++k)
+        for (const std::uint16_t value : testFrame(width, height, k))
+            put(value, 2);
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
 } // namespace zarvi::test

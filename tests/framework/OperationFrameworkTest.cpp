@@ -7,6 +7,7 @@
 #include "definitions/FileDefinitions.h"
 #include "framework/OperationRunner.h"
 #include "framework/PipelineFile.h"
+#include "framework/RunSummary.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -205,3 +206,14 @@ TEST_F(OperationFrameworkTest, AnInputThatIsNotInTheFileIsAnError)
 }
 
 } // namespace
+
+TEST(RunSummary, NamesEachOutputGroupWithTheSignalsWrittenUnderIt)
+{
+    const QString group = QStringLiteral("DataProcessed/FiberPhotometry/Signals/Series1/");
+    EXPECT_EQ(RunSummary::describe({group + "DFFSignals1/Left/Signal", group + "DFFSignals1/Right/Signal"}),
+              QStringLiteral("DFFSignals1: 2 signals"));
+    EXPECT_EQ(RunSummary::describe({group + "Perievents1/Left/Matrix", group + "Perievents1/Left/AUC",
+                                    group + "FilteredSignals2/Left/Signal"}),
+              QStringLiteral("Perievents1: 1 signal; FilteredSignals2: 1 signal"));
+    EXPECT_EQ(RunSummary::describe({}), QString());
+}

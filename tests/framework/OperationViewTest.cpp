@@ -8,13 +8,20 @@
 #include "definitions/FileDefinitions.h"
 #include "framework/AbstractOperationView.h"
 #include "framework/FileAccessLock.h"
+#include "framework/OperationDialog.h"
+#include "framework/OperationRegistry.h"
 #include "framework/OperationRunner.h"
+#include "signal/SignalPipeline.h"
 #include "signal/operations/decimation/DecimationView.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QProgressDialog>
+#include <QPushButton>
+#include <QSettings>
 #include <QSignalSpy>
 #include <QSpinBox>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -156,6 +163,104 @@ TEST_F(OperationViewTest, DestroyingAViewWhileItsWorkerRunsWaitsForTheWorker)
     // The worker is gone: nobody holds the file, and nothing half-written stayed.
     EXPECT_TRUE(FileAccessLock::tryLock(file).owns_lock());
     EXPECT_FALSE(outputExists());
+}
+
+TEST_F(OperationViewTest, EnterInAFieldRunsNothingAndOnlyRunOrItsShortcutRuns)
+{
+    auto* view = new DecimationView;
+    Collected collected;
+    prepare(*view, collected);
+    auto* dialog = new OperationDialog(view);
+    dialog->show();
+    dialog->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+    QSpinBox* factor = view->factorBox();
+    factor->setFocus();
+    QTest::keyClicks(factor, "5");
+    QTest::keyClick(factor, Qt::Key_Return);
+    QTest::keyClick(factor, Qt::Key_Enter);
+    EXPECT_FALSE(view->isRunning());
+
+    QSignalSpy finished(view, &AbstractOperationView::sendProcessFinished);
+    // The shortcut clicks Run as a button click would (a short press, then the run).
+    QTest::keyClick(factor, Qt::Key_Return, Qt::ControlModifier);
+    ASSERT_TRUE(finished.wait(20000));
+    EXPECT_TRUE(outputExists());
+    delete dialog;
+}
+
+TEST_F(OperationViewTest, AnOpenDialogShowsAndRunsOnWhatTheSelectorChoseLast)
+{
+    Signal red;
+    for (int i = 0; i < 100; ++i) {
+        red.time.push_back(i * 0.01);
+        red.values.push_back(-i);
+    }
+    QString error;
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        ASSERT_TRUE(SignalDataset::write(writer, QStringLiteral("DataAcquisition/Rig/Signals/Series1/Red"),
+                                         red, {}, error));
+    }
+    const QString redInput = QStringLiteral("DataAcquisition/Rig/Signals/Series1/Red/Signal");
+
+    SignalPipeline pipeline;
+    // Each operation's button says what the operation does.
+    const auto* button = pipeline.findChild<QPushButton*>(QStringLiteral("pb_Decimation"));
+    ASSERT_NE(button, nullptr);
+    EXPECT_EQ(button->toolTip(),
+              OperationRegistry::instance().find(QStringLiteral("Decimation"))->description);
+    EXPECT_FALSE(button->toolTip().isEmpty());
+    pipeline.setData(file, {input});
+    OperationDialog* dialog = pipeline.openOperation(QStringLiteral("Decimation"));
+    ASSERT_NE(dialog, nullptr);
+    auto* view = static_cast<DecimationView*>(dialog->view());
+    view->setMessagePresenter([](const QString&, const QString&, const QString&, int) {});
+    const auto shown = [dialog] { return dialog->findChild<QLabel*>(QStringLiteral("lb_datasets"))->text(); };
+    EXPECT_TRUE(shown().contains(input));
+
+    // The user ticks another signal in the selector while the dialog stays open.
+    pipeline.setData(file, {redInput});
+    EXPECT_EQ(view->datapaths(), QStringList{redInput});
+    EXPECT_TRUE(shown().contains(redInput));
+    EXPECT_FALSE(shown().contains(input));
+
+    view->factorBox()->setValue(10);
+    QSignalSpy finished(view, &AbstractOperationView::sendProcessFinished);
+    ASSERT_TRUE(view->run());
+    ASSERT_TRUE(finished.wait(20000));
+    const QStringList written = finished.first().at(1).toStringList();
+    ASSERT_EQ(written.size(), 1);
+    EXPECT_TRUE(written.first().contains(QStringLiteral("/Red/"))) << written.first().toStdString();
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(file), 0);
+    Signal decimated;
+    ASSERT_TRUE(SignalDataset::read(reader, written.first(), decimated, error));
+    // Every 10th of 0, -1, ..., -99.
+    EXPECT_EQ(decimated.values, (std::vector<double>{0, -10, -20, -30, -40, -50, -60, -70, -80, -90}));
+    // The dialog says what the run wrote.
+    EXPECT_EQ(dialog->findChild<QLabel*>(QStringLiteral("lb_result"))->text(),
+              QStringLiteral("Written: DecimatedSignals1: 1 signal"));
+    delete dialog;
+}
+
+TEST_F(OperationViewTest, AViewOpensWithTheValuesItLastRanWithAndTheDefaultsTheFirstTime)
+{
+    test::TempDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    {
+        DecimationView first;
+        EXPECT_EQ(first.factorBox()->value(), 10); // the declared default
+        Collected collected;
+        prepare(first, collected);
+        first.factorBox()->setValue(7);
+        QSignalSpy finished(&first, &AbstractOperationView::sendProcessFinished);
+        ASSERT_TRUE(first.run());
+        ASSERT_TRUE(finished.wait(20000));
+    }
+    DecimationView second;
+    EXPECT_EQ(second.factorBox()->value(), 7);
 }
 
 TEST(DecimationFromViewAndRunner, GiveIdenticalDatasets)

@@ -197,6 +197,16 @@ TEST_F(SignalOperationTest, LowPassSmoothingKeepsAConstantSignalAtBothEnds)
         EXPECT_NEAR(smoothed.values[i], 2.5, 1e-9);
 }
 
+TEST_F(SignalOperationTest, DecimationRefusesAFactorLargerThanTheSignalAndWritesNothing)
+{
+    const QString path = test::writeSignal(file, inputGroup, mixture(300));
+    const RunResult result = runner.run({{FileDefinitions::Operations, QStringLiteral("Decimation")},
+                                         {QStringLiteral("DecimationFactor"), 1000.0}},
+                                        file, {path});
+    EXPECT_EQ(result.errors, QStringList{QStringLiteral("Bad value for decimation factor.")});
+    EXPECT_FALSE(test::hasProcessedData(file));
+}
+
 TEST(SignalSpectrum, PeaksAtTheBinOfASinusoidWithItsAmplitude)
 {
     // 2^16 samples at 1 kHz: bin k is k * 1000 / 65536 Hz; put a sinusoid of amplitude 0.25

@@ -231,7 +231,7 @@ TEST(ZeroPhaseFilter, FollowsThePaddingAndStateRuleExactly)
     }
 }
 
-TEST(FilterResponse, DrawsTheResponseAtHalfTheNormalisedFrequencyWithAFloor)
+TEST(FilterResponse, DrawsEachMagnitudeAtItsOwnFrequencyWithAFloor)
 {
     const double fs = 1000.0;
     const Butterworth low = designed(FilterKind::LowPass, fs, 50.0);
@@ -242,8 +242,13 @@ TEST(FilterResponse, DrawsTheResponseAtHalfTheNormalisedFrequencyWithAFloor)
     EXPECT_DOUBLE_EQ(curve.frequencies.front(), 0.0);
     EXPECT_DOUBLE_EQ(curve.frequencies.back(), 500.0);
     EXPECT_EQ(feedback.labels.value(0), QStringLiteral("Calculating filter response..."));
-    // The point drawn at 100 Hz is the response at 50 Hz: the half-power point.
-    EXPECT_NEAR(curve.magnitudesDb[100], 20.0 * std::log10(1.0 / std::sqrt(2.0)), 1e-9);
+    // Every point is the closed-form response at the frequency it is drawn at (floored).
+    const double floor = static_cast<double>(1e-5f);
+    for (std::size_t i = 1; i < 500; ++i)
+        ASSERT_NEAR(curve.magnitudesDb[i],
+                    20.0 * std::log10(std::max(closedFormLowPass(curve.frequencies[i], 50.0, fs), floor)),
+                    1e-4)
+            << curve.frequencies[i];
     EXPECT_NEAR(curve.magnitudesDb[0], 0.0, 1e-9);
 
     // A high-pass has a zero at DC, which the floor turns into 20 log10(1e-5f).
@@ -252,6 +257,28 @@ TEST(FilterResponse, DrawsTheResponseAtHalfTheNormalisedFrequencyWithAFloor)
     EXPECT_DOUBLE_EQ(highCurve.magnitudesDb[0], 20.0 * std::log10(static_cast<double>(1e-5f)));
     for (const double db : highCurve.magnitudesDb)
         EXPECT_TRUE(std::isfinite(db));
+}
+
+TEST(FilterResponse, TheMinus3DbPointReadOffTheCurveIsTheCutoff)
+{
+    // A 2 Hz low-pass on a 100 Hz signal, as a user would set it up.
+    const double fs = 100.0;
+    const Butterworth low = designed(FilterKind::LowPass, fs, 2.0);
+    const FilterResponse::Result curve = FilterResponse::compute(low, fs, 2000, nullptr);
+    ASSERT_TRUE(curve.outcome.ok());
+    // Where the plotted curve first falls below -3.0103 dB (half power), interpolated.
+    const double halfPower = 20.0 * std::log10(1.0 / std::sqrt(2.0));
+    double knee = -1.0;
+    for (std::size_t i = 1; i < curve.magnitudesDb.size(); ++i) {
+        if (curve.magnitudesDb[i] < halfPower) {
+            const double a = curve.magnitudesDb[i - 1];
+            const double b = curve.magnitudesDb[i];
+            knee = curve.frequencies[i - 1] +
+                   (halfPower - a) / (b - a) * (curve.frequencies[i] - curve.frequencies[i - 1]);
+            break;
+        }
+    }
+    EXPECT_NEAR(knee, 2.0, 0.01);
 }
 
 } // namespace

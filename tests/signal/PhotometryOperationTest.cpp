@@ -148,11 +148,14 @@ TEST_F(PhotometryOperationTest, UnitFollowsTheStagesAndKernelWarningsBecomeMessa
     const Signal dff = test::readSignal(file, result.datapaths.first());
     EXPECT_EQ(dff.unit, QStringLiteral("V"));
     EXPECT_EQ(dff.values.size(), 200u);
-    EXPECT_EQ(titles, QStringList{QStringLiteral("Warning Operation")});
-    ASSERT_EQ(messages.size(), 1);
+    // The two signals are one line, detrended: every sample is an inlier, which is said too.
+    EXPECT_EQ(titles, QStringList(2, QStringLiteral("Warning Operation")));
+    ASSERT_EQ(messages.size(), 2);
     EXPECT_TRUE(
         messages.first().contains(QStringLiteral("Cutoff Frequency of the Smooth Signals operation")));
-    EXPECT_EQ(icons.front(), 2);
+    EXPECT_TRUE(
+        messages.last().contains(QStringLiteral("every sample is an inlier of the line fit (100 %)")));
+    EXPECT_EQ(icons, (std::vector<int>{2, 2}));
     const QVariantMap attributes = test::attributesOf(file, result.datapaths.first());
     EXPECT_EQ(attributes.value(QStringLiteral("SlopeOrder")).typeId(), QMetaType::Int);
     EXPECT_EQ(attributes.value(QStringLiteral("DecimationFactor")).typeId(), QMetaType::Int);

@@ -116,6 +116,7 @@ TEST(PhotometryDeltaF, GivesARatioOnRawSignalsAndADifferenceOtherwise)
     for (std::size_t i = 0; i < raw.deltaF.size(); ++i)
         ASSERT_NEAR(raw.deltaF[i], i >= 500 && i < 700 ? 0.05 : 0.0, 1e-9) << i;
     EXPECT_EQ(raw.fit.inlierCount, 1800u);
+    EXPECT_TRUE(feedback.warnings.isEmpty());
     EXPECT_TRUE(feedback.labels.contains(QStringLiteral("Fitting signals...")));
     EXPECT_TRUE(feedback.labels.contains(QStringLiteral("Calculating fitted isosbestic signal...")));
 
@@ -147,6 +148,37 @@ TEST(PhotometryDeltaF, GivesARatioOnRawSignalsAndADifferenceOtherwise)
     EXPECT_EQ(z.fit.inliers.size(), yz.size());
 }
 
+TEST(PhotometryDeltaF, WarnsWhenNoSampleOrEverySampleIsAnInlier)
+{
+    const Signal isosbestic = isosbesticSignal();
+    const Signal biosensor = biosensorOf(isosbestic, 500, 700);
+    PhotometryDeltaF::Config config;
+    // No residual is below 0; every residual is below 1e9.
+    config.residualThreshold = 0.0;
+    test::RecordingFeedback none;
+    ASSERT_TRUE(PhotometryDeltaF::compute(config, isosbestic, biosensor, &none).outcome.ok());
+    EXPECT_EQ(none.warnings,
+              QStringList{QStringLiteral(
+                  "Warning: no sample is an inlier of the line fit (0 %): the residual threshold "
+                  "<b>0</b> is too small for the scale of these signals.")});
+    config.residualThreshold = 1e9;
+    test::RecordingFeedback all;
+    const PhotometryDeltaF::Result every = PhotometryDeltaF::compute(config, isosbestic, biosensor, &all);
+    ASSERT_TRUE(every.outcome.ok());
+    EXPECT_EQ(every.fit.inlierCount, biosensor.values.size());
+    ASSERT_EQ(all.warnings.size(), 1);
+    EXPECT_TRUE(all.warnings.first().startsWith(QStringLiteral(
+        "Warning: every sample is an inlier of the line fit (100 %): the residual threshold <b>1e+09</b>")));
+}
+
+TEST(RansacLineFit, ProposesHalfTheProductOfTheStandardDeviations)
+{
+    // sd(1, 2, 3, 4) = sqrt(5/3), sd(2, 4, 6, 8) = 2 sqrt(5/3): half their product is 5/3.
+    const std::vector<double> x{1.0, 2.0, 3.0, 4.0};
+    const std::vector<double> y{2.0, 4.0, 6.0, 8.0};
+    EXPECT_NEAR(RansacLineFit::proposedThreshold(x, y), 5.0 / 3.0, 1e-12);
+}
+
 TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
 {
     const Signal isosbestic = isosbesticSignal();
@@ -171,8 +203,10 @@ TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
     ASSERT_EQ(result.time.size(), 180u);
     EXPECT_NEAR(result.time.front(), 1.0, 1e-12);
     EXPECT_NEAR(result.time.back(), 18.9, 1e-12);
-    // 6 Hz is above half the decimated rate, so smoothing is skipped with a warning.
-    ASSERT_EQ(feedback.warnings.size(), 1);
+    // 6 Hz is above half the decimated rate, so smoothing is skipped with a warning; the
+    // biosensor signal is exactly twice the isosbestic one, so every sample is an inlier.
+    ASSERT_EQ(feedback.warnings.size(), 2);
+    EXPECT_TRUE(feedback.warnings[1].contains(QStringLiteral("every sample is an inlier")));
     EXPECT_EQ(
         feedback.warnings[0],
         QStringLiteral("*The Cutoff Frequency of the Smooth Signals operation must be less than half of the "
@@ -194,7 +228,8 @@ TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
     const PhotometryDeltaF::Result detrended =
         PhotometryDeltaF::compute(config, isosbestic, biosensor, &feedback);
     ASSERT_TRUE(detrended.outcome.ok()) << detrended.outcome.error.toStdString();
-    EXPECT_TRUE(feedback.warnings.isEmpty());
+    // Smoothing runs now; only the exact line's every-sample-an-inlier is said.
+    EXPECT_EQ(feedback.warnings.filter(QStringLiteral("Cutoff Frequency")), QStringList());
     EXPECT_TRUE(feedback.labels.contains(QStringLiteral("Smoothing signals...")));
     EXPECT_TRUE(feedback.labels.contains(QStringLiteral("Removing slope...")));
     ASSERT_EQ(detrended.biosensorSlope.size(), 180u);

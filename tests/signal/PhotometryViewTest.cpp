@@ -3,15 +3,21 @@
 
 #include "definitions/FileDefinitions.h"
 #include "framework/BackgroundJob.h"
+#include "framework/OperationDialog.h"
 #include "framework/OperationRunner.h"
+#include "framework/OperationSettings.h"
+#include "signal/SignalPipeline.h"
 #include "signal/operations/photometry/PhotometryDeltaFView.h"
 #include "signal/operations/photometry/PhotometryPreviewPlots.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QLabel>
+#include <QLayout>
 #include <QSignalSpy>
 #include <QSpinBox>
+#include <QToolButton>
 
 #include <qcustomplot.h>
 
@@ -177,13 +183,96 @@ TEST_F(PhotometryViewTest, PreviewDrawsSignalsSlopesAndTheFit)
     EXPECT_EQ(fit->graph(0)->dataCount() + fit->graph(1)->dataCount(), 20000);
     EXPECT_EQ(fit->graph(2)->dataCount(), 2);
     EXPECT_EQ(fit->yAxis->label(), QStringLiteral("Biosensor (z-score)"));
+
+    // The inlier fraction is said, and the threshold proposed from standardised signals is 0.5.
+    const QString inliers = child<QLabel>(view, "lb_inliers")->text();
+    EXPECT_TRUE(inliers.startsWith(QStringLiteral("Inliers: "))) << inliers.toStdString();
+    EXPECT_TRUE(inliers.contains(QStringLiteral("% of 200000 samples. Proposed threshold: 0.5")))
+        << inliers.toStdString();
+    auto* propose = child<QToolButton>(view, "tb_proposeThreshold");
+    ASSERT_TRUE(propose->isEnabled());
+    child<QDoubleSpinBox>(view, "dsb_residualThreshold")->setValue(3.0);
+    propose->click();
+    EXPECT_NEAR(child<QDoubleSpinBox>(view, "dsb_residualThreshold")->value(), 0.5, 1e-6);
+}
+
+TEST_F(PhotometryViewTest, DialogOpensWideWithReadablePlotsAndTheStagesOfTheLastRun)
+{
+    // The last run smoothed with a running average of 0.25 s and a threshold of 0.0003, on raw signals.
+    OperationSettings::remember(QStringLiteral("Photometry deltaF/F"),
+                                {{QStringLiteral("IsosbesticName"), QStringLiteral("Isosbestic")},
+                                 {QStringLiteral("BiosensorName"), QStringLiteral("Biosensor")},
+                                 {QStringLiteral("SmoothMethod"), QStringLiteral("Running Average")},
+                                 {QStringLiteral("SmoothTimeFrame(sec)"), 0.25},
+                                 {QStringLiteral("ResidualThreshold"), 0.0003}});
+    auto* view = new PhotometryDeltaFView;
+    prepare(*view, {truth.isosbesticPath, truth.biosensorPath});
+    EXPECT_TRUE(child<QCheckBox>(*view, "cb_smooth")->isChecked());
+    EXPECT_EQ(child<QComboBox>(*view, "cb_smoothMethod")->currentText(), QStringLiteral("Running Average"));
+    EXPECT_DOUBLE_EQ(child<QDoubleSpinBox>(*view, "dsb_smoothTimeFrame")->value(), 0.25);
+    EXPECT_FALSE(child<QCheckBox>(*view, "cb_standardize")->isChecked());
+    EXPECT_FALSE(child<QCheckBox>(*view, "cb_decimation")->isChecked());
+    EXPECT_DOUBLE_EQ(child<QDoubleSpinBox>(*view, "dsb_residualThreshold")->value(), 0.0003);
+
+    auto* dialog = new OperationDialog(view);
+    dialog->show();
+    QCoreApplication::sendPostedEvents();
+    dialog->layout()->activate();
+    EXPECT_GE(dialog->width(), 1300);
+    EXPECT_GE(dialog->height(), 880);
+    for (const QCustomPlot* plot : {view->previewPlots()->isosbesticPlot(),
+                                    view->previewPlots()->biosensorPlot(), view->previewPlots()->fitPlot()})
+        EXPECT_GE(plot->height(), 160);
+
+    // A picture of the dialog with its preview, for people to look at.
+    QSignalSpy drawn(view, &PhotometryDeltaFView::previewFinished);
+    ASSERT_TRUE(view->requestPreview());
+    ASSERT_TRUE(drawn.wait(60000));
+    QCoreApplication::processEvents(); // the plots redraw on the event loop
+    EXPECT_TRUE(dialog->grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/photometry-dialog.png")));
+    delete dialog;
+}
+
+TEST_F(PhotometryViewTest, OneTickedSignalOffersItsPartnerAndASingleSensorIsRefusedBeforeTheDialogOpens)
+{
+    SignalPipeline pipeline;
+    QStringList said;
+    pipeline.setMessagePresenter(
+        [&](const QString& title, const QString& message) { said << title << message; });
+    pipeline.setData(file, {truth.isosbesticPath});
+    OperationDialog* dialog = pipeline.openOperation(QStringLiteral("Photometry deltaF/F"));
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(child<QComboBox>(*dialog->view(), "cb_isosbesticName")->currentText(),
+              QStringLiteral("Isosbestic"));
+    EXPECT_EQ(child<QComboBox>(*dialog->view(), "cb_biosensorName")->currentText(),
+              QStringLiteral("Biosensor"));
+    EXPECT_TRUE(said.isEmpty());
+    delete dialog;
+
+    // A recording of one sensor has nothing to pair: said at once, and no dialog opens.
+    const QString single = dir.file(QStringLiteral("single.orvel"));
+    Signal signal;
+    for (int i = 0; i < 100; ++i) {
+        signal.time.push_back(i * 0.01);
+        signal.values.push_back(1.0);
+    }
+    const QString path =
+        test::writeSignal(single, QStringLiteral("DataAcquisition/Rig/Signals/Series1/Green"), signal);
+    pipeline.setData(single, {path});
+    EXPECT_EQ(pipeline.openOperation(QStringLiteral("Photometry deltaF/F")), nullptr);
+    ASSERT_EQ(said.size(), 2);
+    EXPECT_EQ(said[0], QStringLiteral("Error Operation"));
+    EXPECT_TRUE(
+        said[1].startsWith(QStringLiteral("The operation is designed for fiber photometry recordings")));
 }
 
 TEST_F(PhotometryViewTest, PreviewAndRunNameWhatIsMissing)
 {
-    // A single sensor cannot make a photometry pair.
+    // One sensor named twice cannot make a photometry pair.
     PhotometryDeltaFView single;
     prepare(single, {truth.biosensorPath});
+    child<QComboBox>(single, "cb_isosbesticName")->setCurrentText(QStringLiteral("Biosensor"));
+    child<QComboBox>(single, "cb_biosensorName")->setCurrentText(QStringLiteral("Biosensor"));
     EXPECT_FALSE(single.requestPreview());
     EXPECT_FALSE(single.run());
     EXPECT_EQ(titles, (QStringList{QStringLiteral("Error Not Fiber Photometry"),

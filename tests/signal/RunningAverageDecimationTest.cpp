@@ -103,5 +103,24 @@ TEST(Decimation, KeepsEveryMthSampleOfValuesAndTime)
     }
 }
 
+TEST(Decimation, RefusesAFactorThatLeavesFewerThanTwoSamples)
+{
+    const std::vector<double> values(10, 1.0);
+    const std::vector<double> time = timeAt(10.0, values.size());
+    // 10 samples by 9 keep indices 0 and 9; by 10 or more only index 0 would stay.
+    const Decimation::Result byNine = Decimation::apply(values, time, 9, nullptr);
+    ASSERT_TRUE(byNine.outcome.ok());
+    EXPECT_EQ(byNine.time, (std::vector<double>{time[0], time[9]}));
+    for (const int tooLarge : {10, 11, 1000}) {
+        const Decimation::Result refused = Decimation::apply(values, time, tooLarge, nullptr);
+        EXPECT_TRUE(refused.outcome.isFailed()) << tooLarge;
+        EXPECT_EQ(refused.outcome.error, QStringLiteral("Bad value for decimation factor.")) << tooLarge;
+        EXPECT_TRUE(refused.values.empty());
+    }
+    // A factor of 1 leaves even a one-sample signal as it is.
+    const std::vector<double> one{4.0};
+    EXPECT_TRUE(Decimation::apply(one, one, 1, nullptr).outcome.ok());
+}
+
 } // namespace
 } // namespace zarvi

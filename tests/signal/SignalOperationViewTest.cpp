@@ -2,14 +2,19 @@
 #include "common/TempDir.h"
 
 #include "framework/BackgroundJob.h"
+#include "framework/OperationDialog.h"
 #include "framework/OperationViewRegistry.h"
+#include "signal/operations/decimation/DecimationView.h"
 #include "signal/operations/filter/FilterView.h"
 #include "signal/operations/smooth/SmoothView.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
+#include <QLayout>
 #include <QSignalSpy>
+#include <QSpinBox>
 
 #include <qcustomplot.h>
 
@@ -123,6 +128,84 @@ TEST_F(SignalViewTest, FilterViewShowsWhyCutoffsAreRefusedAndRunsOnceTheyAreCons
     ASSERT_TRUE(finished.wait(20000));
     EXPECT_FALSE(started.last().first().toMap().contains(QStringLiteral("HighCutoffFrequency")));
     EXPECT_TRUE(messages.isEmpty());
+}
+
+TEST_F(SignalViewTest, FilterPreviewDrawsTheHalfPowerPointOnTheCutoff)
+{
+    FilterView view;
+    prepare(view);
+    view.typeBox()->setCurrentText(QStringLiteral("LowPass"));
+    view.lowBox()->setValue(2.0);
+    const QCPGraph* response = view.plot()->graph(1);
+    ASSERT_GT(response->dataCount(), 100);
+    // The first plotted frequency where the curve falls below half power (-3.0103 dB),
+    // interpolated between the two points around it.
+    const double halfPower = 20.0 * std::log10(1.0 / std::sqrt(2.0));
+    double knee = -1.0;
+    for (auto it = response->data()->constBegin() + 1; it != response->data()->constEnd(); ++it) {
+        const auto before = it - 1;
+        if (it->value < halfPower) {
+            knee = before->key +
+                   (halfPower - before->value) / (it->value - before->value) * (it->key - before->key);
+            break;
+        }
+    }
+    EXPECT_NEAR(knee, 2.0, 0.01);
+    // The curve ends at half the sample rate.
+    EXPECT_DOUBLE_EQ((response->data()->constEnd() - 1)->key, 50.0);
+}
+
+TEST_F(SignalViewTest, DecimationViewRefusesAFactorLargerThanTheSignalBesideTheField)
+{
+    DecimationView view;
+    prepare(view);
+    QSignalSpy started(&view, &AbstractOperationView::sendStartProcess);
+    // 4000 samples: a factor of 3999 keeps samples 0 and 3999, 4000 only sample 0.
+    view.factorBox()->setValue(5000);
+    EXPECT_EQ(shownText(view, "lb_decimationFactorValidation"),
+              QStringLiteral("Bad value for decimation factor."));
+    EXPECT_FALSE(view.run());
+    view.factorBox()->setValue(4000);
+    EXPECT_FALSE(view.run());
+    view.factorBox()->setValue(3999);
+    EXPECT_EQ(shownText(view, "lb_decimationFactorValidation"), QString());
+    QSignalSpy finished(&view, &AbstractOperationView::sendProcessFinished);
+    ASSERT_TRUE(view.run());
+    ASSERT_TRUE(finished.wait(20000));
+    EXPECT_EQ(started.count(), 1);
+    EXPECT_TRUE(messages.isEmpty());
+}
+
+TEST_F(SignalViewTest, FilterDialogOpensReadableWrapsItsNotesAtItsWidthAndGrowsItsPlot)
+{
+    auto* view = new FilterView;
+    prepare(*view);
+    auto* dialog = new OperationDialog(view);
+    dialog->show();
+    const auto settle = [dialog] {
+        QCoreApplication::sendPostedEvents();
+        dialog->layout()->activate();
+    };
+    settle();
+    // On a 1600 x 1000 screen the dialog opens at its readable size.
+    EXPECT_GE(dialog->width(), 900);
+    EXPECT_GE(dialog->height(), 640);
+
+    view->typeBox()->setCurrentText(QStringLiteral("BandPass"));
+    view->lowBox()->setValue(60.0);
+    settle();
+    const auto* note = dialog->findChild<QLabel*>(QStringLiteral("lb_lowCutoffValidation"));
+    ASSERT_TRUE(note->isVisible());
+    // The whole text on one line: not a word per line, and not cut.
+    EXPECT_GE(note->width(), note->fontMetrics().horizontalAdvance(note->text()));
+    EXPECT_LT(note->height(), 2 * note->fontMetrics().lineSpacing());
+    EXPECT_TRUE(dialog->grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/filter-dialog.png")));
+
+    const int plotHeight = view->plot()->height();
+    dialog->resize(dialog->width(), dialog->height() + 200);
+    settle();
+    EXPECT_GE(view->plot()->height(), plotHeight + 150);
+    delete dialog;
 }
 
 TEST_F(SignalViewTest, SmoothViewRefusesAWindowShorterThanOneSample)

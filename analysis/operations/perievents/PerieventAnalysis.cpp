@@ -1,7 +1,7 @@
 #include "analysis/operations/perievents/PerieventAnalysis.h"
 
-#include "definitions/AnalysisOperationDefinitions.h"
 #include "datafile/Feedback.h"
+#include "definitions/AnalysisOperationDefinitions.h"
 #include "numeric/Statistics.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
@@ -231,9 +231,10 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
 
     const double duration = time.empty() ? 0.0 : time.back() - time.front();
     for (const auto& [side, offset] : sides) {
-        if (duration < side->windowEnd - side->windowStart)
-            return D::signalTooShortMessage().arg(shortest(duration), shortest(side->windowStart),
-                                                  shortest(side->windowEnd));
+        const QString tooLong =
+            PerieventAnalysis::windowTooLongMessage(duration, side->windowStart, side->windowEnd);
+        if (!tooLong.isEmpty())
+            return tooLong;
     }
 
     const Signal signal{time, values, PerieventCutter::sampleRate(time)};
@@ -286,6 +287,13 @@ void PerieventAnalysis::run(std::span<const double> time, std::span<const double
     }
     if (!result.succeeded())
         result.sides.clear();
+}
+
+QString PerieventAnalysis::windowTooLongMessage(double duration, double windowStart, double windowEnd)
+{
+    if (duration >= windowEnd - windowStart)
+        return {};
+    return D::signalTooShortMessage().arg(shortest(duration), shortest(windowStart), shortest(windowEnd));
 }
 
 } // namespace zarvi

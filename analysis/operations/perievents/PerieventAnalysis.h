@@ -134,6 +134,11 @@ public:
     static void run(std::span<const double> time, std::span<const double> values, const EventArray& events,
                     const PerieventAnalysisConfig& config, Feedback* feedback,
                     PerieventAnalysisResult& result);
+
+    /// Why a signal whose times span `duration` seconds (last minus first) cannot hold
+    /// the window [windowStart, windowEnd]; empty when it can. The run refuses with it,
+    /// and the view and its preview say the same words with the same duration.
+    static QString windowTooLongMessage(double duration, double windowStart, double windowEnd);
 };
 
 } // namespace zarvi

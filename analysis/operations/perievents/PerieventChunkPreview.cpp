@@ -66,6 +66,23 @@ PerieventChunkPreview::Result PerieventChunkPreview::compute(HDF5Manager_V6& fil
         span.cover(single.onsets()[0], config.onset.windowStart, config.onset.windowEnd);
     if (offset)
         span.cover(single.offsets()[0], config.offset.windowStart, config.offset.windowEnd);
+    // The whole signal must hold the window, as the run checks; the excerpt read below
+    // is shorter and says nothing of that.
+    const std::optional<SignalExcerpt::Extent> whole = SignalExcerpt::extent(file, valuesPath);
+    if (!whole) {
+        result.message = file.lastError();
+        return result;
+    }
+    const double duration = whole->lastTime - whole->firstTime;
+    for (const auto& [taken, side] : {std::pair{onset, &config.onset}, std::pair{offset, &config.offset}}) {
+        const QString tooLong =
+            taken ? PerieventAnalysis::windowTooLongMessage(duration, side->windowStart, side->windowEnd)
+                  : QString();
+        if (!tooLong.isEmpty()) {
+            result.message = tooLong;
+            return result;
+        }
+    }
     PerieventNormalization& normalization = config.normalization;
     if (normalization.enabled && normalization.events && event < normalization.events->size()) {
         normalization.events = normalization.events->subset(picked);
@@ -79,6 +96,12 @@ PerieventChunkPreview::Result PerieventChunkPreview::compute(HDF5Manager_V6& fil
     Signal excerpt;
     if (!SignalExcerpt::read(file, valuesPath, span.from - MarginSeconds, span.to + MarginSeconds, excerpt)) {
         result.message = file.lastError();
+        return result;
+    }
+    // Cut off by an end of the signal, the excerpt cannot hold the chunk: the run drops such an event.
+    const double excerptDuration = excerpt.time.empty() ? 0.0 : excerpt.time.back() - excerpt.time.front();
+    if (excerptDuration < span.to - span.from) {
+        result.message = D::previewLabel();
         return result;
     }
     const PerieventAnalysisResult analysis =

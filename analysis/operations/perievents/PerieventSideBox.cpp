@@ -10,6 +10,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QSet>
+#include <QStyle>
 #include <QTableWidget>
 #include <QToolButton>
 
@@ -73,6 +74,13 @@ PerieventSideBox::PerieventSideBox(const QString& prefix, const QString& title, 
     m_table->setToolTip(D::statisticTimeFramesTooltip());
     m_table->setHorizontalHeaderLabels({D::nameColumnLabel(), D::startColumnLabel(), D::endColumnLabel()});
     m_table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    // Wide enough for every column title in full, with the header's margins around it.
+    int width = m_table->verticalHeader()->sizeHint().width() + 2 * m_table->frameWidth();
+    for (int column = 0; column < m_table->columnCount(); ++column)
+        width += m_table->horizontalHeader()->fontMetrics().horizontalAdvance(
+                     m_table->horizontalHeaderItem(column)->text()) +
+                 2 * m_table->horizontalHeader()->style()->pixelMetric(QStyle::PM_HeaderMargin) + 8;
+    m_table->setMinimumWidth(width);
     m_table->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_table->verticalHeader()->setDefaultSectionSize(24);
     m_add = new QToolButton(this);

@@ -1,5 +1,6 @@
 #include "analysis/operations/perievents/PerieventsView.h"
 
+#include "analysis/operations/perievents/PerieventAnalysis.h"
 #include "analysis/operations/perievents/PerieventChunkPreview.h"
 #include "analysis/operations/perievents/PerieventOptionsPanel.h"
 #include "analysis/operations/perievents/PerieventPreview.h"
@@ -152,6 +153,12 @@ void PerieventsView::showEvent(QShowEvent* event)
     loadFileData();
 }
 
+void PerieventsView::datasetsChanged()
+{
+    if (m_loaded)
+        loadFileData();
+}
+
 bool PerieventsView::loadFileData()
 {
     std::vector<DataFileNode> nodes;
@@ -231,10 +238,17 @@ void PerieventsView::updateRange()
         return;
     }
     // An event's whole chunk fits when it lies at least -start after the first sample
-    // and end before the last; with both sides, both must fit.
+    // and end before the last; with both sides, both must fit. A window longer than the
+    // signal leaves no event, and is said as the run will say it.
     double from = m_firstTime, to = m_lastTime;
     for (const PerieventSideBox* box : {m_onset, m_offset}) {
         if (box == m_onset ? takesOnset() : takesOffset()) {
+            const QString tooLong = PerieventAnalysis::windowTooLongMessage(
+                m_lastTime - m_firstTime, box->windowStart(), box->windowEnd());
+            if (!tooLong.isEmpty()) {
+                m_range->setText(tooLong);
+                return;
+            }
             from = std::max(from, m_firstTime - box->windowStart());
             to = std::min(to, m_lastTime - box->windowEnd());
         }

@@ -51,6 +51,8 @@ public:
 protected:
     bool buildParameters(QVariantMap& parameters) override;
     void showEvent(QShowEvent* event) override;
+    /// Once shown, a new choice of signal is read at once (the range and the preview follow it).
+    void datasetsChanged() override;
 
 private:
     QWidget* buildEventRows();

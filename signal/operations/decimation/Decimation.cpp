@@ -25,7 +25,7 @@ bool keepEvery(std::span<const double> source, std::size_t factor, std::vector<d
 Decimation::Result Decimation::apply(std::span<const double> values, std::span<const double> time, int factor,
                                      Feedback* feedback)
 {
-    if (factor < 1)
+    if (factor < 1 || isFactorTooLarge(values.size(), factor))
         return {{}, {}, KernelOutcome::failed(SignalOperationDefinitions::badDecimationFactorMessage())};
     if (feedback)
         feedback->setLabel(SignalOperationDefinitions::decimatingSignalLabel());

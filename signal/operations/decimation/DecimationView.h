@@ -2,11 +2,13 @@
 
 #include "signal/SignalOperationView.h"
 
+class QLabel;
 class QSpinBox;
 
 namespace zarvi {
 
-/// Parameters of "Decimation": the factor M. GUI thread.
+/// Parameters of "Decimation": the factor M, refused beside the field when it would
+/// leave the first selected signal fewer than two samples. GUI thread.
 class DecimationView : public SignalOperationView
 {
     Q_OBJECT
@@ -17,9 +19,14 @@ public:
 
 protected:
     bool buildParameters(QVariantMap& parameters) override;
+    void datasetsChanged() override;
 
 private:
+    /// Updates the text beside the field; true when the factor fits the signal.
+    bool validate();
+
     QSpinBox* m_factor;
+    QLabel* m_factorValidation;
 };
 
 } // namespace zarvi

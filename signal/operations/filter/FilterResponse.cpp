@@ -23,8 +23,11 @@ FilterResponse::Result FilterResponse::compute(const Butterworth& filter, double
     for (std::size_t i = 0; i < pointCount; ++i) {
         if (progress.isCanceled())
             return {{}, {}, KernelOutcome::cancelled()};
+        // The response is read at (e / rate) * 0.5, so the point evaluated at e = 2f is
+        // the response at f, where it is drawn.
         const double f = step * static_cast<double>(i);
-        const double magnitude = std::abs(filter.response((f / sampleRate) * 0.5));
+        const double evaluated = 2.0 * f;
+        const double magnitude = std::abs(filter.response((evaluated / sampleRate) * 0.5));
         result.frequencies[i] = f;
         result.magnitudesDb[i] = 20.0 * std::log10(std::max(magnitude, floor));
         progress.update(i + 1);

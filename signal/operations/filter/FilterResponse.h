@@ -21,10 +21,11 @@ public:
         KernelOutcome outcome;
     };
 
-    /// Evaluates the filter at `pointCount` evenly spaced frequencies f from 0 to
-    /// sampleRate / 2. Each point reads the filter's response at the normalised
-    /// frequency (f / sampleRate) * 0.5, as the preview has always drawn it; magnitudes
-    /// below the single-precision 1e-5 are raised to it, so no point is minus infinity.
+    /// The magnitude at `pointCount` evenly spaced frequencies f from 0 to sampleRate / 2,
+    /// each drawn at f, so that the -3 dB point sits on the cut-off. The filter is read
+    /// at the normalised frequency (e / sampleRate) * 0.5 with the evaluated point
+    /// e = 2f running from 0 to sampleRate; magnitudes below the single-precision 1e-5
+    /// are raised to it, so no point is minus infinity.
     /// Reports "Calculating filter response...".
     static Result compute(const Butterworth& filter, double sampleRate, std::size_t pointCount,
                           Feedback* feedback);

@@ -49,6 +49,8 @@ FilterView::FilterView(QWidget* parent)
     m_plot = new QCustomPlot(this);
     m_plot->setObjectName(QStringLiteral("plot_filterResponse"));
     m_plot->setMinimumHeight(220);
+    m_plot->setSizePolicy(QSizePolicy::Expanding,
+                          QSizePolicy::Expanding); // takes what an enlarged dialog gains
     m_plot->xAxis->setLabel(SD::frequencyAxisLabel());
     m_plot->yAxis->setLabel(SD::amplitudeAxisLabel());
     m_plot->legend->setVisible(true);

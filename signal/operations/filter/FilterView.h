@@ -30,6 +30,8 @@ public:
     QDoubleSpinBox* lowBox() const { return m_low; }
     QDoubleSpinBox* highBox() const { return m_high; }
     QCustomPlot* plot() const { return m_plot; }
+    /// Wide and tall enough for the response plot to be read.
+    QSize openingSize() const override { return {900, 640}; }
     /// Computes the spectrum preview; its finished() says when the plot has it.
     BackgroundJob* spectrumJob() const { return m_spectrumJob.get(); }
 

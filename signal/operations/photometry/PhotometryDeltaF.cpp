@@ -210,6 +210,12 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
     result.fit = RansacLineFit::fit(isosbestic.values, biosensor.values, config.residualThreshold, feedback);
     if (!result.fit.outcome.ok())
         return failure(result.fit.outcome);
+    // With no inlier, or every sample one, the threshold does not suit the signals' scale.
+    const QString threshold = QString::number(config.residualThreshold, 'g', 6);
+    if (feedback && result.fit.inlierCount == 0)
+        feedback->warn(Defs::noInlierWarning().arg(threshold));
+    else if (feedback && result.fit.inlierCount == biosensor.values.size())
+        feedback->warn(Defs::allInliersWarning().arg(threshold));
 
     setLabel(feedback, Defs::calculatingFittedIsosbesticLabel());
     const std::size_t n = biosensor.values.size();

@@ -3,6 +3,7 @@
 #include "definitions/SignalOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/BackgroundJob.h"
+#include "framework/ParameterField.h"
 #include "signal/SignalFileReader.h"
 #include "signal/operations/photometry/PhotometryPairs.h"
 #include "signal/operations/photometry/PhotometryPreviewPlots.h"
@@ -88,6 +89,7 @@ PhotometryDeltaFView::PhotometryDeltaFView(QWidget* parent)
 {
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(buildStages());
+    restoreLastRun();
     m_plots = new PhotometryPreviewPlots(this);
     layout->addWidget(m_plots, 1);
 
@@ -101,7 +103,7 @@ PhotometryDeltaFView::PhotometryDeltaFView(QWidget* parent)
                 showMessage(ZarviMainDefinitions::errorOperationTitle(), output->result.outcome.error,
                             QString(), QMessageBox::Critical);
             else if (output->result.outcome.ok())
-                m_plots->show(output->result, output->standardized);
+                showFit(output->result, output->standardized);
         }
         emit previewFinished();
     });
@@ -172,8 +174,24 @@ QWidget* PhotometryDeltaFView::buildStages()
         comboBox(panel, QStringLiteral("cb_standardizeMethod"), {SD::StandardZScore, SD::ModifiedZScore});
     form->addRow(m_standardizeCheck, m_standardizeMethod);
 
-    m_residualThreshold = doubleBox(panel, QStringLiteral("dsb_residualThreshold"), 0.0, 1e9, 0.5, 4);
-    form->addRow(SD::residualThresholdLabel(), m_residualThreshold);
+    // Raw signals in volts need thresholds far below 1, hence the many decimals.
+    m_residualThreshold = doubleBox(panel, QStringLiteral("dsb_residualThreshold"), 0.0, 1e9, 0.5, 8);
+    m_residualThreshold->setToolTip(SD::residualThresholdTooltip());
+    m_proposeThreshold = new QToolButton(panel);
+    m_proposeThreshold->setObjectName(QStringLiteral("tb_proposeThreshold"));
+    m_proposeThreshold->setText(SD::proposeThresholdText());
+    m_proposeThreshold->setToolTip(SD::proposeThresholdTooltip());
+    m_proposeThreshold->setEnabled(false);
+    connect(m_proposeThreshold, &QToolButton::clicked, this,
+            [this] { m_residualThreshold->setValue(m_proposedThreshold); });
+    auto* thresholdRow = new QHBoxLayout;
+    thresholdRow->addWidget(m_residualThreshold, 1);
+    thresholdRow->addWidget(m_proposeThreshold);
+    form->addRow(SD::residualThresholdLabel(), thresholdRow);
+    m_inliers = new QLabel(panel);
+    m_inliers->setObjectName(QStringLiteral("lb_inliers"));
+    m_inliers->setWordWrap(true);
+    form->addRow(m_inliers);
 
     m_previewSignal = comboBox(panel, QStringLiteral("cb_previewSignal"));
     m_previewSignal->setToolTip(SD::previewSignalTooltip());
@@ -222,12 +240,8 @@ QWidget* PhotometryDeltaFView::buildStages()
 void PhotometryDeltaFView::datasetsChanged()
 {
     SignalOperationView::datasetsChanged();
-    QStringList sensors;
-    for (const QString& path : datapaths()) {
-        const QString sensor = PhotometryPairs::sensorOf(path);
-        if (!sensor.isEmpty() && !sensors.contains(sensor))
-            sensors << sensor;
-    }
+    // A partner need not be selected: the sensors beside the selected ones are offered too.
+    const QStringList sensors = SignalFileReader::recordingSensors(filepath(), datapaths());
     const QString isosbestic = pick(sensors, [](const QString& name) {
         return name.contains(QStringLiteral("iso"), Qt::CaseInsensitive);
     });
@@ -281,6 +295,11 @@ void PhotometryDeltaFView::updateSmoothingNote()
                       tooHigh ? SD::smoothingCutoffTooHighMessage().arg(SD::SmoothSignals) : QString());
 }
 
+QString PhotometryDeltaFView::selectionProblem() const
+{
+    return m_isosbesticName->count() < 2 ? SD::notFiberPhotometryMessage() : QString();
+}
+
 bool PhotometryDeltaFView::namesAreUsable()
 {
     const QString isosbestic = m_isosbesticName->currentText();
@@ -290,6 +309,36 @@ bool PhotometryDeltaFView::namesAreUsable()
     showMessage(SD::notFiberPhotometryTitle(), SD::notFiberPhotometryMessage(), QString(),
                 QMessageBox::Critical);
     return false;
+}
+
+void PhotometryDeltaFView::restoreLastRun()
+{
+    const QVariantMap& last = rememberedParameters();
+    if (last.isEmpty())
+        return;
+    // A stage the last run left out stays off; its fields keep their defaults.
+    const std::pair<QCheckBox*, QString> stages[] = {
+        {m_discardStartCheck, SD::DiscardStart},   {m_discardEndCheck, SD::DiscardEnd},
+        {m_decimationCheck, SD::DecimationFactor}, {m_smoothCheck, SD::SmoothMethod},
+        {m_slopeCheck, SD::RemoveSlopeMethod},     {m_standardizeCheck, SD::StandardizeMethod}};
+    for (const auto& [check, key] : stages)
+        check->setChecked(last.contains(key));
+    const std::pair<QWidget*, QString> fields[] = {{m_discardStart, SD::DiscardStart},
+                                                   {m_discardEnd, SD::DiscardEnd},
+                                                   {m_decimationFactor, SD::DecimationFactor},
+                                                   {m_smoothMethod, SD::SmoothMethod},
+                                                   {m_smoothTimeFrame, SD::SmoothTimeFrame},
+                                                   {m_smoothFrequency, SD::SmoothFrequency},
+                                                   {m_slopeMethod, SD::RemoveSlopeMethod},
+                                                   {m_slopeLambda, SD::SlopeLambda},
+                                                   {m_slopeRatio, SD::SlopeRatio},
+                                                   {m_slopeTimeWindow, SD::SlopeTimeWindow},
+                                                   {m_slopeOrder, SD::SlopeOrder},
+                                                   {m_standardizeMethod, SD::StandardizeMethod},
+                                                   {m_residualThreshold, SD::ResidualThreshold}};
+    for (const auto& [field, key] : fields)
+        if (last.contains(key))
+            ParameterField::setValue(field, last.value(key));
 }
 
 QVariantMap PhotometryDeltaFView::stageParameters() const
@@ -335,6 +384,20 @@ bool PhotometryDeltaFView::buildParameters(QVariantMap& parameters)
         return false;
     parameters = stageParameters();
     return true;
+}
+
+void PhotometryDeltaFView::showFit(const PhotometryDeltaF::Result& result, bool standardized)
+{
+    m_plots->show(result, standardized);
+    const std::size_t n = result.biosensorForFit.size();
+    m_proposedThreshold = RansacLineFit::proposedThreshold(result.isosbesticForFit, result.biosensorForFit);
+    m_proposeThreshold->setEnabled(n > 1);
+    const double percent =
+        n > 0 ? 100.0 * static_cast<double>(result.fit.inlierCount) / static_cast<double>(n) : 0.0;
+    m_inliers->setText(SD::inlierFractionText()
+                           .arg(QString::number(percent, 'f', 1))
+                           .arg(n)
+                           .arg(QString::number(m_proposedThreshold, 'g', 4)));
 }
 
 bool PhotometryDeltaFView::requestPreview()

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "signal/SignalOperationView.h"
+#include "signal/operations/photometry/PhotometryDeltaF.h"
 
 class QCheckBox;
 class QComboBox;
 class QDoubleSpinBox;
 class QLabel;
 class QSpinBox;
+class QToolButton;
 
 namespace zarvi {
 
@@ -17,7 +19,8 @@ class BackgroundJob;
 /// selected signals' sensors), one check box per pre-processing stage (an unchecked
 /// stage sends no key), the fit's residual threshold, and a preview of the whole
 /// chain on the pair of the biosensor signal chosen for it, computed off the GUI
-/// thread. GUI thread.
+/// thread, which says the fit's inlier fraction and proposes a threshold on the
+/// signals' scale. GUI thread.
 class PhotometryDeltaFView : public SignalOperationView
 {
     Q_OBJECT
@@ -25,6 +28,10 @@ class PhotometryDeltaFView : public SignalOperationView
 public:
     explicit PhotometryDeltaFView(QWidget* parent = nullptr);
     ~PhotometryDeltaFView() override;
+    /// Room for the stages beside three readable preview plots.
+    QSize openingSize() const override { return {1300, 880}; }
+    /// A recording needs signals of two sensors, selected or beside the selected ones.
+    QString selectionProblem() const override;
 
     /// Computes and draws the preview of the chosen pair; false when it could not
     /// start (the reason is shown in a message).
@@ -51,6 +58,10 @@ private:
     /// The keys of the checked stages.
     QVariantMap stageParameters() const;
     bool namesAreUsable();
+    /// Sets the stages and fields as the operation last ran from a dialog, if it did.
+    void restoreLastRun();
+    /// Draws the preview's fit, says its inlier fraction and keeps the threshold proposed from it.
+    void showFit(const PhotometryDeltaF::Result& result, bool standardized);
 
     QComboBox* m_isosbesticName;
     QComboBox* m_biosensorName;
@@ -74,6 +85,9 @@ private:
     QCheckBox* m_standardizeCheck;
     QComboBox* m_standardizeMethod;
     QDoubleSpinBox* m_residualThreshold;
+    QToolButton* m_proposeThreshold;
+    QLabel* m_inliers;
+    double m_proposedThreshold = 0.0;
     QComboBox* m_previewSignal;
     PhotometryPreviewPlots* m_plots;
     std::unique_ptr<BackgroundJob> m_preview;

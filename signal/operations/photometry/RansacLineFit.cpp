@@ -149,4 +149,9 @@ RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<co
     return result;
 }
 
+double RansacLineFit::proposedThreshold(std::span<const double> x, std::span<const double> y)
+{
+    return 0.5 * Statistics::standardDeviation(x) * Statistics::standardDeviation(y);
+}
+
 } // namespace zarvi

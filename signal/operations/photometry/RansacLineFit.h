@@ -51,6 +51,12 @@ public:
     /// Reports "Calculating regression line...".
     static Result fit(std::span<const double> x, std::span<const double> y, double residualThreshold,
                       Feedback* feedback);
+
+    /// A starting threshold on the signals' own scale: sd(x) sd(y) / 2 (n - 1
+    /// denominators). A model's residual is its distance from the line times the distance
+    /// between its two samples, which scale with the signals' spreads; for standardised
+    /// signals this is 0.5, the declared default.
+    static double proposedThreshold(std::span<const double> x, std::span<const double> y);
 };
 
 } // namespace zarvi
