@@ -8,14 +8,13 @@
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
 #include "app/plugins/DatasetPipeline.h"
-#include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/DatasetDeletion.h"
 #include "framework/DatasetSelector.h"
-#include "framework/FileAccessLock.h"
 #include "framework/LockedFileRead.h"
 #include "framework/RunSummary.h"
 
@@ -40,11 +39,6 @@ using FD = FileDefinitions;
 constexpr const char* DisplayPathsProperty = "zarviDatapaths";
 // The first tabs of the view area are the pipeline, analysis and behaviour pages.
 constexpr int PageCount = 3;
-
-bool isSameOrUnder(const QString& path, const QString& ancestor)
-{
-    return path == ancestor || path.startsWith(ancestor + QLatin1Char('/'));
-}
 
 // "Biosensor" for ".../Series1/Biosensor/Signal", "FilteredSignals1/Biosensor" for a
 // processed one: what follows the series level, without the name of the dataset
@@ -422,40 +416,30 @@ bool DatasetPlugin::deletePaths(const QStringList& paths)
 {
     // A member of a group that goes anyway needs no removal of its own.
     QStringList targets;
-    for (const QString& path : paths) {
-        const bool covered = std::any_of(paths.begin(), paths.end(), [&](const QString& other) {
-            return other != path && isSameOrUnder(path, other);
-        });
-        if (!covered && m_tree->node(path))
+    for (const QString& path : DatasetDeletion::outermost(paths))
+        if (m_tree->node(path))
             targets << path;
-    }
     if (targets.isEmpty() || !m_confirm(DD::deleteQuestion().arg(targets.join(QStringLiteral("<br>")))))
         return false;
 
-    QStringList failures;
-    {
-        const auto lock = FileAccessLock::tryLock(filePath());
-        if (!lock.owns_lock()) {
-            emit sendStatusMessage(DD::fileBusyMessage());
-            return false;
-        }
-        HDF5Writer_V6 writer;
-        if (writer.open(filePath()) < 0) {
-            m_message(DD::deleteFailedMessage().arg(targets.join(QStringLiteral(", ")), writer.lastError()));
-            return false;
-        }
-        for (const QString& path : targets)
-            if (!writer.deleteLink(writer.fileId(), path))
-                failures << DD::deleteFailedMessage().arg(path, writer.lastError());
-        writer.closeFile();
+    const DatasetDeletion::Result removal = DatasetDeletion::remove(filePath(), targets);
+    if (removal.busy) {
+        emit sendStatusMessage(DD::fileBusyMessage());
+        return false;
     }
+    if (!removal.openError.isEmpty()) {
+        m_message(DD::deleteFailedMessage().arg(targets.join(QStringLiteral(", ")), removal.openError));
+        return false;
+    }
+    const QStringList& failures = removal.failures;
 
     // Displays of removed data would show what the file no longer holds.
     for (int i = tw_view->count() - 1; i >= PageCount; --i) {
         const QStringList shown = tw_view->widget(i)->property(DisplayPathsProperty).toStringList();
         const bool removed = std::any_of(shown.begin(), shown.end(), [&](const QString& p) {
-            return std::any_of(targets.begin(), targets.end(),
-                               [&](const QString& target) { return isSameOrUnder(p, target); });
+            return std::any_of(targets.begin(), targets.end(), [&](const QString& target) {
+                return DatasetDeletion::isSameOrUnder(p, target);
+            });
         });
         if (removed)
             onViewTabCloseRequested(i);
