@@ -95,6 +95,12 @@ int HDF5Manager_V6::deflateLevel(hid_t dataset) const
     return 0;
 }
 
+bool HDF5Manager_V6::isStoredPlain(hid_t dataset) const
+{
+    const HDF5Handle properties(H5Dget_create_plist(dataset), H5Pclose);
+    return H5Pget_nfilters(properties.get()) == 0;
+}
+
 hsize_t HDF5Manager_V6::storageSize(hid_t dataset) const
 {
     return isValidDataset(dataset) ? H5Dget_storage_size(dataset) : 0;
@@ -163,6 +169,26 @@ bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& co
         requested > static_cast<hsize_t>(std::numeric_limits<std::ptrdiff_t>::max())) {
         setError(QStringLiteral("Dataset %1 is too large to read (%2 bytes)").arg(name()).arg(bytes));
         return false;
+    }
+    // A whole read allocates what the file declares; a damaged or crafted file may
+    // declare far more than it stores. Without compression the stored bytes must cover
+    // the extent. (Partial reads allocate only their block, and are not checked: the
+    // stored size of a chunked dataset costs a walk over its chunk index.)
+    hsize_t extent = 1;
+    for (const hsize_t d : dims)
+        extent = d != 0 && extent > largest / d ? largest : extent * d;
+    if (requested == extent && extent > 0 && isStoredPlain(dataset)) {
+        const hsize_t stored = H5Dget_storage_size(dataset);
+        const hsize_t declared = extent * H5Tget_size(type.get());
+        if (stored < declared) {
+            setError(
+                QStringLiteral("Dataset %1 declares %2 values but the file holds only %3 of their %4 bytes")
+                    .arg(name())
+                    .arg(extent)
+                    .arg(stored)
+                    .arg(declared));
+            return false;
+        }
     }
     elements = requested;
     return true;

@@ -51,6 +51,14 @@ void writeSampleFile(const QString& path)
     const hsize_t claimed = 1000000000000000ULL;
     ASSERT_GE(H5Dset_extent(huge, &claimed), 0);
     writer.closeDataset(huge);
+
+    // 2·10^8 doubles fit in memory, but only one chunk of them is stored.
+    const hid_t declared = writer.create1D(group, ElementKind::Float64, QStringLiteral("Declared"), 65536);
+    const std::vector<double> chunk(65536, 3.0);
+    ASSERT_TRUE(writer.append(declared, chunk.data(), {chunk.size()}));
+    const hsize_t declaredLength = 200000000ULL;
+    ASSERT_GE(H5Dset_extent(declared, &declaredLength), 0);
+    writer.closeDataset(declared);
     writer.closeGroup(group);
 }
 
@@ -119,6 +127,18 @@ TEST(HDF5BadInput, EveryRefusalIsClearAndQuiet)
     EXPECT_TRUE(reader.lastError().startsWith(QStringLiteral("Dataset /G/Huge is too large to read")))
         << reader.lastError().toStdString();
     EXPECT_TRUE(out.empty());
+
+    // A declared extent is trusted only as far as the stored bytes go.
+    const hid_t declared = reader.openDataset(file, QStringLiteral("G/Declared"));
+    EXPECT_FALSE(reader.read(declared, out));
+    EXPECT_EQ(reader.lastError(),
+              QStringLiteral("Dataset /G/Declared declares 200000000 values but the file holds "
+                             "only 524288 of their 1600000000 bytes"));
+    EXPECT_TRUE(out.empty());
+    std::vector<double> first;
+    EXPECT_TRUE(reader.read(declared, {0}, {10}, first)) << reader.lastError().toStdString();
+    EXPECT_EQ(first, std::vector<double>(10, 3.0));
+    reader.closeDataset(declared);
 
     // Identifiers that are closed, foreign or made up are refused, not used.
     EXPECT_TRUE(reader.closeDataset(names));
