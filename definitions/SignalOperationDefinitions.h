@@ -324,6 +324,11 @@ public:
 
     // Messages of the kernels themselves.
     static QString unknownFilterTypeMessage() { return tr("Error: unknown filter type <b>%1</b>."); }
+    static QString windowTooLongMessage()
+    {
+        return tr(
+            "Error: the averaging window (<b>%1</b> samples) is longer than the signal (<b>%2</b> samples).");
+    }
     static QString windowTooShortMessage()
     {
         return tr("Error: the averaging window is shorter than one sample.");

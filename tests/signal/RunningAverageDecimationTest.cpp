@@ -54,8 +54,14 @@ TEST(RunningAverage, AveragesWithMirroredEndsAndTheEvenWindowScaling)
     EXPECT_NEAR(three.values[3], (2.0 + 8.0 + 5.0) / 3.0, 1e-12);
     EXPECT_NEAR(three.values[5], (5.0 + 7.0 + 5.0) / 3.0, 1e-12);
 
-    // A window shorter than one sample is refused.
+    // A window shorter than one sample is refused, and so is one longer than the signal,
+    // however long (no conversion of 1e300 samples to a count).
     EXPECT_TRUE(RunningAverage::compute(x, time, 0.5 / fs, nullptr).outcome.isFailed());
+    for (const double seconds : {(x.size() + 1) / fs, 1e300}) {
+        const VectorResult tooLong = RunningAverage::compute(x, time, seconds, nullptr);
+        EXPECT_TRUE(tooLong.outcome.isFailed());
+        EXPECT_TRUE(tooLong.outcome.error.contains(QStringLiteral("longer than the signal")));
+    }
 }
 
 TEST(RunningAverage, StopsWhenCancelled)

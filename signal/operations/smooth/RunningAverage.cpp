@@ -30,7 +30,13 @@ VectorResult RunningAverage::compute(std::span<const double> values, std::span<c
     const double rate = sampleRateOf(time);
     if (isWindowTooShort(rate, windowSeconds))
         return {{}, KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage())};
-    return computeSamples(values, static_cast<long long>(rate * windowSeconds), feedback);
+    // Checked before the conversion to a count, which a huge window would overflow.
+    const double samples = rate * windowSeconds;
+    if (samples > static_cast<double>(values.size()))
+        return {{},
+                KernelOutcome::failed(SignalOperationDefinitions::windowTooLongMessage().arg(
+                    QString::number(samples, 'g', 6), QString::number(values.size())))};
+    return computeSamples(values, static_cast<long long>(samples), feedback);
 }
 
 VectorResult RunningAverage::computeSamples(std::span<const double> values, long long window,

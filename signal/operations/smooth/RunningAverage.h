@@ -14,7 +14,7 @@ class RunningAverage
 {
 public:
     /// W = int(sample rate of `time` x windowSeconds) samples; see computeSamples().
-    /// Fails when W is below one sample.
+    /// Fails when W is below one sample or longer than the signal.
     static VectorResult compute(std::span<const double> values, std::span<const double> time,
                                 double windowSeconds, Feedback* feedback);
     /// True when a window of `windowSeconds` holds less than one sample at `sampleRate`;
