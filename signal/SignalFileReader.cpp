@@ -49,14 +49,23 @@ bool SignalFileReader::read(const QString& filepath, const QStringList& valuesPa
     return true;
 }
 
+namespace {
+
+/// The "Time" beside a values dataset.
+QString timePathOf(const QString& valuesPath)
+{
+    return valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')) + 1) + FileDefinitions::Time;
+}
+
+} // namespace
+
 double SignalFileReader::sampleRate(const QString& filepath, const QString& valuesPath)
 {
     LockedFileRead read(filepath);
     if (!read.isOpen())
         return 0.0;
     HDF5Reader_V6& reader = read.reader();
-    const QString timePath =
-        valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')) + 1) + FileDefinitions::Time;
+    const QString timePath = timePathOf(valuesPath);
     const hid_t dataset = reader.openDataset(reader.fileId(), timePath);
     if (dataset < 0)
         return 0.0;
@@ -77,8 +86,7 @@ std::size_t SignalFileReader::sampleCount(const QString& filepath, const QString
     if (!read.isOpen())
         return 0;
     HDF5Reader_V6& reader = read.reader();
-    const QString timePath =
-        valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')) + 1) + FileDefinitions::Time;
+    const QString timePath = timePathOf(valuesPath);
     const hid_t dataset = reader.openDataset(reader.fileId(), timePath);
     if (dataset < 0)
         return 0;
