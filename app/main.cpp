@@ -3,6 +3,8 @@
 #include "app/ApplicationStartup.h"
 #include "framework/OperationRegistry.h"
 #include "framework/OperationViewRegistry.h"
+#include "image/ImageOperationViews.h"
+#include "image/ImageOperations.h"
 #include "signal/SignalOperationViews.h"
 #include "signal/SignalOperations.h"
 
@@ -14,8 +16,10 @@ int main(int argc, char* argv[])
     // Each family brings its operations and their views; nothing central lists them.
     zarvi::registerSignalOperations(zarvi::OperationRegistry::instance());
     zarvi::registerAnalysisOperations(zarvi::OperationRegistry::instance());
+    zarvi::registerImageOperations(zarvi::OperationRegistry::instance());
     zarvi::registerSignalOperationViews(zarvi::OperationViewRegistry::instance());
     zarvi::registerAnalysisOperationViews(zarvi::OperationViewRegistry::instance());
+    zarvi::registerImageOperationViews(zarvi::OperationViewRegistry::instance());
     zarvi::ApplicationStartup startup(application);
     return startup.run();
 }

@@ -7,6 +7,7 @@
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/OperationRegistry.h"
+#include "image/ImageOperations.h"
 #include "signal/SignalOperations.h"
 
 #include <QCoreApplication>
@@ -51,6 +52,7 @@ int main(int argc, char* argv[])
 
     zarvi::registerSignalOperations(zarvi::OperationRegistry::instance());
     zarvi::registerAnalysisOperations(zarvi::OperationRegistry::instance());
+    zarvi::registerImageOperations(zarvi::OperationRegistry::instance());
 
     QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.isEmpty() || arguments.first() == QStringLiteral("--help") ||

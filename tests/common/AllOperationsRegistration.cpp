@@ -4,11 +4,13 @@
 
 #include "analysis/AnalysisOperations.h"
 #include "framework/OperationRegistry.h"
+#include "image/ImageOperations.h"
 #include "signal/SignalOperations.h"
 
 #ifdef ZARVI_TEST_WIDGETS
 #include "analysis/AnalysisOperationViews.h"
 #include "framework/OperationViewRegistry.h"
+#include "image/ImageOperationViews.h"
 #include "signal/SignalOperationViews.h"
 #endif
 
@@ -16,8 +18,10 @@ void zarvi::test::registerOperations()
 {
     registerSignalOperations(OperationRegistry::instance());
     registerAnalysisOperations(OperationRegistry::instance());
+    registerImageOperations(OperationRegistry::instance());
 #ifdef ZARVI_TEST_WIDGETS
     registerSignalOperationViews(OperationViewRegistry::instance());
     registerAnalysisOperationViews(OperationViewRegistry::instance());
+    registerImageOperationViews(OperationViewRegistry::instance());
 #endif
 }
