@@ -40,6 +40,8 @@ QString describeParameter(const OperationParameter& parameter)
     text += QStringLiteral("      %1").arg(label);
     if (!tooltip.isEmpty())
         text += QStringLiteral(": %1").arg(tooltip);
+    if (!parameter.example.isEmpty())
+        text += QStringLiteral("\n      Example: %1").arg(parameter.example);
     return text + QLatin1Char('\n');
 }
 

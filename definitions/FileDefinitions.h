@@ -160,6 +160,17 @@ public:
         return tr("Unable to overwrite existing dataset %1. Make sure the file is not open somewhere else "
                   "and the dataset is not loaded to the view.");
     }
+    static QString notImageStackMessage()
+    {
+        return tr("<b>%1</b> is not an image stack: an image stack has three dimensions (height, width, "
+                  "frames).");
+    }
+    static QString stackTimeMismatchMessage()
+    {
+        return tr("The image stack <b>%1</b> has %2 frames but its Time has %3 entries.");
+    }
+    static QString unableToReadFrameMessage() { return tr("Unable to read frame %1 of <b>%2</b>."); }
+    static QString unableToWriteFrameMessage() { return tr("Unable to write frame %1 of <b>%2</b>."); }
     static QString repackFailedMessage() { return tr("Failed to repack file %1."); }
     static QString repackFailedTitle() { return tr("Error File Repacking"); }
 };

@@ -1,14 +1,19 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 namespace zarvi {
 
-/// Holds the names and parameter keys of the image operations.
-/// Keys are never translated. Constants only, safe from any thread.
+/// Holds the names, parameter keys, method names, labels, tooltips and messages of the
+/// image operations. Keys and method names are never translated; labels and messages go
+/// through tr. Constants only, safe from any thread.
 class ImageOperationDefinitions
 {
+    Q_DECLARE_TR_FUNCTIONS(ImageOperationDefinitions)
+
 public:
+    // Output names.
     static inline const QString BackgroundCorrectedImages = QStringLiteral("BackgroundCorrectedImages");
     static inline const QString BinnedImages = QStringLiteral("BinnedImages");
     static inline const QString CroppedImages = QStringLiteral("CroppedImages");
@@ -18,6 +23,194 @@ public:
     static inline const QString ReducedStackImages = QStringLiteral("ReducedStackImages");
     static inline const QString SplitedImages = QStringLiteral("SplitedImages");
     static inline const QString StackProjectionImages = QStringLiteral("StackProjectionImages");
+    static inline const QString ROISignals = QStringLiteral("ROISignals");
+
+    // Operation names (the value of "Operations").
+    static inline const QString Binning = QStringLiteral("Binning");
+    static inline const QString Crop = QStringLiteral("Crop");
+    static inline const QString TemporalDownsample = QStringLiteral("Temporal Downsample");
+    static inline const QString DiscardFrames = QStringLiteral("Discard Frames");
+    static inline const QString SplitImagesInSeries = QStringLiteral("Split Images in Series");
+    static inline const QString RemoveBackground = QStringLiteral("Remove Background");
+    static inline const QString StackProjection = QStringLiteral("Stack Projection");
+    static inline const QString ROISignalsOperation = QStringLiteral("ROI Signals");
+
+    // Parameter keys.
+    static inline const QString BinningFactor = QStringLiteral("BinningFactor");
+    static inline const QString CropCoordinates = QStringLiteral("CropCoordinates");
+    static inline const QString Factor = QStringLiteral("Factor");
+    static inline const QString Method = QStringLiteral("Method");
+    static inline const QString DiscardedFrames = QStringLiteral("DiscardedFrames");
+    static inline const QString AutodetectCorruptedFrames = QStringLiteral("AutodetectCorruptedFrames");
+    static inline const QString InterpolateFrames = QStringLiteral("InterpolateFrames");
+    static inline const QString DontSaveParameters = QStringLiteral("DontSaveParameters");
+    static inline const QString Duration = QStringLiteral("Duration");
+    static inline const QString BackgroundCoordinates = QStringLiteral("BackgroundCoordinates");
+    static inline const QString ProjectionMethod = QStringLiteral("ProjectionMethod");
+    static inline const QString ConcatenateSeries = QStringLiteral("ConcatenateSeries");
+    static inline const QString ROINames = QStringLiteral("ROINames");
+
+    // Choices.
+    static inline const QString Binning2x2 = QStringLiteral("2x2");
+    static inline const QString Binning4x4 = QStringLiteral("4x4");
+    static inline const QString Skip = QStringLiteral("Skip");
+    static inline const QString Mean = QStringLiteral("Mean");
+    static inline const QString Sum = QStringLiteral("Sum");
+    static inline const QString Minimum = QStringLiteral("Minimum");
+    static inline const QString Maximum = QStringLiteral("Maximum");
+    static inline const QString StandardDeviation = QStringLiteral("Standard Deviation");
+    static inline const QString DetectTimeGaps = QStringLiteral("Detect Time Gaps");
+    static inline const QString SplitByDuration = QStringLiteral("Split by Duration");
+    static inline const QString DurationFormat = QStringLiteral("HH:mm:ss:zzz");
+
+    // Descriptions.
+    static QString binningDescription()
+    {
+        return tr(
+            "Binning operation reduces the image size by combining clusters of adjacent pixels into single "
+            "pixels. Generally, binned images have reduced relative noise level in each pixel compared to "
+            "the original images.");
+    }
+    static QString cropDescription()
+    {
+        return tr(
+            "Crop operation allows to draw a rectangular ROI on images and save only its internal part.");
+    }
+    static QString downsampleDescription()
+    {
+        return tr("Temporal Downsample operation reduces the number of images in a stack.");
+    }
+    static QString discardFramesDescription()
+    {
+        return tr("Discard Frames operation removes selected frames from the image stack.");
+    }
+    static QString splitDescription()
+    {
+        return tr("Split in Series operation splits input imageStack into several time series.");
+    }
+    static QString removeBackgroundDescription()
+    {
+        return tr(
+            "Remove Background operation decreases background illumination by calculating average intensity "
+            "value inside a drawn ROI and subtracting it from every image in the stack.");
+    }
+    static QString stackProjectionDescription()
+    {
+        return tr(
+            "Stack Projection operation merges image stack into single image using selected algorithm.");
+    }
+    static QString roiSignalsDescription()
+    {
+        return tr("ROI Signals operation extracts one signal per cell ROI: the mean intensity of the pixels "
+                  "inside the ROI in every image of the stack.");
+    }
+
+    // Labels and tooltips.
+    static QString binningParametersTitle() { return tr("Binning Parameters"); }
+    static QString binningFactorLabel() { return tr("Binning Factor"); }
+    static QString binningFactorTooltip()
+    {
+        return tr(
+            "Allows to select the binning factor.<br><b>2x2</b> binning reduces the size of the images 4 "
+            "times "
+            "by combining clusters of 2 by 2 adjacent pixels into single pixels.<br><b>4x4</b> binning "
+            "reduces the size of the images 16 times by combining clusters of 4 by 4 adjacent pixels into "
+            "single pixels.");
+    }
+    static QString cropCoordinatesLabel() { return tr("Crop Coordinates"); }
+    static QString topLeftLabel() { return tr("Top Left (x, y)"); }
+    static QString sizeLabel() { return tr("Size (width, height)"); }
+    static QString sizeTooltip() { return tr("Defines the crop area size (in pixels)."); }
+    static QString drawCropAreaLabel() { return tr("Draw Crop Area"); }
+    static QString squareLabel() { return tr("Square"); }
+    static QString squareTooltip() { return tr("Draw a square crop area."); }
+    static QString autocontrastLabel() { return tr("Autocontrast"); }
+    static QString downsampleParametersTitle() { return tr("Downsample Parameters"); }
+    static QString factorLabel() { return tr("Factor"); }
+    static QString methodLabel() { return tr("Method"); }
+    static QString downsampleMethodTooltip()
+    {
+        return tr(
+            "Select a method to reduce the number of images:<br><b>Skip</b>: skips images at indices that "
+            "divide by the Factor with a reminder.<br><b>Mean</b>: calculates mean of every Factor number of "
+            "images.<br><b>Sum</b>: calculates sum of every Factor number of images.<br><b>Minimum</b>: "
+            "calculates minimum of every Factor number of images.<br><b>Maximum</b>: calculates maximum of "
+            "every Factor number of images.");
+    }
+    static QString selectFramesLabel() { return tr("Select Frames to Discard"); }
+    static QString selectFramesTooltip()
+    {
+        return tr(
+            "To select multiple, hold <b>Ctrl</b><br>To select several in a row, hold <b>Shift</b>, or click "
+            "and drag.");
+    }
+    static QString autodetectLabel() { return tr("Autodetect Black/Corrupted Frames"); }
+    static QString interpolateLabel() { return tr("Interpolate"); }
+    static QString dontSaveParametersLabel() { return tr("Do not save parameters"); }
+    static QString dontSaveParametersTooltip()
+    {
+        return tr("If checked, the parameters of the operation are not saved in the file group "
+                  "ReducedStackImages#. "
+                  "This allows to save datasets processed with different parameters in the same group. Be "
+                  "careful, since the parameters are not saved, they cannot be retrieved later.");
+    }
+    static QString splitParametersTitle() { return tr("Split in Series Parameters"); }
+    static QString durationLabel() { return tr("Duration"); }
+    static QString splitDurationTooltip()
+    {
+        return tr("In <b>Detect Time Gaps</b>, sets minimum duration of the time gap.<br>In <b>Split by "
+                  "Duration</b>, sets maximum duration of each time series.");
+    }
+    static QString drawBackgroundTitle() { return tr("Draw an ROI to Calculate Background"); }
+    static QString frameSliderTooltip() { return tr("Allows to select timestemp in the image stack."); }
+    static QString stackProjectionParametersTitle() { return tr("Stack Projection Parameters"); }
+    static QString projectionMethodTooltip()
+    {
+        return tr(
+            "Allows to select the type of projection.<br><b>Maximum</b>: keeps only the pixels with maximum "
+            "intensity across the time.<br><b>Minimum</b>: keeps only the pixels with minimum intensity "
+            "across the time.<br><b>Mean</b>:    averages the intensity of pixels across the "
+            "time.<br><b>Sum</b>:     sums the intensity of pixels across time.<br>");
+    }
+    static QString concatenateSeriesLabel() { return tr("Concatenate Series"); }
+    static QString concatenateSeriesTooltip()
+    {
+        return tr("If checked, stack projection is calculated for each series, and the result images are "
+                  "concatenated into single stack.");
+    }
+
+    // Progress texts.
+    static QString binningProgress() { return tr("Binning images..."); }
+    static QString croppingProgress() { return tr("Cropping images..."); }
+    static QString discardingProgress() { return tr("Discarding images..."); }
+    static QString splitAnalysisProgress()
+    {
+        return tr("Analyzing the image stack to determine the split location...");
+    }
+    static QString savingSeriesProgress() { return tr("Saving time series %1..."); }
+    static QString estimatingThresholdProgress() { return tr("Estimating Threshold for Autodetection..."); }
+    static QString autodetectingProgress() { return tr("Autodetecting Corrupted frames..."); }
+
+    // Messages.
+    static QString noFramesMessage() { return tr("The image stack <b>%1</b> has no frames."); }
+    static QString cropCoordinatesMessage()
+    {
+        return tr("The crop coordinates are incorrect. Make sure to well define the crop ROI.");
+    }
+    static QString cropOutsideMessage()
+    {
+        return tr("The crop area is larger than the image size or lies outside the image.");
+    }
+    static QString backgroundCoordinatesMessage()
+    {
+        return tr(
+            "The coordinates for removing the background are incorrect. Make sure that the ROI for removing "
+            "background is drawn correctly.");
+    }
+    static QString projectionMethodMessage()
+    {
+        return tr("Unable to retrieve the projection method. Make sure one is selected.");
+    }
 };
 
 } // namespace zarvi

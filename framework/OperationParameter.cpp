@@ -2,6 +2,10 @@
 
 #include "definitions/ZarviMainDefinitions.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 #include <cmath>
 
 namespace zarvi {
@@ -78,6 +82,11 @@ OperationParameter OperationParameter::numbers(const QString& key, const QString
     return declare(key, label, ParameterKind::DoubleList);
 }
 
+OperationParameter OperationParameter::json(const QString& key, const QString& label)
+{
+    return declare(key, label, ParameterKind::Json);
+}
+
 OperationParameter& OperationParameter::withTooltip(const QString& text)
 {
     tooltip = text;
@@ -130,6 +139,12 @@ OperationParameter& OperationParameter::isRequired()
 OperationParameter& OperationParameter::withBadValueMessage(const QString& message)
 {
     badValueMessage = message;
+    return *this;
+}
+
+OperationParameter& OperationParameter::withExample(const QString& text)
+{
+    example = text;
     return *this;
 }
 
@@ -190,6 +205,27 @@ bool OperationParameter::normalize(const QVariant& value, QVariant& normalized) 
         normalized = list;
         return true;
     }
+    case ParameterKind::Json: {
+        // Kept as text so that it is recorded as one string attribute, identical whether
+        // the value came from a dialog or from a parameter file.
+        QJsonDocument document;
+        if (value.typeId() == QMetaType::QString) {
+            QJsonParseError parseError;
+            document = QJsonDocument::fromJson(value.toString().toUtf8(), &parseError);
+            if (parseError.error != QJsonParseError::NoError)
+                return false;
+        } else if (value.typeId() == QMetaType::QVariantMap) {
+            document = QJsonDocument(QJsonObject::fromVariantMap(value.toMap()));
+        } else if (value.typeId() == QMetaType::QVariantList) {
+            document = QJsonDocument(QJsonArray::fromVariantList(value.toList()));
+        } else {
+            return false;
+        }
+        if (document.isNull())
+            return false;
+        normalized = QString::fromUtf8(document.toJson(QJsonDocument::Compact));
+        return true;
+    }
     }
     return false;
 }
@@ -234,6 +270,8 @@ QString OperationParameter::kindName() const
         return QStringLiteral("list of texts");
     case ParameterKind::DoubleList:
         return QStringLiteral("list of numbers");
+    case ParameterKind::Json:
+        return QStringLiteral("JSON");
     }
     return {};
 }

@@ -17,7 +17,10 @@ enum class ParameterKind
     Double,
     String,
     StringList,
-    DoubleList
+    DoubleList,
+    /// A structured value (regions of interest): a JSON object or list, given as such or
+    /// as JSON text, kept and recorded as compact JSON text.
+    Json
 };
 
 /// Everything the program knows of one parameter of an operation, said once: the
@@ -44,6 +47,8 @@ struct OperationParameter
     bool required = false;
     /// Said instead of the general range or choice message, where the operation has its own words.
     QString badValueMessage;
+    /// A value as a user would write it in a parameter file, shown by help for structured values.
+    QString example;
 
     // Declaration in one expression: OperationParameter::number(key, label).unit("Hz").atLeast(0)...
     static OperationParameter integer(const QString& key, const QString& label);
@@ -51,6 +56,7 @@ struct OperationParameter
     static OperationParameter text(const QString& key, const QString& label);
     static OperationParameter texts(const QString& key, const QString& label);
     static OperationParameter numbers(const QString& key, const QString& label);
+    static OperationParameter json(const QString& key, const QString& label);
 
     OperationParameter& withTooltip(const QString& text);
     OperationParameter& withUnit(const QString& text);
@@ -61,6 +67,7 @@ struct OperationParameter
     OperationParameter& offering(const QStringList& values);
     OperationParameter& isRequired();
     OperationParameter& withBadValueMessage(const QString& message);
+    OperationParameter& withExample(const QString& text);
 
     /// Converts `value` to this parameter's kind; false when it cannot be (a
     /// non-integral number for an Int, text for a number, NaN or infinity, ...). An empty value
@@ -68,7 +75,7 @@ struct OperationParameter
     bool normalize(const QVariant& value, QVariant& normalized) const;
     /// The message for a normalised value outside the range or the choices; empty when it is allowed.
     QString rangeProblem(const QVariant& normalized) const;
-    /// "int", "double", "text", "list of texts", "list of numbers": for help texts.
+    /// "int", "double", "text", "list of texts", "list of numbers", "JSON": for help texts.
     QString kindName() const;
     /// The allowed values in words ("1 to 1000000", "LowPass, HighPass"); empty when anything goes.
     QString allowedValues() const;

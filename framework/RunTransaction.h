@@ -66,6 +66,8 @@ public:
     void setOutputs(RunOutputSpec outputs) { m_outputs = std::move(outputs); }
     /// The inputs recorded with the outputs, when they are known only once the file is open.
     void setSources(const QStringList& sources) { m_outputs.sources = sources; }
+    /// False for a run whose user asked not to save the parameters with its outputs.
+    void setRecordParameters(bool record) { m_outputs.recordParameters = record; }
     /// A new, unique sensor group for an output derived from `inputPath` (named
     /// `sensor`, or after the input's sensor) inside the run group of the input's
     /// series, which is created with the recorded parameters on first use. Empty with

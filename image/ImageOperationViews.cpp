@@ -4,8 +4,6 @@
 
 namespace zarvi {
 
-void registerImageOperationViews(OperationViewRegistry&)
-{
-}
+void registerImageOperationViews(OperationViewRegistry&) {}
 
 } // namespace zarvi

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "datafile/ImageStackInfo.h"
+
+#include <QString>
+
+#include <opencv2/core.hpp>
+
+#include <climits>
+
+#include <hdf5.h>
+
+#include <vector>
+
+namespace zarvi {
+
+class HDF5Manager_V6;
+
+/// Reads an "ImageStack" dataset (height x width x frames, one chunk per frame) one
+/// frame at a time, so that no stack is ever held whole in memory. open() checks the
+/// geometry and reads the "Time" beside the stack; readFrame() gives frame k as a
+/// single-channel 32-bit float image, the copy every image operation computes on.
+/// The file stays owned by the caller and must outlive the reader. Used on the
+/// thread that holds the file.
+class ImageFrameReader
+{
+public:
+    ImageFrameReader() = default;
+    ~ImageFrameReader();
+    ImageFrameReader(const ImageFrameReader&) = delete;
+    ImageFrameReader& operator=(const ImageFrameReader&) = delete;
+
+    /// Opens the stack at `stackPath` and reads its "Time". False with `error` when the
+    /// dataset is missing, is not three-dimensional, or its "Time" does not have one
+    /// entry per frame. A stack of zero frames opens: callers decide whether that is usable.
+    bool open(HDF5Manager_V6& file, const QString& stackPath, QString& error);
+    void close();
+
+    const ImageStackInfo& info() const { return m_info; }
+    const std::vector<double>& time() const { return m_time; }
+    const QString& path() const { return m_path; }
+
+    /// Frame `index` as CV_32FC1 (height x width). The buffer of `frame` is reused when
+    /// it already has that type and size.
+    bool readFrame(std::size_t index, cv::Mat& frame, QString& error);
+    /// Frame `index` as stored, CV_16UC1.
+    bool readRawFrame(std::size_t index, cv::Mat& frame, QString& error);
+
+private:
+    HDF5Manager_V6* m_file = nullptr;
+    hid_t m_dataset = H5I_INVALID_HID;
+    QString m_path;
+    ImageStackInfo m_info;
+    std::vector<double> m_time;
+    cv::Mat m_raw;
+};
+
+} // namespace zarvi

@@ -1,0 +1,142 @@
+#include "image/ImageOperationProcess.h"
+
+#include "datafile/ImageFrameReader.h"
+#include "definitions/FileDefinitions.h"
+#include "definitions/ImageOperationDefinitions.h"
+#include "framework/RunTransaction.h"
+
+namespace zarvi {
+
+using FD = FileDefinitions;
+
+QString ImageOperationProcess::outputKind() const
+{
+    return FD::Images;
+}
+
+bool ImageOperationProcess::prepareStack(const ImageStackInfo& input, ImageStackInfo& output,
+                                         std::size_t& expectedFrames)
+{
+    output = input;
+    expectedFrames = input.frames;
+    return true;
+}
+
+bool ImageOperationProcess::scanStack(ImageFrameReader&, Feedback*)
+{
+    return true;
+}
+
+void ImageOperationProcess::runOperation()
+{
+    RunTransaction run;
+    if (!openRun(run, FD::DataProcessed, outputKind(), m_sourceDatapaths))
+        return;
+    run.setRecordParameters(recordsParameters());
+    m_run = &run;
+    runInputs(run, static_cast<int>(m_sourceDatapaths.size()),
+              [&](int i, Feedback* step) { return processStack(m_sourceDatapaths[i], step); });
+    // Whatever happened, nothing may stay open on a file that the run has closed.
+    m_writer.close();
+    m_writerOpen = false;
+    m_run = nullptr;
+    m_frame.release();
+    m_inputTime.clear();
+}
+
+bool ImageOperationProcess::processStack(const QString& stackPath, Feedback* step)
+{
+    ImageFrameReader reader;
+    QString error;
+    if (!reader.open(m_run->file(), stackPath, error)) {
+        addError(error);
+        return false;
+    }
+    if (reader.info().frames == 0) {
+        addError(ImageOperationDefinitions::noFramesMessage().arg(stackPath));
+        return false;
+    }
+    m_inputPath = stackPath;
+    m_inputInfo = reader.info();
+    m_inputTime = reader.time();
+    m_outputInfo = m_inputInfo;
+    m_expectedFrames = m_inputInfo.frames;
+    m_outputSensor.clear();
+    m_writerOpen = false;
+    if (!prepareStack(m_inputInfo, m_outputInfo, m_expectedFrames) || !m_errors.isEmpty())
+        return false;
+
+    const int scanShare = firstPassPercent();
+    if (scanShare > 0) {
+        ScaledFeedback scanning(step, 0, scanShare);
+        if (!scanStack(reader, &scanning) || stopRequested())
+            return false;
+    }
+    ScaledFeedback computing(step, scanShare, 100);
+    if (!progressLabel().isEmpty())
+        computing.setLabel(progressLabel());
+    ProgressTracker progress(&computing, m_inputInfo.frames);
+    for (std::size_t k = 0; k < m_inputInfo.frames; ++k) {
+        if (stopRequested())
+            return false;
+        if (!wantsFrame(k))
+            continue;
+        if (!reader.readFrame(k, m_frame, error)) {
+            addError(error);
+            return false;
+        }
+        m_frameIndex = k;
+        m_frameTime = m_inputTime[k];
+        if (!computeOperation() || !m_errors.isEmpty())
+            return false;
+        progress.update(k + 1);
+    }
+    const bool finished = finishStack() && m_errors.isEmpty();
+    m_writer.close();
+    m_writerOpen = false;
+    return finished && !isCanceled();
+}
+
+void ImageOperationProcess::startOutput(const QString& sensor)
+{
+    m_writer.close();
+    m_writerOpen = false;
+    m_outputSensor = sensor;
+}
+
+bool ImageOperationProcess::openOutput()
+{
+    QString error;
+    const QString groupPath = m_run->sensorGroup(m_inputPath, error, m_outputSensor);
+    const hid_t group = groupPath.isEmpty()
+                            ? H5I_INVALID_HID
+                            : m_run->file().createGroupPath(m_run->file().fileId(), groupPath);
+    if (group < 0) {
+        addError(error.isEmpty() ? FD::unableToCreateGroupMessage().arg(groupPath) : error);
+        return false;
+    }
+    const bool created = m_writer.create(m_run->file(), group, m_outputInfo, m_expectedFrames,
+                                         m_run->datasetAttributes(m_inputPath), error);
+    m_run->file().closeGroup(group);
+    if (!created) {
+        addError(error);
+        return false;
+    }
+    m_writerOpen = true;
+    addOutput(groupPath + QLatin1Char('/') + FD::ImageStack);
+    return true;
+}
+
+bool ImageOperationProcess::writeFrame(const cv::Mat& frame, double time)
+{
+    QString error;
+    if (!m_writerOpen && !openOutput())
+        return false;
+    if (!m_writer.append(frame, time, error)) {
+        addError(error);
+        return false;
+    }
+    return true;
+}
+
+} // namespace zarvi
