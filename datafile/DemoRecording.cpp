@@ -2,6 +2,7 @@
 
 #include "datafile/Feedback.h"
 #include "datafile/HDF5Writer_V6.h"
+#include "datafile/ImageFrameWriter.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/FileDefinitions.h"
 
@@ -166,10 +167,14 @@ bool writeImageStack(HDF5Writer_V6& file, const DemoSettings& s, std::mt19937& r
     const QString group = join({FD::DataAcquisition, QStringLiteral("Miniscope"), FD::Images,
                                 FD::SeriesPattern.arg(1), FD::SensorPattern.arg(1)});
     const hid_t sensor = file.createGroupPath(file.fileId(), group);
-    const hid_t stack = file.createImageStack(sensor, FD::ImageStack, h, w, FD::Format16BitGrayscale, 12, 0);
-    const hid_t time = file.create1D(sensor, ElementKind::Float64, FD::Time, static_cast<hsize_t>(frames));
-    bool ok = sensor >= 0 && stack >= 0 && time >= 0 &&
-              file.writeAttribute(stack, FD::Username, QStringLiteral("Miniscope"));
+    ImageStackInfo geometry;
+    geometry.height = h;
+    geometry.width = w;
+    geometry.bitCount = 12;
+    geometry.username = QStringLiteral("Miniscope");
+    ImageFrameWriter stack;
+    bool ok =
+        sensor >= 0 && stack.create(file, sensor, geometry, static_cast<std::size_t>(frames), {}, error);
 
     std::uniform_real_distribution<double> jitter(-1.0, 1.0);
     std::normal_distribution<float> noise(0.0f, 15.0f);
@@ -194,16 +199,14 @@ bool writeImageStack(HDF5Writer_V6& file, const DemoSettings& s, std::mt19937& r
         }
         moved.convertTo(frame16, CV_16U); // saturates to 0..65535
         cv::min(frame16, 4095, frame16);
-        const double t = k / s.stackFrameRate;
-        ok = file.append(stack, frame16.ptr<std::uint16_t>(), {hsize_t(h), hsize_t(w), 1}) &&
-             file.append(time, &t, {1});
+        ok = stack.append(frame16, k / s.stackFrameRate, error);
         progress.update(static_cast<std::size_t>(k + 1));
     }
     if (!ok)
-        error = FD::unableToCreateDatasetMessage().arg(group + QLatin1Char('/') + FD::ImageStack);
+        error = FD::unableToCreateDatasetMessage().arg(group + QLatin1Char('/') + FD::ImageStack) +
+                QLatin1Char(' ') + error;
     truth.imageStackPath = group + QLatin1Char('/') + FD::ImageStack;
-    file.closeDataset(time);
-    file.closeDataset(stack);
+    stack.close();
     file.closeGroup(sensor);
     return ok;
 }

@@ -97,22 +97,6 @@ hid_t ConversionTarget::openOrCreateGroup(const QString& path, QString& error)
     return group;
 }
 
-hid_t ConversionTarget::createImageStack(const QString& groupPath, int height, int width, int bitCount,
-                                         const QString& username, hid_t& group, QString& error)
-{
-    group = createGroup(groupPath, error);
-    if (group < 0)
-        return H5I_INVALID_HID;
-    const hid_t stack =
-        file().createImageStack(group, FD::ImageStack, height, width, FD::Format16BitGrayscale, bitCount, 0);
-    if (stack >= 0 && file().writeAttribute(stack, FD::Username, username))
-        return stack;
-    error = withReason(FD::unableToCreateDatasetMessage().arg(groupPath + QLatin1Char('/') + FD::ImageStack),
-                       file().lastError());
-    file().closeDataset(stack);
-    return H5I_INVALID_HID;
-}
-
 bool ConversionTarget::writeTimes(hid_t group, const QString& name, const std::vector<double>& times,
                                   QString& error)
 {

@@ -70,11 +70,6 @@ public:
     hid_t createGroup(const QString& path, QString& error);
     /// Opens the group at path, creating it and its missing parents when absent.
     hid_t openOrCreateGroup(const QString& path, QString& error);
-    /// Creates the sensor group at groupPath (see createGroup) holding an empty
-    /// "ImageStack" of height x width that grows by frames: Format 28, the given
-    /// BitCount, "Username". Returns the stack and sets group; the caller closes both.
-    hid_t createImageStack(const QString& groupPath, int height, int width, int bitCount,
-                           const QString& username, hid_t& group, QString& error);
     /// A 1-D float64 dataset of times in seconds ("Unit" = "s") in group.
     bool writeTimes(hid_t group, const QString& name, const std::vector<double>& times, QString& error);
 

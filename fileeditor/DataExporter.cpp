@@ -10,6 +10,7 @@
 
 #include "datafile/DataFileTree.h"
 #include "datafile/HDF5Reader_V6.h"
+#include "datafile/ImageFrameReader.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
@@ -260,25 +261,22 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
         result.error = writer.lastError();
         return;
     }
-    const hid_t dataset = file.openDataset(file.fileId(), item.path);
-    std::vector<std::uint16_t> frame(height * width);
+    ImageFrameReader stack;
+    bool ok = stack.open(file, item.path, result.error);
+    cv::Mat frame;
     ProgressTracker progress(feedback, count);
-    bool ok = dataset >= 0;
-    if (!ok)
-        result.error = file.lastError();
     for (std::size_t k = 0; ok && k < count; ++k) {
         if (checkCanceled(progress, result)) {
             ok = false;
-        } else if (!file.read(dataset, {0, 0, first + k}, {height, width, 1}, frame.data())) {
-            result.error = file.lastError();
+        } else if (!stack.readRawFrame(first + k, frame, result.error)) {
             ok = false;
-        } else if (!writer.writeFrame(frame)) {
+        } else if (!writer.writeFrame({frame.ptr<std::uint16_t>(), height * width})) {
             result.error = writer.lastError();
             ok = false;
         }
         progress.update(k + 1);
     }
-    file.closeDataset(dataset);
+    stack.close();
     if (!ok)
         return;
     if (!writer.finish()) {

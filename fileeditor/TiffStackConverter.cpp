@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "datafile/ImageFrameWriter.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/CsvTableReader.h"
@@ -51,17 +52,24 @@ bool writeStack(TiffStackReader& reader, const TiffStackConversionConfig& config
     const ConversionDestination& to = config.destination;
     const int series = target.seriesNumber(to.device, FD::Images, to.series);
     const QString groupPath = ConversionTarget::dataPath(to.device, FD::Images, series, to.sensor);
-    hid_t group = H5I_INVALID_HID;
-    const hid_t stack = target.createImageStack(groupPath, info.height, info.width, info.bitsPerSample,
-                                                to.sensor, group, result.error);
+    const hid_t group = target.createGroup(groupPath, result.error);
+    if (group < 0)
+        return false;
     HDF5Writer_V6& file = target.file();
-    bool ok = stack >= 0 &&
-              file.writeAttribute(group, FD::SourceFilepath, QFileInfo(config.sourcePath).absoluteFilePath());
-    if (stack >= 0 && !ok)
+    ImageFrameWriter stack;
+    ImageStackInfo geometry;
+    geometry.height = info.height;
+    geometry.width = info.width;
+    geometry.bitCount = info.bitsPerSample;
+    geometry.username = to.sensor;
+    bool ok = stack.create(file, group, geometry, info.frameCount, {}, result.error);
+    if (ok &&
+        !file.writeAttribute(group, FD::SourceFilepath, QFileInfo(config.sourcePath).absoluteFilePath())) {
         result.error = Texts::unableToWriteMessage().arg(groupPath, file.lastError());
+        ok = false;
+    }
 
     std::vector<std::uint16_t> frame(info.pixelsPerFrame());
-    const std::vector<hsize_t> count{static_cast<hsize_t>(info.height), static_cast<hsize_t>(info.width), 1};
     ProgressTracker progress(feedback, info.frameCount, ScanPercent, 100);
     for (std::size_t k = 0; ok && k < info.frameCount; ++k) {
         if (progress.isCanceled()) {
@@ -71,14 +79,12 @@ bool writeStack(TiffStackReader& reader, const TiffStackConversionConfig& config
         } else if (!reader.readFrame(k, frame)) {
             result.error = reader.lastError();
             ok = false;
-        } else if (!file.append(stack, frame.data(), count)) {
-            result.error = Texts::unableToWriteMessage().arg(groupPath, file.lastError());
+        } else if (!stack.appendRaw(frame.data(), times[k], result.error)) {
             ok = false;
         }
         progress.update(k + 1);
     }
-    file.closeDataset(stack);
-    ok = ok && target.writeTimes(group, FD::Time, times, result.error);
+    stack.close();
     file.closeGroup(group);
     if (ok)
         result.datapaths << groupPath + QLatin1Char('/') + FD::ImageStack

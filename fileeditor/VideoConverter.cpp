@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include "datafile/ImageFrameWriter.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/VideoFrameReader.h"
@@ -30,18 +31,23 @@ bool writeStack(const VideoConversionConfig& config, ConversionTarget& target, s
     const ConversionDestination& to = config.destination;
     const int series = target.seriesNumber(to.device, FD::Images, to.series);
     const QString groupPath = ConversionTarget::dataPath(to.device, FD::Images, series, to.sensor);
-    hid_t group = H5I_INVALID_HID;
-    const hid_t stack = target.createImageStack(groupPath, info.height, info.width, VideoBitCount, to.sensor,
-                                                group, result.error);
+    const hid_t group = target.createGroup(groupPath, result.error);
+    if (group < 0)
+        return false;
     HDF5Writer_V6& file = target.file();
-    bool ok = stack >= 0 &&
-              file.writeAttribute(group, FD::SourceFilepath, QFileInfo(config.sourcePath).absoluteFilePath());
-    if (stack >= 0 && !ok)
+    ImageFrameWriter stack;
+    ImageStackInfo geometry;
+    geometry.height = info.height;
+    geometry.width = info.width;
+    geometry.bitCount = VideoBitCount;
+    geometry.username = to.sensor;
+    bool ok = stack.create(file, group, geometry, info.frameCount, {}, result.error);
+    if (ok &&
+        !file.writeAttribute(group, FD::SourceFilepath, QFileInfo(config.sourcePath).absoluteFilePath())) {
         result.error = Texts::unableToWriteMessage().arg(groupPath, file.lastError());
+        ok = false;
+    }
 
-    const auto width = static_cast<std::size_t>(info.width);
-    std::vector<std::uint16_t> frame16(width * static_cast<std::size_t>(info.height));
-    const std::vector<hsize_t> count{static_cast<hsize_t>(info.height), width, 1};
     times.reserve(info.frameCount);
     ProgressTracker progress(feedback, info.frameCount);
     cv::Mat frame;
@@ -68,20 +74,12 @@ bool writeStack(const VideoConversionConfig& config, ConversionTarget& target, s
             ok = false;
             break;
         }
-        for (int y = 0; y < frame.rows; ++y) {
-            const std::uint8_t* row = frame.ptr<std::uint8_t>(y);
-            std::uint16_t* out = frame16.data() + static_cast<std::size_t>(y) * width;
-            for (std::size_t x = 0; x < width; ++x)
-                out[x] = row[x];
-        }
-        ok = file.append(stack, frame16.data(), count);
-        if (!ok)
-            result.error = Texts::unableToWriteMessage().arg(groupPath, file.lastError());
+        // Grey values widen to 16 bits unchanged.
+        ok = stack.append(frame, seconds, result.error);
         times.push_back(seconds);
         progress.update(times.size());
     }
-    file.closeDataset(stack);
-    ok = ok && target.writeTimes(group, FD::Time, times, result.error);
+    stack.close();
     file.closeGroup(group);
     if (ok)
         result.datapaths << groupPath + QLatin1Char('/') + FD::ImageStack

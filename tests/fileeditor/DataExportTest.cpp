@@ -1,6 +1,7 @@
 #include "ConvertTestSupport.h"
 
 #include "datafile/HDF5Writer_V6.h"
+#include "datafile/ImageFrameWriter.h"
 #include "datafile/SignalDataset.h"
 #include "fileeditor/CsvTableReader.h"
 #include "fileeditor/DataExporter.h"
@@ -65,10 +66,14 @@ QString writeDataFile(const test::TempDir& dir)
 
     const hid_t sensor =
         file.createGroupPath(file.fileId(), QStringLiteral("DataAcquisition/Scope/Images/Series1/Cells"));
-    const hid_t stack = file.createImageStack(sensor, FD::ImageStack, Height, Width, 28, 16, 0);
+    ImageStackInfo geometry;
+    geometry.height = Height;
+    geometry.width = Width;
+    ImageFrameWriter stack;
+    EXPECT_TRUE(stack.create(file, sensor, geometry, Frames, {}, error)) << error.toStdString();
     for (int k = 0; k < Frames; ++k)
-        EXPECT_TRUE(file.append(stack, test::testFrame(Width, Height, k).data(), {Height, Width, 1}));
-    file.closeDataset(stack);
+        EXPECT_TRUE(stack.appendRaw(test::testFrame(Width, Height, k).data(), 0.1 * k, error));
+    stack.close();
     file.closeGroup(sensor);
     return path;
 }
