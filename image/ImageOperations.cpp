@@ -4,6 +4,7 @@
 #include "definitions/ImageOperationDefinitions.h"
 #include "framework/OperationRegistry.h"
 #include "image/operations/binning/BinningProcess.h"
+#include "image/operations/downsample/DownSampleProcess.h"
 
 namespace zarvi {
 
@@ -40,11 +41,36 @@ OperationDescriptor binning()
             factory<BinningProcess>()};
 }
 
+OperationDescriptor temporalDownsample()
+{
+    return {ID::TemporalDownsample,
+            OperationFamily::Image,
+            ID::downsampleDescription(),
+            ID::DownSampledImages,
+            imageOutputs(ID::DownSampledImages) +
+                QStringLiteral("; ceil(frames / Factor) frames, each at the time of the first frame of its "
+                               "group; a trailing group shorter than Factor is reduced as it is"),
+            {P::integer(ID::Factor, ID::factorLabel())
+                 .atLeast(1)
+                 .withDefault(2)
+                 .isRequired()
+                 .withTooltip(ID::factorTooltip())
+                 .withExample(QStringLiteral("4")),
+             P::text(ID::Method, ID::methodLabel())
+                 .oneOf({ID::Skip, ID::Mean, ID::Sum, ID::Minimum, ID::Maximum})
+                 .withDefault(ID::Skip)
+                 .isRequired()
+                 .withTooltip(ID::downsampleMethodTooltip())
+                 .withExample(QStringLiteral("\"Mean\""))},
+            factory<DownSampleProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
 {
     registry.add(binning());
+    registry.add(temporalDownsample());
 }
 
 } // namespace zarvi
