@@ -5,6 +5,7 @@
 #include "framework/OperationRegistry.h"
 #include "image/operations/binning/BinningProcess.h"
 #include "image/operations/downsample/DownSampleProcess.h"
+#include "image/operations/stackprojection/StackProjectionProcess.h"
 
 namespace zarvi {
 
@@ -65,12 +66,38 @@ OperationDescriptor temporalDownsample()
             factory<DownSampleProcess>()};
 }
 
+OperationDescriptor stackProjection()
+{
+    // The method is declared optional so that a run without one gets the operation's
+    // own message, from the process.
+    return {
+        ID::StackProjection,
+        OperationFamily::Image,
+        ID::stackProjectionDescription(),
+        ID::StackProjectionImages,
+        imageOutputs(ID::StackProjectionImages) +
+            QStringLiteral("; one frame per stack at the time of its first frame, or with ConcatenateSeries "
+                           "one frame per selected stack, in selection order, in the first stack's output"),
+        {P::text(ID::ProjectionMethod, ID::methodLabel())
+             .oneOf({ID::Maximum, ID::Minimum, ID::Mean, ID::Sum, ID::StandardDeviation})
+             .withTooltip(ID::projectionMethodTooltip())
+             .withExample(QStringLiteral("\"Standard Deviation\"")),
+         P::integer(ID::ConcatenateSeries, ID::concatenateSeriesLabel())
+             .atLeast(0)
+             .atMost(1)
+             .withDefault(0)
+             .withTooltip(ID::concatenateSeriesTooltip())
+             .withExample(QStringLiteral("1"))},
+        factory<StackProjectionProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
 {
     registry.add(binning());
     registry.add(temporalDownsample());
+    registry.add(stackProjection());
 }
 
 } // namespace zarvi
