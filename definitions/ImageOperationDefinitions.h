@@ -127,6 +127,11 @@ public:
     static QString autocontrastLabel() { return tr("Autocontrast"); }
     static QString downsampleParametersTitle() { return tr("Downsample Parameters"); }
     static QString factorLabel() { return tr("Factor"); }
+    static QString factorTooltip()
+    {
+        return tr("Number of consecutive images combined into one image.<br>With <b>Skip</b>, the step "
+                  "between the kept images.");
+    }
     static QString methodLabel() { return tr("Method"); }
     static QString downsampleMethodTooltip()
     {
@@ -182,6 +187,8 @@ public:
     // Progress texts.
     static QString binningProgress() { return tr("Binning images..."); }
     static QString croppingProgress() { return tr("Cropping images..."); }
+    static QString downsamplingProgress() { return tr("Downsampling images..."); }
+    static QString projectingProgress() { return tr("Projecting images..."); }
     static QString discardingProgress() { return tr("Discarding images..."); }
     static QString splitAnalysisProgress()
     {
@@ -206,6 +213,15 @@ public:
         return tr(
             "The coordinates for removing the background are incorrect. Make sure that the ROI for removing "
             "background is drawn correctly.");
+    }
+    static QString factorTooLargeMessage()
+    {
+        return tr("The factor <b>%1</b> is larger than the number of images of <b>%2</b> (<b>%3</b>).");
+    }
+    static QString concatenatedSizeMessage()
+    {
+        return tr("Image stacks written into one output stack must have the same image size: <b>%1</b> "
+                  "is <b>%2 x %3</b>, the output stack <b>%4 x %5</b>.");
     }
     static QString projectionMethodMessage()
     {

@@ -34,11 +34,17 @@ void ImageOperationProcess::runOperation()
         return;
     run.setRecordParameters(recordsParameters());
     m_run = &run;
-    runInputs(run, static_cast<int>(m_sourceDatapaths.size()),
-              [&](int i, Feedback* step) { return processStack(m_sourceDatapaths[i], step); });
+    const int count = static_cast<int>(m_sourceDatapaths.size());
+    runInputs(run, count, [&](int i, Feedback* step) {
+        const bool processed = processStack(m_sourceDatapaths[i], step);
+        // The output is complete before the run commits; one continued across inputs
+        // stays open for the next input.
+        if (!processed || i + 1 == count || !continuesOutputAcrossInputs())
+            closeOutput();
+        return processed;
+    });
     // Whatever happened, nothing may stay open on a file that the run has closed.
-    m_writer.close();
-    m_writerOpen = false;
+    closeOutput();
     m_run = nullptr;
     m_frame.release();
     m_inputTime.clear();
@@ -56,15 +62,26 @@ bool ImageOperationProcess::processStack(const QString& stackPath, Feedback* ste
         addError(ImageOperationDefinitions::noFramesMessage().arg(stackPath));
         return false;
     }
+    // The geometry of an output stack continued from the previous input, if any.
+    const ImageStackInfo continued = m_outputInfo;
     m_inputPath = stackPath;
     m_inputInfo = reader.info();
     m_inputTime = reader.time();
     m_outputInfo = m_inputInfo;
     m_expectedFrames = m_inputInfo.frames;
-    m_outputSensor.clear();
-    m_writerOpen = false;
+    if (!m_writerOpen)
+        m_outputSensor.clear();
     if (!prepareStack(m_inputInfo, m_outputInfo, m_expectedFrames) || !m_errors.isEmpty())
         return false;
+    if (m_writerOpen && (m_outputInfo.width != continued.width || m_outputInfo.height != continued.height)) {
+        addError(ImageOperationDefinitions::concatenatedSizeMessage()
+                     .arg(stackPath)
+                     .arg(m_outputInfo.width)
+                     .arg(m_outputInfo.height)
+                     .arg(continued.width)
+                     .arg(continued.height));
+        return false;
+    }
 
     const int scanShare = firstPassPercent();
     if (scanShare > 0) {
@@ -91,17 +108,19 @@ bool ImageOperationProcess::processStack(const QString& stackPath, Feedback* ste
             return false;
         progress.update(k + 1);
     }
-    const bool finished = finishStack() && m_errors.isEmpty();
-    m_writer.close();
-    m_writerOpen = false;
-    return finished && !isCanceled();
+    return finishStack() && m_errors.isEmpty() && !isCanceled();
 }
 
 void ImageOperationProcess::startOutput(const QString& sensor)
 {
+    closeOutput();
+    m_outputSensor = sensor;
+}
+
+void ImageOperationProcess::closeOutput()
+{
     m_writer.close();
     m_writerOpen = false;
-    m_outputSensor = sensor;
 }
 
 bool ImageOperationProcess::openOutput()

@@ -23,6 +23,10 @@ class ImageFrameReader;
 /// inputs and the passes, cancel is polled between frames, and the run transaction
 /// removes every output on failure or cancel. Outputs go to
 /// "DataProcessed/<device>/Images/<series>/<Output><K>/<sensor>/{ImageStack, Time}".
+/// Each input gets its own output stack, closed after its last frame, unless the
+/// operation continues its output across inputs (continuesOutputAcrossInputs()): then
+/// every input appends to the one stack opened for the first input's output location,
+/// which must keep its frame size, and the stack is closed after the last input.
 /// Lives on the operation's worker thread.
 class ImageOperationProcess : public AbstractOperationProcess
 {
@@ -53,6 +57,9 @@ protected:
     virtual QString outputKind() const;
     /// False when the user asked not to record the parameters with the outputs.
     virtual bool recordsParameters() const { return true; }
+    /// True when all inputs append to one output stack (projections concatenated into
+    /// one stack) instead of each writing its own.
+    virtual bool continuesOutputAcrossInputs() const { return false; }
 
     /// Appends a computed frame (one channel, the stated size) taken at `time` to the
     /// current output stack, creating it on first use. False after adding an error.
@@ -79,6 +86,7 @@ protected:
 private:
     bool processStack(const QString& stackPath, Feedback* step);
     bool openOutput();
+    void closeOutput();
 
     ImageFrameWriter m_writer;
     bool m_writerOpen = false;

@@ -19,22 +19,24 @@
 namespace zarvi::test {
 
 /// Where the test stacks go: a converted series, as the conversion writes it.
-inline QString stackGroup(const QString& sensor = QStringLiteral("Cells"))
+inline QString stackGroup(const QString& sensor = QStringLiteral("Cells"),
+                          const QString& series = QStringLiteral("Series1"))
 {
-    return QStringLiteral("DataConverted/Scope/Images/Series1/") + sensor;
+    return QStringLiteral("DataConverted/Scope/Images/%1/%2").arg(series, sensor);
 }
 
 /// Writes `frames` (CV_16UC1 or any depth, saturated into 16 bits) with times `times`
 /// (0.1 s apart when empty) as a stack in a new or existing file; returns the stack's path.
 inline QString writeStack(const QString& file, const std::vector<cv::Mat>& frames,
-                          std::vector<double> times = {}, const QString& sensor = QStringLiteral("Cells"))
+                          std::vector<double> times = {}, const QString& sensor = QStringLiteral("Cells"),
+                          const QString& series = QStringLiteral("Series1"))
 {
     if (times.empty())
         for (std::size_t k = 0; k < frames.size(); ++k)
             times.push_back(0.1 * static_cast<double>(k));
     HDF5Writer_V6 writer;
     EXPECT_GE(QFile::exists(file) ? writer.open(file) : writer.create(file), 0);
-    const QString group = stackGroup(sensor);
+    const QString group = stackGroup(sensor, series);
     const hid_t id = writer.createGroupPath(writer.fileId(), group);
     ImageStackInfo geometry;
     geometry.height = frames.empty() ? 8 : frames.front().rows;
