@@ -23,6 +23,7 @@ find_package(NLopt REQUIRED)
 
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
 find_package(TIFF REQUIRED)
+find_package(ZLIB REQUIRED)
 pkg_check_modules(XLSXWRITER REQUIRED IMPORTED_TARGET xlsxwriter)
 find_package(QCustomPlotQt6 REQUIRED)
 
