@@ -31,3 +31,5 @@ find_package(GTest REQUIRED)
 find_package(benchmark REQUIRED)
 
 find_program(H5DUMP_EXECUTABLE h5dump)
+# Packs ROI sets in the tests, so that the archive reader meets archives it did not write.
+find_program(ZIP_EXECUTABLE zip)
