@@ -16,6 +16,7 @@ QString TerminalProgress::plainText(const QString& richText)
     text.remove(QRegularExpression(QStringLiteral("<[^>]*>")));
     text.replace(QStringLiteral("&lt;"), QStringLiteral("<"));
     text.replace(QStringLiteral("&gt;"), QStringLiteral(">"));
+    text.replace(QStringLiteral("&quot;"), QStringLiteral("\""));
     text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
     return text;
 }

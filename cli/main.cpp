@@ -4,6 +4,7 @@
 #include "cli/ExportCommand.h"
 #include "cli/HelpCommand.h"
 #include "cli/InfoCommand.h"
+#include "cli/RoisCommand.h"
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/OperationRegistry.h"
@@ -36,7 +37,9 @@ const char* usage =
     "  convert --v5 FILE [--into NEW.orvel]\n"
     "                            bring files into a data file (Ctrl-C cancels)\n"
     "  export FILE --data PATH... --to OUT.(csv|xlsx|tif) [--frames A:B]\n"
-    "                            write datasets to a table or a TIFF stack\n";
+    "                            write datasets to a table or a TIFF stack\n"
+    "  rois FILE --image PATH [--add JSON | --import FILE.roi|RoiSet.zip | --remove NAME]\n"
+    "                            list, add, import (ImageJ) or remove the ROIs of an image stack\n";
 
 } // namespace
 
@@ -75,6 +78,8 @@ int main(int argc, char* argv[])
         return zarvi::ConvertCommand::run(arguments);
     if (command == QStringLiteral("export"))
         return zarvi::ExportCommand::run(arguments);
+    if (command == QStringLiteral("rois"))
+        return zarvi::RoisCommand::run(arguments);
     QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
     return 2;
 }

@@ -23,6 +23,7 @@ find_package(NLopt REQUIRED)
 
 pkg_check_modules(FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil libswscale)
 find_package(TIFF REQUIRED)
+find_package(ZLIB REQUIRED)
 pkg_check_modules(XLSXWRITER REQUIRED IMPORTED_TARGET xlsxwriter)
 find_package(QCustomPlotQt6 REQUIRED)
 
@@ -30,3 +31,5 @@ find_package(GTest REQUIRED)
 find_package(benchmark REQUIRED)
 
 find_program(H5DUMP_EXECUTABLE h5dump)
+# Packs ROI sets in the tests, so that the archive reader meets archives it did not write.
+find_program(ZIP_EXECUTABLE zip)

@@ -112,7 +112,8 @@ public:
 
     // Attributes.
     /// A string, an int, a qlonglong, a double, or a list (QStringList or QVariantList);
-    /// an invalid QVariant when the attribute is missing or of an unhandled type.
+    /// an invalid QVariant when the attribute is missing or of an unhandled type. An
+    /// attribute of several dimensions reads as a flat list in row-major order.
     QVariant readAttribute(hid_t location, const QString& name) const;
     QVariantMap readAllAttributes(hid_t location) const;
     bool attributeExists(hid_t location, const QString& name) const;

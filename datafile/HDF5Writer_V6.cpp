@@ -360,7 +360,7 @@ bool HDF5Writer_V6::appendRaw(hid_t dataset, ElementKind kind, const void* data,
     return writeRaw(dataset, kind, data, start, count);
 }
 
-bool HDF5Writer_V6::writeAttribute(hid_t location, const QString& name, const QVariant& value)
+bool HDF5Writer_V6::canWriteAttribute(hid_t location, const QString& name)
 {
     if (!isValidLocation(location))
         return false;
@@ -368,6 +368,22 @@ bool HDF5Writer_V6::writeAttribute(hid_t location, const QString& name, const QV
         setError(QStringLiteral("Attribute name is empty"));
         return false;
     }
+    return true;
+}
+
+bool HDF5Writer_V6::clearAttribute(hid_t location, const QString& name)
+{
+    if (attributeExists(location, name) && H5Adelete(location, objectName(name).constData()) < 0) {
+        setLibraryError(QStringLiteral("Unable to replace attribute %1").arg(name));
+        return false;
+    }
+    return true;
+}
+
+bool HDF5Writer_V6::writeAttribute(hid_t location, const QString& name, const QVariant& value)
+{
+    if (!canWriteAttribute(location, name))
+        return false;
     // Work out what to write before touching the file, so an unhandled value leaves
     // any existing attribute as it was.
     const HDF5AttributeValue stored = HDF5AttributeValue::fromVariant(value);
@@ -376,12 +392,40 @@ bool HDF5Writer_V6::writeAttribute(hid_t location, const QString& name, const QV
                      .arg(name, QString::fromLatin1(value.typeName() ? value.typeName() : "invalid")));
         return false;
     }
-    const QByteArray attributeName = objectName(name);
-    if (attributeExists(location, name) && H5Adelete(location, attributeName.constData()) < 0) {
-        setLibraryError(QStringLiteral("Unable to replace attribute %1").arg(name));
+    if (!clearAttribute(location, name))
+        return false;
+    if (!stored.create(location, objectName(name))) {
+        setLibraryError(QStringLiteral("Unable to write attribute %1").arg(name));
         return false;
     }
-    if (!stored.create(location, attributeName)) {
+    return true;
+}
+
+bool HDF5Writer_V6::writeAttribute(hid_t location, const QString& name,
+                                   const std::vector<std::int32_t>& values, hsize_t rows, hsize_t columns)
+{
+    if (!canWriteAttribute(location, name))
+        return false;
+    if (values.size() != rows * columns) {
+        setError(QStringLiteral("Attribute %1: %2 values do not fill %3 rows of %4")
+                     .arg(name)
+                     .arg(values.size())
+                     .arg(rows)
+                     .arg(columns));
+        return false;
+    }
+    if (!clearAttribute(location, name))
+        return false;
+    const hsize_t extent[2] = {rows, columns};
+    const HDF5Handle space(H5Screate_simple(2, extent, nullptr), H5Sclose);
+    const HDF5Handle properties(H5Pcreate(H5P_ATTRIBUTE_CREATE), H5Pclose);
+    H5Pset_char_encoding(properties.get(), H5T_CSET_UTF8);
+    const HDF5Handle attribute(H5Acreate2(location, objectName(name).constData(), H5T_STD_I32LE, space.get(),
+                                          properties.get(), H5P_DEFAULT),
+                               H5Aclose);
+    // An array of 0 rows is a valid attribute; there is nothing to write into it.
+    if (!attribute.valid() ||
+        (!values.empty() && H5Awrite(attribute.get(), H5T_NATIVE_INT32, values.data()) < 0)) {
         setLibraryError(QStringLiteral("Unable to write attribute %1").arg(name));
         return false;
     }

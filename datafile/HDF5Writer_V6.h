@@ -2,6 +2,9 @@
 
 #include "datafile/HDF5Manager_V6.h"
 
+#include <cstdint>
+#include <vector>
+
 namespace zarvi {
 
 /// Creation, writing, extension, deletion, renaming and copying in a data file.
@@ -62,12 +65,21 @@ public:
     /// nothing, fail and leave an existing attribute untouched. An empty list is
     /// written as a 1-D attribute of 0 elements.
     bool writeAttribute(hid_t location, const QString& name, const QVariant& value);
+    /// Replaces any attribute of that name with a rows x columns array of 32-bit signed
+    /// integers, `values` in row-major order (rows * columns of them). readAttribute()
+    /// gives it back as a flat list in the same order, attributeDimensions() its shape.
+    bool writeAttribute(hid_t location, const QString& name, const std::vector<std::int32_t>& values,
+                        hsize_t rows, hsize_t columns);
     bool deleteAttribute(hid_t location, const QString& name);
     bool renameAttribute(hid_t location, const QString& oldName, const QString& newName);
 
     bool flush();
 
 private:
+    /// The location is open and the name not empty; otherwise lastError() says which.
+    bool canWriteAttribute(hid_t location, const QString& name);
+    /// Deletes an attribute of that name, if any, so that a new one can be created.
+    bool clearAttribute(hid_t location, const QString& name);
     bool writeRaw(hid_t dataset, ElementKind kind, const void* data, const std::vector<hsize_t>& start,
                   const std::vector<hsize_t>& count);
     bool appendRaw(hid_t dataset, ElementKind kind, const void* data, const std::vector<hsize_t>& count);

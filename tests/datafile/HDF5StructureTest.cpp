@@ -56,6 +56,13 @@ TEST(HDF5Structure, AttributeIsReplacedByAnotherType)
     EXPECT_FALSE(writer.writeAttribute(group, "X", QVariantList{1, QStringLiteral("a")}));
     EXPECT_EQ(writer.attributeDimensions(group, "X"), std::vector<hsize_t>{3});
 
+    // An integer matrix reads back row after row; values that do not fill it are refused.
+    ASSERT_TRUE(writer.writeAttribute(group, "X", std::vector<std::int32_t>{1, 2, 3, 4, 5, -6}, 3, 2));
+    expectSameVariant(writer.readAttribute(group, "X"), QVariantList{1, 2, 3, 4, 5, -6}, "int matrix");
+    EXPECT_EQ(writer.attributeDimensions(group, "X"), (std::vector<hsize_t>{3, 2}));
+    EXPECT_FALSE(writer.writeAttribute(group, "X", std::vector<std::int32_t>{1, 2, 3}, 2, 2));
+    EXPECT_EQ(writer.attributeDimensions(group, "X"), (std::vector<hsize_t>{3, 2}));
+
     ASSERT_TRUE(writer.renameAttribute(group, "X", "Y"));
     EXPECT_FALSE(writer.attributeExists(group, "X"));
     EXPECT_TRUE(writer.attributeExists(group, "Y"));
