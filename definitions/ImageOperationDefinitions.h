@@ -118,6 +118,11 @@ public:
             "single pixels.");
     }
     static QString cropCoordinatesLabel() { return tr("Crop Coordinates"); }
+    static QString cropCoordinatesTooltip()
+    {
+        return tr("The crop area: <b>x</b> and <b>y</b> of its top left pixel, then its <b>width</b> and "
+                  "<b>height</b>, in pixels.");
+    }
     static QString topLeftLabel() { return tr("Top Left (x, y)"); }
     static QString sizeLabel() { return tr("Size (width, height)"); }
     static QString sizeTooltip() { return tr("Defines the crop area size (in pixels)."); }

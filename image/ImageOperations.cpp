@@ -4,6 +4,7 @@
 #include "definitions/ImageOperationDefinitions.h"
 #include "framework/OperationRegistry.h"
 #include "image/operations/binning/BinningProcess.h"
+#include "image/operations/crop/CropProcess.h"
 
 namespace zarvi {
 
@@ -40,11 +41,26 @@ OperationDescriptor binning()
             factory<BinningProcess>()};
 }
 
+OperationDescriptor crop()
+{
+    return {ID::Crop,
+            OperationFamily::Image,
+            ID::cropDescription(),
+            ID::CroppedImages,
+            imageOutputs(ID::CroppedImages),
+            {P::numbers(ID::CropCoordinates, ID::cropCoordinatesLabel())
+                 .isRequired()
+                 .withTooltip(ID::cropCoordinatesTooltip())
+                 .withExample(QStringLiteral("[16, 32, 128, 96]"))},
+            factory<CropProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
 {
     registry.add(binning());
+    registry.add(crop());
 }
 
 } // namespace zarvi
