@@ -150,7 +150,21 @@ public:
             "and drag.");
     }
     static QString autodetectLabel() { return tr("Autodetect Black/Corrupted Frames"); }
+    static QString autodetectTooltip()
+    {
+        return tr("Also discards the black frames (every pixel 0) and the corrupted frames, whose mean "
+                  "intensity lies more than 5 robust standard deviations from the median of the frame "
+                  "means.");
+    }
     static QString interpolateLabel() { return tr("Interpolate"); }
+    static QString interpolateTooltip()
+    {
+        return tr(
+            "If checked, each discarded frame is replaced by the linear interpolation, in time, between "
+            "the nearest kept frames before and after it (a copy of the nearest kept frame at either "
+            "end of the stack), so the stack keeps its number of frames. Otherwise the discarded "
+            "frames are removed.");
+    }
     static QString dontSaveParametersLabel() { return tr("Do not save parameters"); }
     static QString dontSaveParametersTooltip()
     {
@@ -211,6 +225,15 @@ public:
         return tr(
             "The coordinates for removing the background are incorrect. Make sure that the ROI for removing "
             "background is drawn correctly.");
+    }
+    static QString discardedFrameMessage()
+    {
+        return tr("The frame <b>%1</b> cannot be discarded: the frames of the image stack <b>%2</b> are "
+                  "numbered from 0 to <b>%3</b>.");
+    }
+    static QString allFramesDiscardedMessage()
+    {
+        return tr("Every frame of the image stack <b>%1</b> would be discarded. Keep at least one frame.");
     }
     static QString projectionMethodMessage()
     {

@@ -5,6 +5,8 @@
 #include "framework/OperationRegistry.h"
 #include "image/operations/binning/BinningProcess.h"
 #include "image/operations/crop/CropProcess.h"
+#include "image/operations/discardframes/DiscardFramesProcess.h"
+#include "image/operations/discardframes/FrameAutodetection.h"
 
 namespace zarvi {
 
@@ -55,12 +57,46 @@ OperationDescriptor crop()
             factory<CropProcess>()};
 }
 
+/// 0 or 1, for the check-box keys.
+P checkBoxParameter(const QString& key, const QString& label, const QString& tooltip)
+{
+    return P::integer(key, label).atLeast(0).atMost(1).withDefault(0).withTooltip(tooltip);
+}
+
+OperationDescriptor discardFrames()
+{
+    return {ID::DiscardFrames,
+            OperationFamily::Image,
+            ID::discardFramesDescription(),
+            ID::ReducedStackImages,
+            imageOutputs(ID::ReducedStackImages) +
+                QStringLiteral(
+                    " (none with DontSaveParameters = 1). The kept frames in order with their own times; "
+                    "DiscardedFrames are 0-based indices. Autodetection also discards the black frames "
+                    "(maximum 0) and the frames whose mean lies more than %1 x max(1.4826 MAD, %2 x median) "
+                    "from the median of the means of the frames that are not black (MAD: the median "
+                    "absolute deviation of those means). With InterpolateFrames = 1 every frame is written, "
+                    "a discarded one replaced by the linear interpolation in time between the nearest kept "
+                    "frames (a copy of the nearest kept frame at either end).")
+                    .arg(corruptedFrameDeviations)
+                    .arg(minimumRelativeSpread),
+            {P::numbers(ID::DiscardedFrames, ID::selectFramesLabel())
+                 .withTooltip(ID::selectFramesTooltip())
+                 .withExample(QStringLiteral("[1, 3, 10]")),
+             checkBoxParameter(ID::AutodetectCorruptedFrames, ID::autodetectLabel(), ID::autodetectTooltip()),
+             checkBoxParameter(ID::InterpolateFrames, ID::interpolateLabel(), ID::interpolateTooltip()),
+             checkBoxParameter(ID::DontSaveParameters, ID::dontSaveParametersLabel(),
+                               ID::dontSaveParametersTooltip())},
+            factory<DiscardFramesProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
 {
     registry.add(binning());
     registry.add(crop());
+    registry.add(discardFrames());
 }
 
 } // namespace zarvi
