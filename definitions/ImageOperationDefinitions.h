@@ -174,6 +174,12 @@ public:
                   "careful, since the parameters are not saved, they cannot be retrieved later.");
     }
     static QString splitParametersTitle() { return tr("Split in Series Parameters"); }
+    static QString splitMethodTooltip()
+    {
+        return tr("<b>Detect Time Gaps</b>: a new series starts wherever the time between two images is at "
+                  "least the Duration.<br><b>Split by Duration</b>: each series holds the images taken less "
+                  "than the Duration after its first image.");
+    }
     static QString durationLabel() { return tr("Duration"); }
     static QString splitDurationTooltip()
     {
@@ -234,6 +240,11 @@ public:
     static QString allFramesDiscardedMessage()
     {
         return tr("Every frame of the image stack <b>%1</b> would be discarded. Keep at least one frame.");
+    }
+    static QString splitDurationMessage()
+    {
+        return tr("The duration <b>%1</b> is incorrect. Write it as <b>%2</b> (hours, minutes, seconds, "
+                  "milliseconds), for example 00:00:01:500, and make it longer than zero.");
     }
     static QString projectionMethodMessage()
     {

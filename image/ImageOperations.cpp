@@ -7,6 +7,7 @@
 #include "image/operations/crop/CropProcess.h"
 #include "image/operations/discardframes/DiscardFramesProcess.h"
 #include "image/operations/discardframes/FrameAutodetection.h"
+#include "image/operations/splitimagesinseries/SplitImagesInSeriesProcess.h"
 
 namespace zarvi {
 
@@ -90,6 +91,30 @@ OperationDescriptor discardFrames()
             factory<DiscardFramesProcess>()};
 }
 
+OperationDescriptor splitImagesInSeries()
+{
+    return {
+        ID::SplitImagesInSeries,
+        OperationFamily::Image,
+        ID::splitDescription(),
+        ID::SplitedImages,
+        QStringLiteral("DataProcessed/<device>/Images/<series>/%1<K>/<sensor>_<n>/: %2 and %3 of the n-th "
+                       "series (n from 1), with the input frames' own times and the parameters as "
+                       "attributes. A time step of exactly the Duration is a gap; in Split by Duration a "
+                       "frame exactly the Duration after a series' first frame starts the next series.")
+            .arg(ID::SplitedImages, FileDefinitions::ImageStack, FileDefinitions::Time),
+        {P::text(ID::Method, ID::methodLabel())
+             .oneOf({ID::DetectTimeGaps, ID::SplitByDuration})
+             .withDefault(ID::DetectTimeGaps)
+             .isRequired()
+             .withTooltip(ID::splitMethodTooltip()),
+         P::text(ID::Duration, ID::durationLabel())
+             .isRequired()
+             .withTooltip(ID::splitDurationTooltip())
+             .withExample(QStringLiteral("\"00:00:01:500\" (%1)").arg(ID::DurationFormat))},
+        factory<SplitImagesInSeriesProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
@@ -97,6 +122,7 @@ void registerImageOperations(OperationRegistry& registry)
     registry.add(binning());
     registry.add(crop());
     registry.add(discardFrames());
+    registry.add(splitImagesInSeries());
 }
 
 } // namespace zarvi
