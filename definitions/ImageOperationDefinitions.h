@@ -118,6 +118,11 @@ public:
             "single pixels.");
     }
     static QString cropCoordinatesLabel() { return tr("Crop Coordinates"); }
+    static QString cropCoordinatesTooltip()
+    {
+        return tr("The crop area: <b>x</b> and <b>y</b> of its top left pixel, then its <b>width</b> and "
+                  "<b>height</b>, in pixels.");
+    }
     static QString topLeftLabel() { return tr("Top Left (x, y)"); }
     static QString sizeLabel() { return tr("Size (width, height)"); }
     static QString sizeTooltip() { return tr("Defines the crop area size (in pixels)."); }
@@ -150,7 +155,21 @@ public:
             "and drag.");
     }
     static QString autodetectLabel() { return tr("Autodetect Black/Corrupted Frames"); }
+    static QString autodetectTooltip()
+    {
+        return tr("Also discards the black frames (every pixel 0) and the corrupted frames, whose mean "
+                  "intensity lies more than 5 robust standard deviations from the median of the frame "
+                  "means.");
+    }
     static QString interpolateLabel() { return tr("Interpolate"); }
+    static QString interpolateTooltip()
+    {
+        return tr(
+            "If checked, each discarded frame is replaced by the linear interpolation, in time, between "
+            "the nearest kept frames before and after it (a copy of the nearest kept frame at either "
+            "end of the stack), so the stack keeps its number of frames. Otherwise the discarded "
+            "frames are removed.");
+    }
     static QString dontSaveParametersLabel() { return tr("Do not save parameters"); }
     static QString dontSaveParametersTooltip()
     {
@@ -160,6 +179,12 @@ public:
                   "careful, since the parameters are not saved, they cannot be retrieved later.");
     }
     static QString splitParametersTitle() { return tr("Split in Series Parameters"); }
+    static QString splitMethodTooltip()
+    {
+        return tr("<b>Detect Time Gaps</b>: a new series starts wherever the time between two images is at "
+                  "least the Duration.<br><b>Split by Duration</b>: each series holds the images taken less "
+                  "than the Duration after its first image.");
+    }
     static QString durationLabel() { return tr("Duration"); }
     static QString splitDurationTooltip()
     {
@@ -222,6 +247,19 @@ public:
     {
         return tr("Image stacks written into one output stack must have the same image size: <b>%1</b> "
                   "is <b>%2 x %3</b>, the output stack <b>%4 x %5</b>.");
+    static QString discardedFrameMessage()
+    {
+        return tr("The frame <b>%1</b> cannot be discarded: the frames of the image stack <b>%2</b> are "
+                  "numbered from 0 to <b>%3</b>.");
+    }
+    static QString allFramesDiscardedMessage()
+    {
+        return tr("Every frame of the image stack <b>%1</b> would be discarded. Keep at least one frame.");
+    }
+    static QString splitDurationMessage()
+    {
+        return tr("The duration <b>%1</b> is incorrect. Write it as <b>%2</b> (hours, minutes, seconds, "
+                  "milliseconds), for example 00:00:01:500, and make it longer than zero.");
     }
     static QString projectionMethodMessage()
     {

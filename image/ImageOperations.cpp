@@ -6,6 +6,10 @@
 #include "image/operations/binning/BinningProcess.h"
 #include "image/operations/downsample/DownSampleProcess.h"
 #include "image/operations/stackprojection/StackProjectionProcess.h"
+#include "image/operations/crop/CropProcess.h"
+#include "image/operations/discardframes/DiscardFramesProcess.h"
+#include "image/operations/discardframes/FrameAutodetection.h"
+#include "image/operations/splitimagesinseries/SplitImagesInSeriesProcess.h"
 
 namespace zarvi {
 
@@ -89,6 +93,75 @@ OperationDescriptor stackProjection()
              .withTooltip(ID::concatenateSeriesTooltip())
              .withExample(QStringLiteral("1"))},
         factory<StackProjectionProcess>()};
+OperationDescriptor crop()
+{
+    return {ID::Crop,
+            OperationFamily::Image,
+            ID::cropDescription(),
+            ID::CroppedImages,
+            imageOutputs(ID::CroppedImages),
+            {P::numbers(ID::CropCoordinates, ID::cropCoordinatesLabel())
+                 .isRequired()
+                 .withTooltip(ID::cropCoordinatesTooltip())
+                 .withExample(QStringLiteral("[16, 32, 128, 96]"))},
+            factory<CropProcess>()};
+}
+
+/// 0 or 1, for the check-box keys.
+P checkBoxParameter(const QString& key, const QString& label, const QString& tooltip)
+{
+    return P::integer(key, label).atLeast(0).atMost(1).withDefault(0).withTooltip(tooltip);
+}
+
+OperationDescriptor discardFrames()
+{
+    return {ID::DiscardFrames,
+            OperationFamily::Image,
+            ID::discardFramesDescription(),
+            ID::ReducedStackImages,
+            imageOutputs(ID::ReducedStackImages) +
+                QStringLiteral(
+                    " (none with DontSaveParameters = 1). The kept frames in order with their own times; "
+                    "DiscardedFrames are 0-based indices. Autodetection also discards the black frames "
+                    "(maximum 0) and the frames whose mean lies more than %1 x max(1.4826 MAD, %2 x median) "
+                    "from the median of the means of the frames that are not black (MAD: the median "
+                    "absolute deviation of those means). With InterpolateFrames = 1 every frame is written, "
+                    "a discarded one replaced by the linear interpolation in time between the nearest kept "
+                    "frames (a copy of the nearest kept frame at either end).")
+                    .arg(corruptedFrameDeviations)
+                    .arg(minimumRelativeSpread),
+            {P::numbers(ID::DiscardedFrames, ID::selectFramesLabel())
+                 .withTooltip(ID::selectFramesTooltip())
+                 .withExample(QStringLiteral("[1, 3, 10]")),
+             checkBoxParameter(ID::AutodetectCorruptedFrames, ID::autodetectLabel(), ID::autodetectTooltip()),
+             checkBoxParameter(ID::InterpolateFrames, ID::interpolateLabel(), ID::interpolateTooltip()),
+             checkBoxParameter(ID::DontSaveParameters, ID::dontSaveParametersLabel(),
+                               ID::dontSaveParametersTooltip())},
+            factory<DiscardFramesProcess>()};
+}
+
+OperationDescriptor splitImagesInSeries()
+{
+    return {
+        ID::SplitImagesInSeries,
+        OperationFamily::Image,
+        ID::splitDescription(),
+        ID::SplitedImages,
+        QStringLiteral("DataProcessed/<device>/Images/<series>/%1<K>/<sensor>_<n>/: %2 and %3 of the n-th "
+                       "series (n from 1), with the input frames' own times and the parameters as "
+                       "attributes. A time step of exactly the Duration is a gap; in Split by Duration a "
+                       "frame exactly the Duration after a series' first frame starts the next series.")
+            .arg(ID::SplitedImages, FileDefinitions::ImageStack, FileDefinitions::Time),
+        {P::text(ID::Method, ID::methodLabel())
+             .oneOf({ID::DetectTimeGaps, ID::SplitByDuration})
+             .withDefault(ID::DetectTimeGaps)
+             .isRequired()
+             .withTooltip(ID::splitMethodTooltip()),
+         P::text(ID::Duration, ID::durationLabel())
+             .isRequired()
+             .withTooltip(ID::splitDurationTooltip())
+             .withExample(QStringLiteral("\"00:00:01:500\" (%1)").arg(ID::DurationFormat))},
+        factory<SplitImagesInSeriesProcess>()};
 }
 
 } // namespace
@@ -98,6 +171,9 @@ void registerImageOperations(OperationRegistry& registry)
     registry.add(binning());
     registry.add(temporalDownsample());
     registry.add(stackProjection());
+    registry.add(crop());
+    registry.add(discardFrames());
+    registry.add(splitImagesInSeries());
 }
 
 } // namespace zarvi
