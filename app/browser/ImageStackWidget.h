@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/browser/FrameContrast.h"
+#include "roi/FrameContrast.h"
 
 #include <QWidget>
 
