@@ -1,9 +1,9 @@
 #include "app/browser/ImageStackWidget.h"
 
-#include "app/browser/FrameView.h"
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "framework/LockedFileRead.h"
+#include "roi/ZarviGraphicsView.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -18,7 +18,7 @@ namespace zarvi {
 using DD = DatasetDefinitions;
 
 ImageStackWidget::ImageStackWidget(const QString& filePath, const QString& datasetPath, QWidget* parent)
-    : QWidget(parent), m_filePath(filePath), m_datasetPath(datasetPath), m_view(new FrameView(this)),
+    : QWidget(parent), m_filePath(filePath), m_datasetPath(datasetPath), m_view(new ZarviGraphicsView(this)),
       m_slider(new QSlider(Qt::Horizontal, this)), sb_frame(new QSpinBox(this)), lb_frame(new QLabel(this)),
       cb_autoContrast(new QCheckBox(DD::autoContrastLabel(), this)), lb_pixel(new QLabel(this))
 {
@@ -29,6 +29,7 @@ ImageStackWidget::ImageStackWidget(const QString& filePath, const QString& datas
     cb_autoContrast->setObjectName(QStringLiteral("cb_autoContrast"));
     lb_pixel->setObjectName(QStringLiteral("lb_pixel"));
     cb_autoContrast->setChecked(true);
+    m_view->setAutoContrast(true);
     lb_pixel->setMinimumWidth(
         fontMetrics().horizontalAdvance(DD::pixelLabel().arg(9999, 4).arg(9999).arg(65535)));
 
@@ -47,7 +48,7 @@ ImageStackWidget::ImageStackWidget(const QString& filePath, const QString& datas
     connect(sb_frame, qOverload<int>(&QSpinBox::valueChanged), this,
             [this](int value) { showFrame(value - 1); });
     connect(cb_autoContrast, &QCheckBox::toggled, this, &ImageStackWidget::setAutoContrast);
-    connect(m_view, &FrameView::pixelHovered, this, &ImageStackWidget::showPixel);
+    connect(m_view, &ZarviGraphicsView::pixelHovered, this, [this](int x, int y) { showPixel(x, y); });
 }
 
 bool ImageStackWidget::load(QString& error)
@@ -87,7 +88,6 @@ bool ImageStackWidget::load(QString& error)
             reader.closeDataset(time);
         }
     }
-    m_frame.assign(static_cast<std::size_t>(m_width) * m_height, 0);
     {
         const QSignalBlocker blockSlider(m_slider);
         const QSignalBlocker blockSpin(sb_frame);
@@ -107,6 +107,7 @@ bool ImageStackWidget::showFrame(int index)
 {
     if (index < 0 || index >= m_frames)
         return false;
+    std::vector<std::uint16_t> frame(static_cast<std::size_t>(m_width) * m_height);
     {
         LockedFileRead read(m_filePath);
         if (!read.isOpen()) {
@@ -118,7 +119,7 @@ bool ImageStackWidget::showFrame(int index)
         const hid_t dataset = reader.openDataset(read.file(), m_datasetPath);
         const std::vector<hsize_t> start = {0, 0, static_cast<hsize_t>(index)};
         const std::vector<hsize_t> count = {static_cast<hsize_t>(m_height), static_cast<hsize_t>(m_width), 1};
-        const bool ok = dataset >= 0 && reader.read(dataset, start, count, m_frame.data());
+        const bool ok = dataset >= 0 && reader.read(dataset, start, count, frame.data());
         const QString error = reader.lastError();
         reader.closeDataset(dataset);
         if (!ok) {
@@ -127,13 +128,13 @@ bool ImageStackWidget::showFrame(int index)
         }
     }
     m_current = index;
+    m_view->setFrame(std::move(frame), m_width, m_height, m_bitCount);
     {
         const QSignalBlocker blockSlider(m_slider);
         const QSignalBlocker blockSpin(sb_frame);
         m_slider->setValue(index);
         sb_frame->setValue(index + 1);
     }
-    refreshImage();
     updateFrameLabel();
     return true;
 }
@@ -143,17 +144,17 @@ void ImageStackWidget::setAutoContrast(bool enabled)
     if (cb_autoContrast->isChecked() != enabled)
         cb_autoContrast->setChecked(enabled); // comes back here through toggled()
     else
-        refreshImage();
+        m_view->setAutoContrast(enabled);
 }
 
-void ImageStackWidget::refreshImage()
+std::span<const std::uint16_t> ImageStackWidget::frame() const
 {
-    if (m_current < 0)
-        return;
-    m_contrast = cb_autoContrast->isChecked()
-                     ? FrameContrast::percentileRange(m_frame, DD::AutoContrastLow, DD::AutoContrastHigh)
-                     : FrameContrast::fullRange(m_bitCount);
-    m_view->setImage(FrameContrast::toGray8(m_frame, m_width, m_height, m_contrast));
+    return m_view->frame();
+}
+
+ContrastRange ImageStackWidget::contrast() const
+{
+    return m_view->contrast();
 }
 
 void ImageStackWidget::updateFrameLabel()
@@ -168,11 +169,11 @@ void ImageStackWidget::updateFrameLabel()
 
 void ImageStackWidget::showPixel(int x, int y)
 {
-    if (m_current < 0 || x < 0 || y < 0 || x >= m_width || y >= m_height) {
+    const int value = m_current < 0 ? -1 : m_view->pixelValue(x, y);
+    if (value < 0) {
         lb_pixel->clear();
         return;
     }
-    const std::uint16_t value = m_frame[static_cast<std::size_t>(y) * m_width + x];
     lb_pixel->setText(DD::pixelLabel().arg(x).arg(y).arg(value));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/browser/FrameContrast.h"
+#include "roi/FrameContrast.h"
 
 #include <QWidget>
 
@@ -15,12 +15,13 @@ class QSpinBox;
 
 namespace zarvi {
 
-class FrameView;
+class ZarviGraphicsView;
 
 /// Browses an image stack (height x width x frames) of a data file one frame at
 /// a time: a frame slider, autocontrast between the 0.5 and 99.5 percentiles of
 /// the frame (or the full range of its bit count), and the value of the pixel
-/// under the mouse. Each frame is read on demand by hyperslab, the file being
+/// under the mouse; the frame is shown in a ZarviGraphicsView, so it zooms with
+/// the wheel and pans with the middle button. Each frame is read on demand by hyperslab, the file being
 /// opened and closed around the read. GUI thread.
 class ImageStackWidget : public QWidget
 {
@@ -40,8 +41,8 @@ public:
     int frameWidth() const { return m_width; }
     int frameHeight() const { return m_height; }
     int currentFrame() const { return m_current; }
-    std::span<const std::uint16_t> frame() const { return m_frame; }
-    ContrastRange contrast() const { return m_contrast; }
+    std::span<const std::uint16_t> frame() const;
+    ContrastRange contrast() const;
     /// Shows the value of pixel (x, y) of the current frame; (-1, -1) clears it.
     void showPixel(int x, int y);
     QString pixelText() const;
@@ -50,7 +51,6 @@ signals:
     void sendStatusMessage(const QString& text);
 
 private:
-    void refreshImage();
     void updateFrameLabel();
 
     QString m_filePath;
@@ -61,10 +61,8 @@ private:
     int m_bitCount = 16;
     int m_current = -1;
     std::vector<double> m_frameTimes;
-    std::vector<std::uint16_t> m_frame;
-    ContrastRange m_contrast;
 
-    FrameView* m_view;
+    ZarviGraphicsView* m_view;
     QSlider* m_slider;
     QSpinBox* sb_frame;
     QLabel* lb_frame;

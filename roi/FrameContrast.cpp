@@ -1,4 +1,4 @@
-#include "app/browser/FrameContrast.h"
+#include "roi/FrameContrast.h"
 
 #include <algorithm>
 #include <cmath>
