@@ -247,6 +247,7 @@ public:
     {
         return tr("Image stacks written into one output stack must have the same image size: <b>%1</b> "
                   "is <b>%2 x %3</b>, the output stack <b>%4 x %5</b>.");
+    }
     static QString discardedFrameMessage()
     {
         return tr("The frame <b>%1</b> cannot be discarded: the frames of the image stack <b>%2</b> are "

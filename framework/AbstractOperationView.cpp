@@ -9,6 +9,7 @@
 #include "framework/ProgressDialogFactory.h"
 
 #include <QFormLayout>
+#include <QLabel>
 #include <QMessageBox>
 #include <QProgressDialog>
 #include <QThread>
@@ -165,6 +166,22 @@ void AbstractOperationView::onProcessFinished(const QString& filepath, const QSt
         m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), errors.join(QStringLiteral("<br>")),
                          QString(), QMessageBox::Critical);
     emit sendProcessFinished(filepath, datapaths, errors);
+}
+
+QLabel* AbstractOperationView::makeValidationLabel(const QString& objectName)
+{
+    auto* label = new QLabel(this);
+    label->setObjectName(objectName);
+    label->setStyleSheet(QStringLiteral("color: red;"));
+    label->setWordWrap(true);
+    label->hide();
+    return label;
+}
+
+void AbstractOperationView::setValidationText(QLabel* label, const QString& text)
+{
+    label->setText(text);
+    label->setVisible(!text.isEmpty());
 }
 
 } // namespace zarvi

@@ -8,6 +8,7 @@
 #include <memory>
 
 class QFormLayout;
+class QLabel;
 class QProgressDialog;
 class QThread;
 
@@ -85,6 +86,10 @@ protected:
     /// The parameters the operation last ran with from a dialog (empty the first time),
     /// for views whose fields are not made by addParameterRow().
     const QVariantMap& rememberedParameters() const { return m_remembered; }
+    /// A hidden red label for a validation text beside a field.
+    QLabel* makeValidationLabel(const QString& objectName);
+    /// Shows `text` in `label`, or hides the label when `text` is empty.
+    static void setValidationText(QLabel* label, const QString& text);
     /// Shows a message the way the process's messages are shown (a message box, or
     /// what a test put in its place).
     void showMessage(const QString& title, const QString& message, const QString& details, int icon);

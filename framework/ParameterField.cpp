@@ -2,6 +2,7 @@
 
 #include "framework/OperationParameter.h"
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLineEdit>
@@ -24,6 +25,11 @@ QWidget* ParameterField::create(const OperationParameter& parameter, const QStri
     QWidget* field = nullptr;
     switch (parameter.kind) {
     case ParameterKind::Int: {
+        // An integer that is 0 or 1 is a switch.
+        if (parameter.minimum == 0.0 && parameter.maximum == 1.0) {
+            field = new QCheckBox(parent);
+            break;
+        }
         auto* box = new QSpinBox(parent);
         box->setRange(
             parameter.minimum ? static_cast<int>(*parameter.minimum) : std::numeric_limits<int>::min(),
@@ -58,6 +64,8 @@ QWidget* ParameterField::create(const OperationParameter& parameter, const QStri
 
 QVariant ParameterField::value(const QWidget* field)
 {
+    if (const auto* box = qobject_cast<const QCheckBox*>(field))
+        return box->isChecked() ? 1 : 0;
     if (const auto* box = qobject_cast<const QSpinBox*>(field))
         return box->value();
     if (const auto* box = qobject_cast<const QDoubleSpinBox*>(field))
@@ -71,7 +79,9 @@ QVariant ParameterField::value(const QWidget* field)
 
 void ParameterField::setValue(QWidget* field, const QVariant& value)
 {
-    if (auto* box = qobject_cast<QSpinBox*>(field))
+    if (auto* box = qobject_cast<QCheckBox*>(field))
+        box->setChecked(value.toInt() != 0);
+    else if (auto* box = qobject_cast<QSpinBox*>(field))
         box->setValue(value.toInt());
     else if (auto* box = qobject_cast<QDoubleSpinBox*>(field))
         box->setValue(value.toDouble());

@@ -9,8 +9,9 @@ namespace zarvi {
 
 struct OperationParameter;
 
-/// The simple field of one declared parameter, made from its declaration: a spin box
-/// for an integer, a double spin box for a number (range from the declaration), a combo
+/// The simple field of one declared parameter, made from its declaration: a check box
+/// for an integer that is 0 or 1, a spin box for another integer, a double spin box for
+/// a number (range from the declaration), a combo
 /// box for a text with choices (editable when other texts are accepted), a line edit for
 /// any other text; with the declared tooltip and filled with the declared default. Views
 /// lay the fields out themselves and add what a declaration cannot say (previews, check

@@ -4,12 +4,12 @@
 #include "definitions/ImageOperationDefinitions.h"
 #include "framework/OperationRegistry.h"
 #include "image/operations/binning/BinningProcess.h"
-#include "image/operations/downsample/DownSampleProcess.h"
-#include "image/operations/stackprojection/StackProjectionProcess.h"
 #include "image/operations/crop/CropProcess.h"
 #include "image/operations/discardframes/DiscardFramesProcess.h"
 #include "image/operations/discardframes/FrameAutodetection.h"
+#include "image/operations/downsample/DownSampleProcess.h"
 #include "image/operations/splitimagesinseries/SplitImagesInSeriesProcess.h"
+#include "image/operations/stackprojection/StackProjectionProcess.h"
 
 namespace zarvi {
 
@@ -93,6 +93,8 @@ OperationDescriptor stackProjection()
              .withTooltip(ID::concatenateSeriesTooltip())
              .withExample(QStringLiteral("1"))},
         factory<StackProjectionProcess>()};
+}
+
 OperationDescriptor crop()
 {
     return {ID::Crop,

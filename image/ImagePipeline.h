@@ -1,10 +1,11 @@
 #pragma once
 
 #include "framework/AbstractPipeline.h"
+#include "image/ImageOperationDialog.h"
 
 namespace zarvi {
 
-/// The operations of 2-D image stacks. GUI thread.
+/// The operations of 2-D image stacks, opened in ImageOperationDialog. GUI thread.
 class ImagePipeline : public AbstractPipeline
 {
     Q_OBJECT
@@ -13,6 +14,12 @@ public:
     explicit ImagePipeline(QWidget* parent = nullptr) : AbstractPipeline(OperationFamily::Image, parent)
     {
         buildOperationList();
+    }
+
+protected:
+    OperationDialog* createDialog(AbstractOperationView* view) override
+    {
+        return new ImageOperationDialog(view, this);
     }
 };
 

@@ -4,14 +4,11 @@
 
 #include <cstddef>
 
-class QLabel;
-
 namespace zarvi {
 
 /// Common base of the signal operation views: knows the sample rate of the first
 /// selected signal, which the views check their frequencies and windows against
-/// (each process checks every signal again), and makes the red validation labels
-/// shown beside the fields. GUI thread.
+/// (each process checks every signal again). GUI thread.
 class SignalOperationView : public AbstractOperationView
 {
     Q_OBJECT
@@ -27,10 +24,6 @@ public:
 protected:
     /// Reads the sample rate and count; views that override it call it first.
     void datasetsChanged() override;
-    /// A hidden red label for a validation text beside a field.
-    QLabel* makeValidationLabel(const QString& objectName);
-    /// Shows `text` in `label`, or hides the label when `text` is empty.
-    static void setValidationText(QLabel* label, const QString& text);
 
 private:
     double m_sampleRate = 0.0;
