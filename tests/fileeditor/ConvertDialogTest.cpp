@@ -13,6 +13,7 @@
 #include <QTimer>
 
 #include "datafile/HDF5Writer_V6.h"
+#include "datafile/ImageFrameWriter.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "fileeditor/ConvertDialog.h"
@@ -191,10 +192,14 @@ TEST(ExportDialog, ListsDatasetsChecksTheSelectionAndExportsAFrameRange)
                                          Signal{{0.0, 1.0}, {3.0, 4.0}, QStringLiteral("V")}, {}, error));
         const hid_t group =
             writer.createGroupPath(writer.fileId(), QStringLiteral("DataAcquisition/Scope/Images/Series1/A"));
-        const hid_t stack = writer.createImageStack(group, FileDefinitions::ImageStack, 4, 5, 28, 16, 0);
+        ImageStackInfo geometry;
+        geometry.height = 4;
+        geometry.width = 5;
+        ImageFrameWriter stack;
+        ASSERT_TRUE(stack.create(writer, group, geometry, 8, {}, error)) << error.toStdString();
         for (int k = 0; k < 8; ++k)
-            ASSERT_TRUE(writer.append(stack, test::testFrame(5, 4, k).data(), {4, 5, 1}));
-        writer.closeDataset(stack);
+            ASSERT_TRUE(stack.appendRaw(test::testFrame(5, 4, k).data(), 0.1 * k, error));
+        stack.close();
         writer.closeGroup(group);
     }
     ExportDialog dialog(file, {QStringLiteral("DataAcquisition/Scope/Images/Series1/A")}, nullptr);
