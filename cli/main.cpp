@@ -8,6 +8,7 @@
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/OperationRegistry.h"
+#include "behavior/BehaviorOperations.h"
 #include "image/ImageOperations.h"
 #include "signal/SignalOperations.h"
 
@@ -56,6 +57,7 @@ int main(int argc, char* argv[])
     zarvi::registerSignalOperations(zarvi::OperationRegistry::instance());
     zarvi::registerAnalysisOperations(zarvi::OperationRegistry::instance());
     zarvi::registerImageOperations(zarvi::OperationRegistry::instance());
+    zarvi::registerBehaviorOperations(zarvi::OperationRegistry::instance());
 
     QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.isEmpty() || arguments.first() == QStringLiteral("--help") ||

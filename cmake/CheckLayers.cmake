@@ -14,7 +14,7 @@ set(allowed_signal ${core} signal)
 set(allowed_fileeditor ${core} fileeditor)
 set(allowed_analysis ${core} signal fileeditor analysis)
 set(allowed_image ${core} roi image)
-set(allowed_behavior ${core} behavior)
+set(allowed_behavior ${core} roi fileeditor behavior)
 set(allowed_roi ${base} roi)
 
 set(problems "")

@@ -45,7 +45,7 @@ QStringList OperationRegistry::names(OperationFamily family) const
 QList<OperationFamily> OperationRegistry::families()
 {
     return {OperationFamily::Signal, OperationFamily::Image, OperationFamily::VoluImages,
-            OperationFamily::Analysis, OperationFamily::FileEditor};
+            OperationFamily::Behavior, OperationFamily::Analysis, OperationFamily::FileEditor};
 }
 
 QString OperationRegistry::familyName(OperationFamily family)
@@ -57,6 +57,8 @@ QString OperationRegistry::familyName(OperationFamily family)
         return QStringLiteral("Image");
     case OperationFamily::VoluImages:
         return QStringLiteral("Volumetric images");
+    case OperationFamily::Behavior:
+        return QStringLiteral("Behavior");
     case OperationFamily::Analysis:
         return QStringLiteral("Analysis");
     case OperationFamily::FileEditor:

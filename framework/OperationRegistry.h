@@ -21,6 +21,7 @@ enum class OperationFamily
     Signal,
     Image,
     VoluImages,
+    Behavior,
     Analysis,
     FileEditor
 };

@@ -1,0 +1,9 @@
+#include "behavior/BehaviorOperationViews.h"
+
+#include "framework/OperationViewRegistry.h"
+
+namespace zarvi {
+
+void registerBehaviorOperationViews(OperationViewRegistry&) {}
+
+} // namespace zarvi
