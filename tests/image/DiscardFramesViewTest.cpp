@@ -1,6 +1,6 @@
 // The discard view on a real stack: the list holds one line per frame with its time, the
-// frame clicked is previewed, the selection is what the run discards, and a selection of
-// every frame is refused.
+// frame clicked is previewed, the selection and the check boxes are what the run gets, and a
+// selection of every frame is refused.
 #include "ImageViewTestSupport.h"
 
 #include "common/TempDir.h"
@@ -46,7 +46,7 @@ protected:
     QListView* list = nullptr;
 };
 
-TEST_F(DiscardFramesViewTest, ClickedFramesArePreviewedAndDiscarded)
+TEST_F(DiscardFramesViewTest, ClickedFramesArePreviewedAndSentWithTheCheckBoxes)
 {
     test::showView(*view);
     ASSERT_EQ(list->model()->rowCount(), 5);
@@ -58,50 +58,22 @@ TEST_F(DiscardFramesViewTest, ClickedFramesArePreviewedAndDiscarded)
     EXPECT_EQ(view->preview()->currentFrame(), 3);
     test::waitForPreview(*view);
     EXPECT_EQ(view->preview()->inputView()->pixelValue(2, 1), 3000 + 10 + 2);
-    EXPECT_EQ(view->selectedFrames(), QVariantList({1, 3}));
 
+    auto* interpolate = test::child<QCheckBox>(*view, "cb_interpolate");
+    EXPECT_EQ(interpolate->text(), ID::interpolateLabel());
+    interpolate->setChecked(true);
+    test::child<QCheckBox>(*view, "cb_dontSaveParameters")->setChecked(true);
     QSignalSpy started(view.get(), &AbstractOperationView::sendStartProcess);
     const QStringList errors = test::runToEnd(*view);
     ASSERT_TRUE(errors.isEmpty()) << errors.join(' ').toStdString();
     const QVariantMap sent = started.first().first().toMap();
     EXPECT_EQ(sent.value(ID::DiscardedFrames).toList(), QVariantList({1, 3}));
     EXPECT_EQ(sent.value(ID::AutodetectCorruptedFrames), 0);
-    EXPECT_EQ(sent.value(ID::InterpolateFrames), 0);
-    EXPECT_EQ(sent.value(ID::DontSaveParameters), 0);
-
-    // Frames 0, 2 and 4 are left, with their times.
-    std::vector<double> times;
-    const std::vector<cv::Mat> kept = test::readStack(
-        file, QStringLiteral("DataProcessed/Scope/Images/Series1/ReducedStackImages1/Cells/ImageStack"),
-        &times);
-    ASSERT_EQ(kept.size(), 3u);
-    EXPECT_EQ(kept[1].at<std::uint16_t>(0, 0), 2000);
-    EXPECT_EQ(times, std::vector<double>({0.0, 0.25, 1.125}));
-}
-
-TEST_F(DiscardFramesViewTest, CheckBoxesCarryTheirLabelsAndGiveTheirKeys)
-{
-    auto* autodetect = test::child<QCheckBox>(*view, "cb_autodetect");
-    auto* interpolate = test::child<QCheckBox>(*view, "cb_interpolate");
-    auto* dontSave = test::child<QCheckBox>(*view, "cb_dontSaveParameters");
-    EXPECT_EQ(autodetect->text(), ID::autodetectLabel());
-    EXPECT_EQ(dontSave->toolTip(), ID::dontSaveParametersTooltip());
-    autodetect->setChecked(true);
-    interpolate->setChecked(true);
-    dontSave->setChecked(true);
-
-    // No frame chosen: no list, the autodetection alone.
-    QSignalSpy started(view.get(), &AbstractOperationView::sendStartProcess);
-    const QStringList errors = test::runToEnd(*view);
-    ASSERT_TRUE(errors.isEmpty()) << errors.join(' ').toStdString();
-    const QVariantMap sent = started.first().first().toMap();
-    EXPECT_FALSE(sent.contains(ID::DiscardedFrames));
-    EXPECT_EQ(sent.value(ID::AutodetectCorruptedFrames), 1);
     EXPECT_EQ(sent.value(ID::InterpolateFrames), 1);
     EXPECT_EQ(sent.value(ID::DontSaveParameters), 1);
 }
 
-TEST_F(DiscardFramesViewTest, EveryFrameSelectedIsRefused)
+TEST_F(DiscardFramesViewTest, EveryFrameIsRefusedAndNoFrameSendsNoList)
 {
     test::showView(*view);
     auto* validation = test::child<QLabel>(*view, "lb_framesValidation");
@@ -109,9 +81,14 @@ TEST_F(DiscardFramesViewTest, EveryFrameSelectedIsRefused)
     EXPECT_TRUE(validation->isVisible());
     EXPECT_EQ(validation->text(), ID::allFramesDiscardedMessage().arg(stack));
     EXPECT_FALSE(view->run());
-    clickRow(2, true);
+
+    list->clearSelection();
     EXPECT_FALSE(validation->isVisible());
-    EXPECT_EQ(view->selectedFrames(), QVariantList({0, 1, 3, 4}));
+    test::child<QCheckBox>(*view, "cb_autodetect")->setChecked(true);
+    QSignalSpy started(view.get(), &AbstractOperationView::sendStartProcess);
+    const QStringList errors = test::runToEnd(*view);
+    ASSERT_TRUE(errors.isEmpty()) << errors.join(' ').toStdString();
+    EXPECT_FALSE(started.first().first().toMap().contains(ID::DiscardedFrames));
 }
 
 } // namespace
