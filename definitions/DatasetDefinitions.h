@@ -44,10 +44,6 @@ public:
     }
     static QString deleteFailedMessage() { return tr("Unable to delete <b>%1</b>: %2"); }
     static QString readFailedMessage() { return tr("Unable to read %1: %2"); }
-    static QString notAnImageStackMessage()
-    {
-        return tr("%1 is not an image stack of height x width x frames.");
-    }
 
     // Viewers.
     static QString timeAxisLabel() { return tr("Time (s)"); }

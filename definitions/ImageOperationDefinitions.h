@@ -129,6 +129,7 @@ public:
     static QString drawCropAreaLabel() { return tr("Draw Crop Area"); }
     static QString squareLabel() { return tr("Square"); }
     static QString squareTooltip() { return tr("Draw a square crop area."); }
+    static QString cropAreaName() { return tr("Crop Area"); }
     static QString autocontrastLabel() { return tr("Autocontrast"); }
     static QString downsampleParametersTitle() { return tr("Downsample Parameters"); }
     static QString factorLabel() { return tr("Factor"); }
@@ -154,6 +155,7 @@ public:
             "To select multiple, hold <b>Ctrl</b><br>To select several in a row, hold <b>Shift</b>, or click "
             "and drag.");
     }
+    static QString frameItemLabel() { return tr("Frame %1   t = %2 s"); }
     static QString autodetectLabel() { return tr("Autodetect Black/Corrupted Frames"); }
     static QString autodetectTooltip()
     {
@@ -191,6 +193,7 @@ public:
         return tr("In <b>Detect Time Gaps</b>, sets minimum duration of the time gap.<br>In <b>Split by "
                   "Duration</b>, sets maximum duration of each time series.");
     }
+    static QString seriesCountNote() { return tr("The first image stack is split into <b>%1</b> series."); }
     static QString drawBackgroundTitle() { return tr("Draw an ROI to Calculate Background"); }
     static QString frameSliderTooltip() { return tr("Allows to select timestemp in the image stack."); }
     static QString stackProjectionParametersTitle() { return tr("Stack Projection Parameters"); }

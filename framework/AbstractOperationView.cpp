@@ -8,6 +8,7 @@
 #include "framework/ParameterField.h"
 #include "framework/ProgressDialogFactory.h"
 
+#include <QCheckBox>
 #include <QFormLayout>
 #include <QLabel>
 #include <QMessageBox>
@@ -138,7 +139,13 @@ QWidget* AbstractOperationView::addParameterRow(QFormLayout* form, const QString
     QWidget* field = ParameterField::create(parameter, objectName, this);
     if (const QVariant last = m_remembered.value(key); last.isValid())
         ParameterField::setValue(field, last);
-    form->addRow(ParameterField::label(parameter), field);
+    // A check box says what it switches itself, so a click on its words toggles it.
+    if (auto* box = qobject_cast<QCheckBox*>(field)) {
+        box->setText(ParameterField::label(parameter));
+        form->addRow(box);
+    } else {
+        form->addRow(ParameterField::label(parameter), field);
+    }
     // Under the field and across the form, a note wraps at the dialog's width, not a field's.
     if (note)
         form->addRow(note);

@@ -80,7 +80,7 @@ protected:
     /// Adds a row for a declared parameter to `form`: its label, and its field made
     /// from the declaration (see ParameterField) and filled with the value the operation
     /// last ran with, else the declared default, with `note` (a validation text) on a row
-    /// of its own under it.
+    /// of its own under it. A check box carries its label itself, across the row.
     QWidget* addParameterRow(QFormLayout* form, const QString& key, const QString& objectName,
                              QWidget* note = nullptr);
     /// The parameters the operation last ran with from a dialog (empty the first time),

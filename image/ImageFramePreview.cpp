@@ -56,7 +56,6 @@ ImageFramePreview::ImageFramePreview(QWidget* parent)
     layout->addWidget(m_input, 1, 0);
     layout->addWidget(m_output, 1, 1);
     layout->setColumnStretch(0, 1);
-    layout->setColumnStretch(1, 1);
     layout->setRowStretch(1, 1);
 
     auto* controls = new QHBoxLayout;
@@ -79,7 +78,7 @@ ImageFramePreview::ImageFramePreview(QWidget* parent)
 
     connect(m_slider, &QSlider::valueChanged, sb_frame, &QSpinBox::setValue);
     connect(sb_frame, &QSpinBox::valueChanged, m_slider, &QSlider::setValue);
-    connect(sb_frame, &QSpinBox::valueChanged, this, &ImageFramePreview::showFrame);
+    connect(sb_frame, &QSpinBox::valueChanged, this, &ImageFramePreview::refresh);
     connect(cb_autocontrast, &QCheckBox::toggled, this, [this](bool on) {
         m_input->setAutoContrast(on);
         m_output->setAutoContrast(on);
@@ -87,6 +86,7 @@ ImageFramePreview::ImageFramePreview(QWidget* parent)
     connect(m_job.get(), &BackgroundJob::finished, this, &ImageFramePreview::onJobFinished);
     m_output->setVisible(false);
     lb_output->setVisible(false);
+    layout->setColumnStretch(1, 0);
 }
 
 ImageFramePreview::~ImageFramePreview() = default;
@@ -108,8 +108,11 @@ void ImageFramePreview::setStack(const QString& filepath, const QString& stackPa
 void ImageFramePreview::setComputation(Computation computation)
 {
     m_computation = std::move(computation);
-    m_output->setVisible(static_cast<bool>(m_computation));
-    lb_output->setVisible(static_cast<bool>(m_computation));
+    const bool computed = static_cast<bool>(m_computation);
+    m_output->setVisible(computed);
+    lb_output->setVisible(computed);
+    // Without a result the input takes the whole width.
+    static_cast<QGridLayout*>(layout())->setColumnStretch(1, computed ? 1 : 0);
     refresh();
 }
 
@@ -123,9 +126,10 @@ bool ImageFramePreview::isBusy() const
     return m_job->isRunning() || m_pending;
 }
 
-void ImageFramePreview::showFrame(int)
+void ImageFramePreview::showFrame(int index)
 {
-    refresh();
+    // The slider follows the spin box, and the spin box's change reads the frame.
+    sb_frame->setValue(index);
 }
 
 void ImageFramePreview::refresh()

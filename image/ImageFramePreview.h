@@ -51,6 +51,7 @@ signals:
     void previewUpdated();
 
 public slots:
+    /// Shows frame `index`; the slider and the spin box follow.
     void showFrame(int index);
     /// Recomputes the preview of the current frame (after a parameter changed).
     void refresh();

@@ -31,6 +31,7 @@ ImageOperationView::ImageOperationView(const QString& operationName, QWidget* pa
 void ImageOperationView::datasetsChanged()
 {
     m_stackInfo = ImageStackInfo{};
+    m_stackTime.clear();
     m_stackProblem.clear();
     if (datapaths().isEmpty())
         return;
@@ -46,6 +47,7 @@ void ImageOperationView::datasetsChanged()
     if (!reader.open(read.reader(), stackPath, m_stackProblem))
         return;
     m_stackInfo = reader.info();
+    m_stackTime = reader.time();
     m_preview->setStack(filepath(), stackPath, static_cast<int>(m_stackInfo.frames), m_stackInfo.bitCount);
     updatePreview();
 }

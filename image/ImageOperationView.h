@@ -4,6 +4,8 @@
 #include "framework/AbstractOperationView.h"
 #include "image/ImageFramePreview.h"
 
+#include <vector>
+
 class QFormLayout;
 class QVBoxLayout;
 
@@ -27,9 +29,11 @@ public:
     ImageFramePreview* preview() const { return m_preview; }
     /// The first selected stack's geometry; zero sizes while unknown.
     const ImageStackInfo& stackInfo() const { return m_stackInfo; }
+    /// The first selected stack's frame times, in seconds; empty while unknown.
+    const std::vector<double>& stackTime() const { return m_stackTime; }
 
 protected:
-    /// Reads the first stack's geometry; views that override it call it first.
+    /// Reads the first stack's geometry and times; views that override it call it first.
     void datasetsChanged() override;
     /// Where a view puts its fields, above a stretch.
     QVBoxLayout* parametersLayout() const { return m_parameters; }
@@ -45,6 +49,7 @@ private:
     QVBoxLayout* m_parameters;
     ImageFramePreview* m_preview;
     ImageStackInfo m_stackInfo;
+    std::vector<double> m_stackTime;
     QString m_stackProblem;
 };
 

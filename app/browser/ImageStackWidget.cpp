@@ -1,7 +1,7 @@
 #include "app/browser/ImageStackWidget.h"
 
+#include "datafile/ImageFrameReader.h"
 #include "definitions/DatasetDefinitions.h"
-#include "definitions/FileDefinitions.h"
 #include "framework/LockedFileRead.h"
 #include "roi/ZarviGraphicsView.h"
 
@@ -59,34 +59,14 @@ bool ImageStackWidget::load(QString& error)
             error = read.error();
             return false;
         }
-        HDF5Reader_V6& reader = read.reader();
-        const hid_t dataset = reader.openDataset(read.file(), m_datasetPath);
-        if (dataset < 0) {
-            error = reader.lastError();
+        ImageFrameReader stack;
+        if (!stack.open(read.reader(), m_datasetPath, error))
             return false;
-        }
-        const std::vector<hsize_t> dims = reader.dimensions(dataset);
-        const QVariant bitCount = reader.readAttribute(dataset, FileDefinitions::BitCount);
-        reader.closeDataset(dataset);
-        if (dims.size() != 3 || dims[0] == 0 || dims[1] == 0) {
-            error = DD::notAnImageStackMessage().arg(m_datasetPath);
-            return false;
-        }
-        m_height = static_cast<int>(dims[0]);
-        m_width = static_cast<int>(dims[1]);
-        m_frames = static_cast<int>(dims[2]);
-        m_bitCount = bitCount.isValid() ? bitCount.toInt() : 16;
-
-        // The frame times sit beside the stack; without them frames are shown by number only.
-        const qsizetype slash = m_datasetPath.lastIndexOf(QLatin1Char('/'));
-        const QString timePath =
-            (slash < 0 ? QString() : m_datasetPath.left(slash + 1)) + FileDefinitions::Time;
-        if (reader.objectKind(read.file(), timePath) == ObjectKind::Dataset) {
-            const hid_t time = reader.openDataset(read.file(), timePath);
-            if (!reader.read(time, m_frameTimes) || m_frameTimes.size() != static_cast<std::size_t>(m_frames))
-                m_frameTimes.clear();
-            reader.closeDataset(time);
-        }
+        m_height = stack.info().height;
+        m_width = stack.info().width;
+        m_frames = static_cast<int>(stack.info().frames);
+        m_bitCount = stack.info().bitCount;
+        m_frameTimes = stack.time();
     }
     {
         const QSignalBlocker blockSlider(m_slider);
@@ -107,7 +87,7 @@ bool ImageStackWidget::showFrame(int index)
 {
     if (index < 0 || index >= m_frames)
         return false;
-    std::vector<std::uint16_t> frame(static_cast<std::size_t>(m_width) * m_height);
+    cv::Mat frame;
     {
         LockedFileRead read(m_filePath);
         if (!read.isOpen()) {
@@ -115,20 +95,19 @@ bool ImageStackWidget::showFrame(int index)
                                                  : DD::readFailedMessage().arg(m_datasetPath, read.error()));
             return false;
         }
-        HDF5Reader_V6& reader = read.reader();
-        const hid_t dataset = reader.openDataset(read.file(), m_datasetPath);
-        const std::vector<hsize_t> start = {0, 0, static_cast<hsize_t>(index)};
-        const std::vector<hsize_t> count = {static_cast<hsize_t>(m_height), static_cast<hsize_t>(m_width), 1};
-        const bool ok = dataset >= 0 && reader.read(dataset, start, count, frame.data());
-        const QString error = reader.lastError();
-        reader.closeDataset(dataset);
-        if (!ok) {
+        ImageFrameReader stack;
+        QString error;
+        if (!stack.open(read.reader(), m_datasetPath, error) ||
+            !stack.readRawFrame(static_cast<std::size_t>(index), frame, error)) {
             emit sendStatusMessage(DD::readFailedMessage().arg(m_datasetPath, error));
             return false;
         }
     }
+    // A frame the reader made is one continuous block, row after row.
+    const auto* pixels = frame.ptr<std::uint16_t>();
+    std::vector<std::uint16_t> values(pixels, pixels + frame.total());
     m_current = index;
-    m_view->setFrame(std::move(frame), m_width, m_height, m_bitCount);
+    m_view->setFrame(std::move(values), m_width, m_height, m_bitCount);
     {
         const QSignalBlocker blockSlider(m_slider);
         const QSignalBlocker blockSpin(sb_frame);

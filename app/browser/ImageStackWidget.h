@@ -21,8 +21,9 @@ class ZarviGraphicsView;
 /// a time: a frame slider, autocontrast between the 0.5 and 99.5 percentiles of
 /// the frame (or the full range of its bit count), and the value of the pixel
 /// under the mouse; the frame is shown in a ZarviGraphicsView, so it zooms with
-/// the wheel and pans with the middle button. Each frame is read on demand by hyperslab, the file being
-/// opened and closed around the read. GUI thread.
+/// the wheel and pans with the middle button. Each frame is read on demand through
+/// ImageFrameReader, the file being opened under its lock and closed around the read. GUI
+/// thread.
 class ImageStackWidget : public QWidget
 {
     Q_OBJECT
@@ -31,7 +32,8 @@ public:
     ImageStackWidget(const QString& filePath, const QString& datasetPath, QWidget* parent = nullptr);
 
     /// Reads the stack's shape, bit count and frame times and shows the first
-    /// frame; false with `error` when the dataset is not a readable stack.
+    /// frame; false with `error` when the dataset is not a readable stack (one whose "Time"
+    /// has one entry per frame).
     bool load(QString& error);
     /// Reads and shows frame `index`; false when the file is busy or the read fails.
     bool showFrame(int index);
