@@ -4,6 +4,8 @@
 #include "framework/OperationViewRegistry.h"
 #include "image/operations/binning/BinningView.h"
 #include "image/operations/downsample/DownSampleView.h"
+#include "image/operations/removebackground/RemoveBackgroundView.h"
+#include "image/operations/roisignals/ROISignalsView.h"
 
 namespace zarvi {
 
@@ -12,6 +14,8 @@ void registerImageOperationViews(OperationViewRegistry& registry)
     using ID = ImageOperationDefinitions;
     registry.add(ID::Binning, [] { return std::make_unique<BinningView>(); });
     registry.add(ID::TemporalDownsample, [] { return std::make_unique<DownSampleView>(); });
+    registry.add(ID::RemoveBackground, [] { return std::make_unique<RemoveBackgroundView>(); });
+    registry.add(ID::ROISignalsOperation, [] { return std::make_unique<ROISignalsView>(); });
 }
 
 } // namespace zarvi
