@@ -201,7 +201,7 @@ public:
     {
         return tr("The region whose mean intensity is subtracted from every image: one ROI, a "
                   "<b>Rectangle</b>, <b>Circle</b>, <b>Polygon</b> or <b>Freehand</b> shape, in image "
-                  "pixels, lying inside the images.");
+                  "pixels, lying inside the images. A run without it is refused.");
     }
     static QString shapeLabel() { return tr("Shape"); }
     static QString backgroundRoiName() { return tr("Background"); }
