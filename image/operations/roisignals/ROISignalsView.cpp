@@ -134,8 +134,8 @@ void ROISignalsView::datasetsChanged()
                 m_storedCells.push_back(roi);
         }
     }
+    // The cells are drawn once the first frame of this stack is shown (showStoredCells).
     rebuildList();
-    showStoredCells();
 }
 
 void ROISignalsView::showStoredCells()
