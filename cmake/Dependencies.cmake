@@ -31,5 +31,6 @@ find_package(GTest REQUIRED)
 find_package(benchmark REQUIRED)
 
 find_program(H5DUMP_EXECUTABLE h5dump)
+find_program(H5LS_EXECUTABLE h5ls)
 # Packs ROI sets in the tests, so that the archive reader meets archives it did not write.
 find_program(ZIP_EXECUTABLE zip)

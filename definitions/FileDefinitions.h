@@ -155,6 +155,10 @@ public:
     }
     static QString datasetNotFoundMessage() { return tr("Dataset <b>%1</b> was not found in the file."); }
     static QString unableToCreateDatasetMessage() { return tr("Unable to create a dataset <b>%1</b>."); }
+    static QString unableToWriteAttributeMessage()
+    {
+        return tr("Unable to write the attributes of <b>%1</b>.");
+    }
     static QString unableToOverwriteMessage()
     {
         return tr("Unable to overwrite existing dataset %1. Make sure the file is not open somewhere else "

@@ -63,6 +63,9 @@ public:
     static inline const QString SplitByDuration = QStringLiteral("Split by Duration");
     static inline const QString DurationFormat = QStringLiteral("HH:mm:ss:zzz");
 
+    /// The unit of an ROI signal: a mean of grey levels, which have no physical unit.
+    static inline const QString RoiSignalUnit = QStringLiteral("a.u.");
+
     // Descriptions.
     static QString binningDescription()
     {
@@ -196,6 +199,43 @@ public:
     static QString seriesCountNote() { return tr("The first image stack is split into <b>%1</b> series."); }
     static QString drawBackgroundTitle() { return tr("Draw an ROI to Calculate Background"); }
     static QString frameSliderTooltip() { return tr("Allows to select timestemp in the image stack."); }
+    static QString backgroundCoordinatesLabel() { return tr("Background ROI"); }
+    static QString backgroundCoordinatesTooltip()
+    {
+        return tr("The region whose mean intensity is subtracted from every image: one ROI, a "
+                  "<b>Rectangle</b>, <b>Circle</b>, <b>Polygon</b> or <b>Freehand</b> shape, in image "
+                  "pixels, lying inside the images. A run without it is refused.");
+    }
+    static QString shapeLabel() { return tr("Shape"); }
+    static QString backgroundRoiName() { return tr("Background"); }
+    static QString roiNamesLabel() { return tr("ROIs"); }
+    static QString roiNamesTooltip()
+    {
+        return tr("The names of the ROIs whose signals are extracted. When none is given, every cell ROI "
+                  "(Rectangle, Circle, Polygon or Freehand) stored with the image stack is used.");
+    }
+    static QString drawCellsTitle() { return tr("Draw Cells"); }
+    static QString roiListTitle() { return tr("ROIs of the Image Stack"); }
+    static QString roiListTooltip()
+    {
+        return tr("Checked ROIs are extracted. Cells drawn or imported here are used once they are saved "
+                  "into the file.");
+    }
+    static QString saveCellsLabel() { return tr("Save Cells"); }
+    static QString saveCellsTooltip()
+    {
+        return tr("Saves the cells drawn or imported here with the image stack.");
+    }
+    static QString removeRoiLabel() { return tr("Remove ROI"); }
+    static QString removeRoiTooltip()
+    {
+        return tr("Removes the selected ROI; a saved ROI is removed from the file too.");
+    }
+    static QString importRoisLabel() { return tr("Import ImageJ ROIs..."); }
+    static QString importRoisFilter() { return tr("ImageJ ROIs (*.roi *.zip)"); }
+    static QString notSavedSuffix() { return tr("(not saved)"); }
+    static QString savingRoisProgress() { return tr("Saving ROIs..."); }
+    static QString roiErrorTitle() { return tr("ROI Error"); }
     static QString stackProjectionParametersTitle() { return tr("Stack Projection Parameters"); }
     static QString projectionMethodTooltip()
     {
@@ -217,6 +257,8 @@ public:
     static QString croppingProgress() { return tr("Cropping images..."); }
     static QString downsamplingProgress() { return tr("Downsampling images..."); }
     static QString projectingProgress() { return tr("Projecting images..."); }
+    static QString removingBackgroundProgress() { return tr("Removing background..."); }
+    static QString extractingRoiSignalsProgress() { return tr("Extracting ROI signals..."); }
     static QString discardingProgress() { return tr("Discarding images..."); }
     static QString splitAnalysisProgress()
     {
@@ -242,6 +284,22 @@ public:
             "The coordinates for removing the background are incorrect. Make sure that the ROI for removing "
             "background is drawn correctly.");
     }
+    static QString noRoisMessage()
+    {
+        return tr("The image stack <b>%1</b> has no cell ROIs. Draw the cells on the stack and save them "
+                  "(or add them with <b>zarvi-cli rois</b>) before extracting their signals.");
+    }
+    static QString unknownRoiMessage() { return tr("The image stack <b>%1</b> has no ROI named <b>%2</b>."); }
+    static QString notCellRoiMessage()
+    {
+        return tr("The ROI <b>%1</b> is a <b>%2</b>, which encloses no pixels: only Rectangle, Circle, "
+                  "Polygon and Freehand ROIs give a signal.");
+    }
+    static QString unsavedCellsMessage()
+    {
+        return tr("Some cells are not saved in the file yet. Click <b>Save Cells</b> first, or remove them.");
+    }
+    static QString noRoiCheckedMessage() { return tr("Check at least one ROI to extract its signal."); }
     static QString factorTooLargeMessage()
     {
         return tr("The factor <b>%1</b> is larger than the number of images of <b>%2</b> (<b>%3</b>).");

@@ -45,7 +45,8 @@ struct OperationParameter
     /// The choices are what the dialog offers, but other texts are accepted too.
     bool choicesAreOpen = false;
     bool required = false;
-    /// Said instead of the general range or choice message, where the operation has its own words.
+    /// Said instead of the general message for a value that cannot be read or is outside the
+    /// range or the choices, where the operation has its own words.
     QString badValueMessage;
     /// A value as a user would write it in a parameter file, shown by help for structured values.
     QString example;

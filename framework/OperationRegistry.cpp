@@ -93,7 +93,9 @@ bool OperationRegistry::normalize(const QVariantMap& parameters, QVariantMap& no
         }
         QVariant value;
         if (!declared->normalize(it.value(), value)) {
-            errors << ZarviMainDefinitions::parameterInvalidMessage().arg(it.key());
+            errors << (declared->badValueMessage.isEmpty()
+                           ? ZarviMainDefinitions::parameterInvalidMessage().arg(it.key())
+                           : declared->badValueMessage);
             continue;
         }
         const QString problem = declared->rangeProblem(value);

@@ -6,6 +6,8 @@
 #include "image/operations/crop/CropView.h"
 #include "image/operations/discardframes/DiscardFramesView.h"
 #include "image/operations/downsample/DownSampleView.h"
+#include "image/operations/removebackground/RemoveBackgroundView.h"
+#include "image/operations/roisignals/ROISignalsView.h"
 #include "image/operations/splitimagesinseries/SplitImagesInSeriesView.h"
 #include "image/operations/stackprojection/StackProjectionView.h"
 
@@ -20,6 +22,8 @@ void registerImageOperationViews(OperationViewRegistry& registry)
     registry.add(ID::Crop, [] { return std::make_unique<CropView>(); });
     registry.add(ID::DiscardFrames, [] { return std::make_unique<DiscardFramesView>(); });
     registry.add(ID::SplitImagesInSeries, [] { return std::make_unique<SplitImagesInSeriesView>(); });
+    registry.add(ID::RemoveBackground, [] { return std::make_unique<RemoveBackgroundView>(); });
+    registry.add(ID::ROISignalsOperation, [] { return std::make_unique<ROISignalsView>(); });
 }
 
 } // namespace zarvi

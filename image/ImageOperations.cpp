@@ -8,6 +8,8 @@
 #include "image/operations/discardframes/DiscardFramesProcess.h"
 #include "image/operations/discardframes/FrameAutodetection.h"
 #include "image/operations/downsample/DownSampleProcess.h"
+#include "image/operations/removebackground/RemoveBackgroundProcess.h"
+#include "image/operations/roisignals/ROISignalsProcess.h"
 #include "image/operations/splitimagesinseries/SplitImagesInSeriesProcess.h"
 #include "image/operations/stackprojection/StackProjectionProcess.h"
 
@@ -166,6 +168,41 @@ OperationDescriptor splitImagesInSeries()
         factory<SplitImagesInSeriesProcess>()};
 }
 
+OperationDescriptor removeBackground()
+{
+    // The region is declared optional, and an unreadable one has the operation's words, so
+    // that every bad region gets the operation's one message: a missing one from the
+    // process, before the file is opened.
+    return {ID::RemoveBackground,
+            OperationFamily::Image,
+            ID::removeBackgroundDescription(),
+            ID::BackgroundCorrectedImages,
+            imageOutputs(ID::BackgroundCorrectedImages) +
+                QStringLiteral("; every frame minus the mean of its pixels inside the background ROI, "
+                               "rounded, negative values written as 0"),
+            {P::json(ID::BackgroundCoordinates, ID::backgroundCoordinatesLabel())
+                 .withTooltip(ID::backgroundCoordinatesTooltip())
+                 .withBadValueMessage(ID::backgroundCoordinatesMessage())
+                 .withExample(QStringLiteral(R"({"Shape": "Rectangle", "Points": [[0, 0], [31, 23]]})"))},
+            factory<RemoveBackgroundProcess>()};
+}
+
+OperationDescriptor roiSignals()
+{
+    return {ID::ROISignalsOperation,
+            OperationFamily::Image,
+            ID::roiSignalsDescription(),
+            ID::ROISignals,
+            QStringLiteral("DataProcessed/<device>/%1/<series>/%1<K>/<ROI name>/: %2 (the mean of the ROI's "
+                           "pixels in each frame, Unit %3) and %4 (the stack's), %2 carrying the ROI's "
+                           "Username, Coordinates and Shape and the parameters as attributes")
+                .arg(ID::ROISignals, FileDefinitions::SignalValues, ID::RoiSignalUnit, FileDefinitions::Time),
+            {P::texts(ID::ROINames, ID::roiNamesLabel())
+                 .withTooltip(ID::roiNamesTooltip())
+                 .withExample(QStringLiteral(R"(["ROI1", "ROI3"] (names as zarvi-cli rois lists them))"))},
+            factory<ROISignalsProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
@@ -176,6 +213,8 @@ void registerImageOperations(OperationRegistry& registry)
     registry.add(crop());
     registry.add(discardFrames());
     registry.add(splitImagesInSeries());
+    registry.add(removeBackground());
+    registry.add(roiSignals());
 }
 
 } // namespace zarvi

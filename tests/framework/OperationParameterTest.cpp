@@ -82,6 +82,8 @@ TEST(OperationParameter, ARunMapIsCheckedAgainstTheDeclarations)
     // An operation's own words replace the general message.
     EXPECT_EQ(problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Strict"), 0}}),
               QStringList{QStringLiteral("Bad value for strict.")});
+    EXPECT_EQ(problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Strict"), QStringLiteral("two")}}),
+              QStringList{QStringLiteral("Bad value for strict.")});
     // Offered choices are not enforced; NaN and infinity are never numbers.
     EXPECT_TRUE(
         problems({{QStringLiteral("Factor"), 2}, {QStringLiteral("Hint"), QStringLiteral("Y")}}).isEmpty());

@@ -65,6 +65,19 @@ inline void showView(ImageOperationView& view)
     waitForPreview(view);
 }
 
+/// Sets the view up on `datapaths` of `file` and shows it with its first frame drawn.
+inline void openView(ImageOperationView& view, const QString& file, const QStringList& datapaths)
+{
+    view.setupProcess(file, datapaths);
+    showView(view);
+}
+
+/// Waits until the preview has read and computed the current frame again.
+inline bool previewSettled(const ImageOperationView& view)
+{
+    return QTest::qWaitFor([&view] { return !view.preview()->isBusy(); }, 20000);
+}
+
 /// Runs the view and waits for the process; the errors it reported (none on success).
 inline QStringList runToEnd(AbstractOperationView& view)
 {
