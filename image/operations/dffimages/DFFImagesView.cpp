@@ -72,6 +72,7 @@ DFFImagesView::DFFImagesView(QWidget* parent)
     cb_darkframeDataset = new QComboBox(this);
     cb_darkframeDataset->setObjectName(QStringLiteral("cb_darkframeDataset"));
     cb_darkframeDataset->setToolTip(ID::darkframeDatasetTooltip());
+    cb_darkframeDataset->setEnabled(false);
     form->addRow(ID::darkframeDatasetLabel(), cb_darkframeDataset);
     lb_darkframeValidation = makeValidationLabel(QStringLiteral("lb_darkframeValidation"));
     form->addRow(lb_darkframeValidation);
