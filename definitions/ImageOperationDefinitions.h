@@ -34,6 +34,7 @@ public:
     static inline const QString RemoveBackground = QStringLiteral("Remove Background");
     static inline const QString StackProjection = QStringLiteral("Stack Projection");
     static inline const QString ROISignalsOperation = QStringLiteral("ROI Signals");
+    static inline const QString ImagesDeltaF = QStringLiteral("Images deltaF/F");
 
     // Parameter keys.
     static inline const QString BinningFactor = QStringLiteral("BinningFactor");
@@ -49,6 +50,10 @@ public:
     static inline const QString ProjectionMethod = QStringLiteral("ProjectionMethod");
     static inline const QString ConcatenateSeries = QStringLiteral("ConcatenateSeries");
     static inline const QString ROINames = QStringLiteral("ROINames");
+    static inline const QString RemoveTemporalVariations = QStringLiteral("RemoveTemporalVariations");
+    static inline const QString DarkframeFilepath = QStringLiteral("DarkframeFilepath");
+    static inline const QString DarkframeDataset = QStringLiteral("DarkframeDataset");
+    static inline const QString F0Method = QStringLiteral("F0Method");
 
     // Choices.
     static inline const QString Binning2x2 = QStringLiteral("2x2");
@@ -106,6 +111,12 @@ public:
     {
         return tr("ROI Signals operation extracts one signal per cell ROI: the mean intensity of the pixels "
                   "inside the ROI in every image of the stack.");
+    }
+    static QString imagesDeltaFDescription()
+    {
+        return tr(
+            "Images deltaF/F operation calculates, for every pixel, the relative change of fluorescence "
+            "(F - F0) / F0 in percent, F0 being the mean image of the stack.");
     }
 
     // Labels and tooltips.
@@ -251,6 +262,43 @@ public:
         return tr("If checked, stack projection is calculated for each series, and the result images are "
                   "concatenated into single stack.");
     }
+    static QString dffParametersTitle() { return tr("dF/F Parameters"); }
+    static QString removeTemporalVariationsLabel() { return tr("Remove Global Temporal Variations "); }
+    static QString removeTemporalVariationsTooltip()
+    {
+        return tr("If checked, removes global temporal variations by subtracting from each image its average "
+                  "fluorescence intensity.");
+    }
+    static QString darkframeFilepathLabel() { return tr("Dark Frame File"); }
+    static QString darkframeFilepathTooltip()
+    {
+        return tr("The data file holding the dark frame: an image taken with the light source off, "
+                  "subtracted from every image before F0 and dF/F are calculated.");
+    }
+    static QString darkframeDatasetLabel() { return tr("Dark Frame Dataset"); }
+    static QString darkframeDatasetTooltip()
+    {
+        return tr("The image stack of the dark frame; its first image is the dark frame. It must have the "
+                  "size of the images.");
+    }
+    static QString noDarkframeSelected() { return tr("No dark frame selected"); }
+    static QString darkframeWarning()
+    {
+        return tr("*The correction is more precise if a dark frame is subtracted.");
+    }
+    static QString chooseDarkframeTooltip() { return tr("Choose the data file holding the dark frame."); }
+    static QString clearDarkframeTooltip() { return tr("Subtract no dark frame."); }
+    static QString f0MethodLabel() { return tr("F0 Method"); }
+    static QString f0MethodTooltip() { return tr("F0 is the mean image of the stack, pixel by pixel."); }
+    static QString previewLabel() { return tr("Preview"); }
+    static QString dffPreviewTooltip()
+    {
+        return tr("Calculates F0 over the whole stack, then shows the dF/F of the selected image.");
+    }
+    static QString dffPreviewHint()
+    {
+        return tr("Press <b>Preview</b> to see the dF/F of the selected image.");
+    }
 
     // Progress texts.
     static QString binningProgress() { return tr("Binning images..."); }
@@ -267,6 +315,8 @@ public:
     static QString savingSeriesProgress() { return tr("Saving time series %1..."); }
     static QString estimatingThresholdProgress() { return tr("Estimating Threshold for Autodetection..."); }
     static QString autodetectingProgress() { return tr("Autodetecting Corrupted frames..."); }
+    static QString meanImageProgress() { return tr("Calculating the mean image F0..."); }
+    static QString dffProgress() { return tr("Calculating dF/F images..."); }
 
     // Messages.
     static QString noFramesMessage() { return tr("The image stack <b>%1</b> has no frames."); }
@@ -326,6 +376,17 @@ public:
     static QString projectionMethodMessage()
     {
         return tr("Unable to retrieve the projection method. Make sure one is selected.");
+    }
+    static QString inputDimensionsMessage()
+    {
+        return tr(
+            "The dimensions of the input dataset are incorrect. Make sure that the operation is applied "
+            "to image stack.");
+    }
+    static QString darkframeSizeMessage()
+    {
+        return tr("The dark frame <b>%1</b> is <b>%2 x %3</b> pixels but the images of <b>%4</b> are <b>%5 x "
+                  "%6</b>. The dark frame must have the size of the images.");
     }
 };
 

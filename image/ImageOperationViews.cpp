@@ -5,6 +5,7 @@
 #include "image/operations/binning/BinningView.h"
 #include "image/operations/crop/CropView.h"
 #include "image/operations/discardframes/DiscardFramesView.h"
+#include "image/operations/dffimages/DFFImagesView.h"
 #include "image/operations/downsample/DownSampleView.h"
 #include "image/operations/removebackground/RemoveBackgroundView.h"
 #include "image/operations/roisignals/ROISignalsView.h"
@@ -24,6 +25,7 @@ void registerImageOperationViews(OperationViewRegistry& registry)
     registry.add(ID::SplitImagesInSeries, [] { return std::make_unique<SplitImagesInSeriesView>(); });
     registry.add(ID::RemoveBackground, [] { return std::make_unique<RemoveBackgroundView>(); });
     registry.add(ID::ROISignalsOperation, [] { return std::make_unique<ROISignalsView>(); });
+    registry.add(ID::ImagesDeltaF, [] { return std::make_unique<DFFImagesView>(); });
 }
 
 } // namespace zarvi

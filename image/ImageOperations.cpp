@@ -5,6 +5,7 @@
 #include "framework/OperationRegistry.h"
 #include "image/operations/binning/BinningProcess.h"
 #include "image/operations/crop/CropProcess.h"
+#include "image/operations/dffimages/DFFImagesProcess.h"
 #include "image/operations/discardframes/DiscardFramesProcess.h"
 #include "image/operations/discardframes/FrameAutodetection.h"
 #include "image/operations/downsample/DownSampleProcess.h"
@@ -203,6 +204,37 @@ OperationDescriptor roiSignals()
             factory<ROISignalsProcess>()};
 }
 
+OperationDescriptor imagesDeltaF()
+{
+    // The dark frame is optional as a pair: the process refuses one key without the other.
+    return {
+        ID::ImagesDeltaF,
+        OperationFamily::Image,
+        ID::imagesDeltaFDescription(),
+        ID::DFFImages,
+        imageOutputs(ID::DFFImages) +
+            QStringLiteral(
+                ", BitCount 16. Frame i is 100 (F_i - F0) / F0 per pixel, rounded to the nearest integer "
+                "and saturated into 0..65535 (a fall below F0 is written as 0), where F_i is frame i "
+                "minus the dark frame (the first frame of DarkframeDataset in DarkframeFilepath, of the "
+                "frame size; both keys or neither), with RemoveTemporalVariations = 1 then divided by its "
+                "own mean (a frame of mean 0 becomes 0), and F0 is the mean of all F_i. A pixel whose F0 "
+                "is 0 is written as 0 in every frame."),
+        {checkBoxParameter(ID::RemoveTemporalVariations, ID::removeTemporalVariationsLabel(),
+                           ID::removeTemporalVariationsTooltip()),
+         P::text(ID::DarkframeFilepath, ID::darkframeFilepathLabel())
+             .withTooltip(ID::darkframeFilepathTooltip())
+             .withExample(QStringLiteral("\"/data/darkframe.orvel\"")),
+         P::text(ID::DarkframeDataset, ID::darkframeDatasetLabel())
+             .withTooltip(ID::darkframeDatasetTooltip())
+             .withExample(QStringLiteral("\"DataConverted/Scope/Images/Series1/Dark/ImageStack\"")),
+         P::text(ID::F0Method, ID::f0MethodLabel())
+             .oneOf({ID::Mean})
+             .withDefault(ID::Mean)
+             .withTooltip(ID::f0MethodTooltip())},
+        factory<DFFImagesProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
@@ -215,6 +247,7 @@ void registerImageOperations(OperationRegistry& registry)
     registry.add(splitImagesInSeries());
     registry.add(removeBackground());
     registry.add(roiSignals());
+    registry.add(imagesDeltaF());
 }
 
 } // namespace zarvi

@@ -29,6 +29,7 @@ operations=(
   'Remove Background|{"BackgroundCoordinates": {"Shape": "Rectangle", "Points": [[10, 10], [60, 60]]}}'
   'Stack Projection|{"ProjectionMethod": "Standard Deviation"}'
   'ROI Signals|{}'
+  'Images deltaF/F|{}'
 )
 
 # 100 cell ROIs of 11 x 11 pixels on a grid, for "ROI Signals".
