@@ -27,6 +27,7 @@ public:
     // Regions as the user sees them.
     static QString arenaName() { return tr("Arena"); }
     static QString animalName() { return tr("Animal"); }
+    static QString calibrationName() { return tr("Calibration"); }
     static QString arenaShapeLabel() { return tr("Arena Shape"); }
     static QString zonesShapeLabel() { return tr("Select Zones Shape"); }
     static QString arenaMissingMessage()

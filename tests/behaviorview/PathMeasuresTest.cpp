@@ -2,6 +2,7 @@
 // frames: time in a zone, entries and visits, distance across gaps, time bins, the
 // boundary rule of a region and the calibration scale.
 #include "behavior/operations/measures/PathMeasures.h"
+#include "behavior/OccupancyGrid.h"
 #include "roi/RoiShape.h"
 
 #include <gtest/gtest.h>
@@ -172,4 +173,17 @@ TEST(PathMeasures, CalibrationScaleTurnsPixelsIntoCentimetres)
     const MeasuresRow row = measurePath(positions, time, {}, config).rows[0];
     EXPECT_DOUBLE_EQ(row.distance, 20.0);
     EXPECT_DOUBLE_EQ(row.meanSpeed, 10.0);
+}
+
+TEST(OccupancyGrid, EachFrameAddsItsDurationToItsCell)
+{
+    // Area (10, 20) 25 x 10 in cells of 10: three columns (the last reaching past it) and one row.
+    const std::vector<cv::Point> positions{{10, 20}, {19, 29}, {20, 20}, gap, {34, 25}, {35, 25}, {9, 20}};
+    const std::vector<double> durations{0.5, 0.25, 1.0, 7.0, 2.0, 3.0, 4.0};
+    const OccupancyGrid grid = OccupancyGrid::compute(positions, durations, cv::Rect(10, 20, 25, 10), 10);
+    ASSERT_EQ(grid.columns, 3);
+    ASSERT_EQ(grid.rows, 1);
+    EXPECT_DOUBLE_EQ(grid.at(0, 0), 0.75);
+    EXPECT_DOUBLE_EQ(grid.at(1, 0), 1.0);
+    EXPECT_DOUBLE_EQ(grid.at(2, 0), 2.0); // (35, 25) and (9, 20) lie outside the area
 }
