@@ -172,6 +172,19 @@ public:
     static QString trajectoryTitle() { return tr("Trajectory"); }
     static QString occupancyTitle() { return tr("Occupancy"); }
     static QString occupancyUnit() { return tr("Time (s)"); }
+    static QString regionsFromLabel() { return tr("Regions of"); }
+    static QString regionsFromTooltip()
+    {
+        return tr("The video link whose arena, zones and calibration are measured; by default the video the "
+                  "coordinates were tracked on.");
+    }
+    static QString regionsSummary() { return tr("Arena: <b>%1</b><br>Zones: <b>%2</b><br>Scale: <b>%3</b>"); }
+    static QString noZones() { return tr("none"); }
+    static QString timeBinsLabel() { return tr("Measure per time bin"); }
+    static QString chooseCoordinatesMessage()
+    {
+        return tr("Choose the <b>Coordinates</b> to measure: the file has none tracked yet.");
+    }
     static QString regionsNotSavedMessage() { return tr("The regions could not be saved: %1"); }
 };
 

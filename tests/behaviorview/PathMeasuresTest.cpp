@@ -3,6 +3,7 @@
 // boundary rule of a region and the calibration scale.
 #include "behavior/operations/measures/PathMeasures.h"
 #include "behavior/OccupancyGrid.h"
+#include "behavior/TimeMatching.h"
 #include "roi/RoiShape.h"
 
 #include <gtest/gtest.h>
@@ -186,4 +187,18 @@ TEST(OccupancyGrid, EachFrameAddsItsDurationToItsCell)
     EXPECT_DOUBLE_EQ(grid.at(0, 0), 0.75);
     EXPECT_DOUBLE_EQ(grid.at(1, 0), 1.0);
     EXPECT_DOUBLE_EQ(grid.at(2, 0), 2.0); // (35, 25) and (9, 20) lie outside the area
+}
+
+TEST(TimeMatching, NearestEntryAndItsTolerance)
+{
+    const std::vector<double> times{0.0, 0.1, 0.2, 0.4};
+    EXPECT_EQ(nearestIndex(times, -3.0), 0u);
+    EXPECT_EQ(nearestIndex(times, 0.14), 1u);
+    EXPECT_EQ(nearestIndex(times, 0.3), 2u); // halfway: the earlier
+    EXPECT_EQ(nearestIndex(times, 0.31), 3u);
+    EXPECT_EQ(nearestIndex(times, 9.0), 3u);
+    EXPECT_FALSE(nearestIndex(std::vector<double>{}, 1.0).has_value());
+    EXPECT_EQ(nearestWithin(times, 0.42, 0.05), 3u);
+    EXPECT_FALSE(nearestWithin(times, 0.5, 0.05).has_value());
+    EXPECT_FALSE(nearestWithin(times, -0.1, 0.05).has_value());
 }
