@@ -31,6 +31,8 @@ void styleAxis(QCPAxis* axis)
     axis->setTickLabelColor(text);
     axis->setLabelColor(text);
     axis->grid()->setPen(QPen(QColor(ZMD::ColorDarkGrey), 1, Qt::DotLine));
+    // Pixel 0 is the image's edge, not a value worth a line of its own.
+    axis->grid()->setZeroLinePen(Qt::NoPen);
 }
 
 QCustomPlot* makePlot(const QString& objectName, QWidget* parent)

@@ -10,6 +10,7 @@
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/BehaviorViewDefinitions.h"
+#include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/FileAccessLock.h"
@@ -134,8 +135,11 @@ BehaviorView::BehaviorView(QWidget* parent)
     auto* right = new QVBoxLayout(side);
     right->setContentsMargins(0, 0, 0, 0);
     right->addWidget(m_regionsPanel);
-    right->addWidget(m_pathPlots, 1);
+    // About the video's shape, so that the plots' equal scale wastes little room.
+    m_pathPlots->setFixedHeight(sideWidth);
+    right->addWidget(m_pathPlots);
     right->addWidget(m_pipeline);
+    right->addStretch(1);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
     layout->addLayout(left, 1);
@@ -322,7 +326,7 @@ void BehaviorView::saveRegions()
     QString error;
     HDF5Writer_V6 file;
     if (!lock.owns_lock())
-        error = LockedFileRead(m_filepath).error();
+        error = DatasetDefinitions::fileBusyMessage();
     else if (file.open(m_filepath) < 0)
         error = file.lastError();
     else

@@ -78,7 +78,7 @@ void TrailItem::paint(QPainter* painter, const QStyleOptionGraphicsItem* option,
         if (isMissingPosition(a) || isMissingPosition(b))
             continue;
         QColor color = m_color;
-        color.setAlphaF(std::clamp(1.0 - (now - m_time[k]) / m_trailSeconds, 0.15, 1.0));
+        color.setAlphaF(std::clamp(1.0 - (now - m_time[k]) / m_trailSeconds, 0.25, 1.0));
         QPen pen(color, trailWidth);
         pen.setCosmetic(true);
         pen.setCapStyle(Qt::RoundCap);
