@@ -78,7 +78,7 @@ BehaviorVideoPanel::~BehaviorVideoPanel()
     m_view->scene()->removeItem(m_trail.get());
 }
 
-void BehaviorVideoPanel::openVideo(const QString& path, std::vector<double> frameTimes)
+void BehaviorVideoPanel::openVideo(const QString& path, std::vector<double> frameTimes, int frame)
 {
     setPlaying(false);
     m_frameTimes = std::move(frameTimes);
@@ -88,7 +88,7 @@ void BehaviorVideoPanel::openVideo(const QString& path, std::vector<double> fram
     {
         const QSignalBlocker blocker(m_slider);
         m_slider->setRange(0, std::max(frameCount() - 1, 0));
-        m_slider->setValue(0);
+        m_slider->setValue(frame);
     }
     m_slider->setEnabled(false);
     m_play->setEnabled(false);

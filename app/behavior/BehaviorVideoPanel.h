@@ -38,8 +38,8 @@ public:
     ~BehaviorVideoPanel() override;
 
     /// Opens the video at `path`, whose frames are taken at `frameTimes` (the link's
-    /// "Time"); videoOpened() tells when it is ready, or why not.
-    void openVideo(const QString& path, std::vector<double> frameTimes);
+    /// "Time"), at `frame`; videoOpened() tells when it is ready, or why not.
+    void openVideo(const QString& path, std::vector<double> frameTimes, int frame = 0);
     /// Shows no video, with `message` in its place.
     void closeVideo(const QString& message);
 

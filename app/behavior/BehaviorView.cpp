@@ -160,6 +160,8 @@ void BehaviorView::setFile(const QString& filepath)
 {
     const QString previousVideo = m_video->currentText();
     const QString previousCoordinates = m_coordinates->currentData().toString();
+    if (filepath != m_filepath)
+        m_openedLink.clear();
     m_filepath = filepath;
     std::vector<DataFileNode> nodes;
     {
@@ -205,6 +207,7 @@ void BehaviorView::onVideoChosen(int)
 {
     const VideoLink* link = currentLink();
     if (!link) {
+        m_openedLink.clear();
         m_videoPanel->closeVideo(BD::noVideoMessage());
         return;
     }
@@ -220,10 +223,14 @@ void BehaviorView::onVideoChosen(int)
             BehaviorRegionStore::read(read.reader(), link->path, m_storedRegions, error);
     }
     if (!error.isEmpty()) {
+        m_openedLink.clear();
         m_videoPanel->closeVideo(error);
         return;
     }
-    m_videoPanel->openVideo(video, std::move(time));
+    // Re-reading the file (after a run) keeps the frame the user was on.
+    const bool same = link->path == m_openedLink;
+    m_openedLink = link->path;
+    m_videoPanel->openVideo(video, std::move(time), same ? std::max(m_videoPanel->currentFrame(), 0) : 0);
 }
 
 void BehaviorView::onVideoOpened(const QString& error)

@@ -90,6 +90,8 @@ private:
     const VideoLink* currentLink() const;
 
     QString m_filepath;
+    /// The link of the video open, empty when none is.
+    QString m_openedLink;
     QComboBox* m_video;
     QComboBox* m_coordinates;
     QToolButton* m_signalsButton;

@@ -34,6 +34,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace zarvi;
 
 namespace {
@@ -168,6 +170,34 @@ TEST_F(BehaviorViewTest, TheSliderShowsItsFrameAndMovesTheSignalsCursor)
     ASSERT_TRUE(waitFor([video] { return video->shownFrame() == 43; }));
     EXPECT_LT(video->view()->pixelValue(discAt(43).x, 60), 80);
     EXPECT_DOUBLE_EQ(view.signalsPanel()->cursorTime(), 4.3);
+
+    // The file read again (as after a run) keeps the frame.
+    view.setFile(file);
+    EXPECT_EQ(video->currentFrame(), 43);
+    ASSERT_TRUE(waitFor([video] { return video->shownFrame() == 43; }));
+}
+
+TEST_F(BehaviorViewTest, PlayingGoesForwardFrameByFrameAndStopsAtTheEnd)
+{
+    BehaviorVideoPanel* video = view.videoPanel();
+    video->setFrame(50);
+    std::vector<int> frames;
+    QObject::connect(video, &BehaviorVideoPanel::frameChanged, &view,
+                     [&frames](int frame) { frames.push_back(frame); });
+    video->playButton()->click();
+    EXPECT_TRUE(video->isPlaying());
+    ASSERT_TRUE(waitFor([video] { return !video->isPlaying(); }));
+    EXPECT_EQ(video->currentFrame(), Frames - 1);
+    EXPECT_FALSE(video->playButton()->isChecked());
+    ASSERT_FALSE(frames.empty());
+    EXPECT_TRUE(std::is_sorted(frames.begin(), frames.end()));
+    EXPECT_EQ(frames.back(), Frames - 1);
+    ASSERT_TRUE(waitFor([video] { return video->shownFrame() == Frames - 1; }));
+    // Played again from the end, it starts over.
+    video->playButton()->click();
+    EXPECT_EQ(video->currentFrame(), 0);
+    video->playButton()->click();
+    EXPECT_FALSE(video->isPlaying());
 }
 
 TEST_F(BehaviorViewTest, MeasuresNeedsAFinishedArenaThenRunsOnTheRegionsDrawn)
