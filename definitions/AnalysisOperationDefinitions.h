@@ -57,6 +57,8 @@ public:
     static inline const QString RowNames = QStringLiteral("RowNames");
     static inline const QString RowLabel = QStringLiteral("RowLabel");
     static inline const QString ColumnNames = QStringLiteral("ColumnNames");
+    /// A table whose columns differ in unit names each column's unit here instead of in "Unit".
+    static inline const QString ColumnUnits = QStringLiteral("ColumnUnits");
     static inline const QString ColumnLabel = QStringLiteral("ColumnLabel");
     static inline const QString ColumnRange = QStringLiteral("ColumnRange");
 

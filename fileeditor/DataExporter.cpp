@@ -175,7 +175,8 @@ bool readEvents(HDF5Manager_V6& file, const std::vector<ExportableDataset>& item
 /// One row per row of the result, named by its "EventNames", "PeriodNames" or "RowNames"
 /// when it has them (else "Row1"...). With a "Time" of one entry per column beside it, the
 /// columns are headed by their time; otherwise by its "ColumnNames", or by the dataset's
-/// name and the column's number.
+/// name and the column's number, each with its "ColumnUnits" entry when every column has
+/// one, else the dataset's "Unit".
 bool readMatrix(HDF5Manager_V6& file, const ExportableDataset& item, TableData& table,
                 DataExportResult& result)
 {
@@ -211,12 +212,16 @@ bool readMatrix(HDF5Manager_V6& file, const ExportableDataset& item, TableData& 
     const QStringList columnNames =
         attributeOf(file, item.path, AnalysisOperationDefinitions::ColumnNames).toStringList();
     const bool namedColumns = static_cast<std::size_t>(columnNames.size()) == width;
+    const QStringList columnUnits =
+        attributeOf(file, item.path, AnalysisOperationDefinitions::ColumnUnits).toStringList();
+    const bool unitPerColumn = static_cast<std::size_t>(columnUnits.size()) == width;
     table.rowNamesTitle = name;
     table.rowNames = rowNames;
     for (std::size_t c = 0; c < width; ++c) {
         TableColumn column{namedColumns ? columnNames[static_cast<qsizetype>(c)]
                                         : Texts::MatrixColumnPattern.arg(name).arg(c + 1),
-                           unit, std::vector<double>(rows)};
+                           unitPerColumn ? columnUnits[static_cast<qsizetype>(c)] : unit,
+                           std::vector<double>(rows)};
         for (std::size_t r = 0; r < rows; ++r)
             column.values[r] = values[r * width + c];
         table.columns.push_back(std::move(column));

@@ -18,6 +18,10 @@ namespace {
 
 using Texts = FileEditorOperationDefinitions;
 
+/// Frames this close ahead are reached by decoding forward: cheaper than a seek, which
+/// goes back to the last key frame and decodes forward from there anyway.
+constexpr std::size_t forwardDecodeLimit = 30;
+
 /// The number of frames the container's header states for its first video stream (the
 /// one OpenCV reads), 0 when it states none, as MPEG program streams and Matroska files
 /// do. Only a stated count promises how many frames the file holds.
@@ -126,6 +130,37 @@ bool VideoFrameReader::grabNext(double& seconds)
                   : reported;
     m_lastSeconds = seconds;
     ++m_framesRead;
+    return true;
+}
+
+bool VideoFrameReader::seek(std::size_t index)
+{
+    m_error.clear();
+    if (!m_capture.isOpened()) {
+        m_error = Texts::notOpenMessage();
+        return false;
+    }
+    double seconds = 0.0;
+    if (index >= m_framesRead && index - m_framesRead <= forwardDecodeLimit) {
+        while (m_framesRead < index)
+            if (!grabNext(seconds))
+                return false;
+        return true;
+    }
+    bool positioned = false;
+    try {
+        positioned = m_capture.set(cv::CAP_PROP_POS_FRAMES, static_cast<double>(index));
+    } catch (const cv::Exception&) {
+        positioned = false;
+    }
+    if (!positioned) {
+        m_error = Texts::videoOpenMessage().arg(m_config.path);
+        return false;
+    }
+    // The times the container gives restart from the new position.
+    m_framesRead = index;
+    m_timesFromRate = false;
+    m_lastSeconds = -1.0;
     return true;
 }
 

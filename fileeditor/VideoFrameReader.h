@@ -56,13 +56,14 @@ struct VideoTimestamps
     bool ok() const { return error.isEmpty(); }
 };
 
-/// Reads a video file frame by frame, in order, through OpenCV's FFmpeg backend, with
-/// each frame's time as the container stores it, so that variable frame rates and
-/// dropped frames keep their true timing. Where the container gives no usable time (the
-/// times stop advancing, as with MPEG program streams), the remaining frames are timed
-/// by the frame rate from the last time given. A file that ends before the number of
-/// frames its header states is reported as truncated rather than silently cut short.
-/// Lives on the worker thread of the conversion; one object is used by one thread at a time.
+/// Reads a video file frame by frame, in order from the start or from a frame sought,
+/// through OpenCV's FFmpeg backend, with each frame's time as the container stores it, so
+/// that variable frame rates and dropped frames keep their true timing. Where the
+/// container gives no usable time (the times stop advancing, as with MPEG program
+/// streams), the remaining frames are timed by the frame rate from the last time given. A
+/// file that ends before the number of frames its header states is reported as truncated
+/// rather than silently cut short. Lives on the worker thread of the conversion or of the
+/// behaviour view's decoding; one object is used by one thread at a time.
 class VideoFrameReader
 {
 public:
@@ -74,6 +75,11 @@ public:
     /// on failure; lastError() is empty at a regular end and says what went wrong otherwise.
     bool readNext(cv::Mat& frame, double& seconds);
     std::size_t framesRead() const { return m_framesRead; }
+    /// Makes frame `index` (from 0) the next one readNext() decodes. A frame a little ahead
+    /// is reached by decoding forward, any other through the container's index, so a jump
+    /// costs about the same anywhere in a long video. False, with lastError() set, when the
+    /// video cannot be positioned there.
+    bool seek(std::size_t index);
     /// The times of the frames read since some frame come from the frame rate.
     bool timesFromFrameRate() const { return m_timesFromRate; }
     QString lastError() const { return m_error; }

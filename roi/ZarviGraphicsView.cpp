@@ -60,6 +60,7 @@ bool ZarviGraphicsView::setFrame(std::vector<std::uint16_t> frame, int width, in
     if (width <= 0 || height <= 0 || frame.size() != static_cast<std::size_t>(width) * height)
         return false;
     const bool resized = QSize(width, height) != m_imageSize;
+    m_colorFrame = QImage();
     m_frame = std::move(frame);
     m_imageSize = QSize(width, height);
     m_bitCount = bitCount;
@@ -71,10 +72,28 @@ bool ZarviGraphicsView::setFrame(std::vector<std::uint16_t> frame, int width, in
     return true;
 }
 
+bool ZarviGraphicsView::setColorFrame(const QImage& image)
+{
+    if (image.isNull())
+        return false;
+    const bool resized = image.size() != m_imageSize;
+    m_frame.clear();
+    m_colorFrame = image;
+    m_imageSize = image.size();
+    m_pixmap->setPixmap(QPixmap::fromImage(m_colorFrame));
+    if (resized) {
+        m_scene->setSceneRect(QRectF(-0.5, -0.5, m_imageSize.width(), m_imageSize.height()));
+        fitToView();
+    }
+    return true;
+}
+
 int ZarviGraphicsView::pixelValue(int x, int y) const
 {
     if (x < 0 || y < 0 || x >= m_imageSize.width() || y >= m_imageSize.height())
         return -1;
+    if (!m_colorFrame.isNull())
+        return qGray(m_colorFrame.pixel(x, y));
     return m_frame[static_cast<std::size_t>(y) * m_imageSize.width() + x];
 }
 
@@ -208,7 +227,7 @@ void ZarviGraphicsView::showEvent(QShowEvent* event)
 
 void ZarviGraphicsView::refreshImage()
 {
-    if (m_imageSize.isEmpty())
+    if (m_imageSize.isEmpty() || !m_colorFrame.isNull())
         return;
     m_contrast = m_autoContrast ? FrameContrast::percentileRange(m_frame, DatasetDefinitions::AutoContrastLow,
                                                                  DatasetDefinitions::AutoContrastHigh)

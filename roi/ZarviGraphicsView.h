@@ -3,6 +3,7 @@
 #include "roi/FrameContrast.h"
 
 #include <QGraphicsView>
+#include <QImage>
 #include <QPointer>
 
 #include <cstdint>
@@ -17,12 +18,13 @@ class AbstractROIHandler;
 /// Shows one unsigned 16-bit image frame with the regions of interest drawn over it. The
 /// frame is shown in grey levels over a display range, its 0.5th to 99.5th percentiles
 /// with autocontrast, else the full range of its bit count; the values themselves are
-/// never changed. Pixel (x, y) is centred on scene point (x, y). Navigation: the frame
-/// fits the view when shown and follows resizes until the user zooms; the wheel zooms
-/// around the cursor; dragging with the middle button pans. The pixel under the cursor and
-/// its value are reported by pixelHovered(). One ROI handler at a time receives the mouse
-/// and keys (setActiveHandler); the ROI items belong to their handlers, never to the
-/// scene. GUI thread.
+/// never changed. A colour frame (a video's) is shown as it is, with no contrast. Pixel
+/// (x, y) is centred on scene point (x, y). Navigation: the frame fits the view when shown
+/// and follows resizes until the user zooms; the wheel zooms around the cursor; dragging
+/// with the middle button pans. The pixel under the cursor and its value are reported by
+/// pixelHovered(). One ROI handler at a time receives the mouse and keys
+/// (setActiveHandler); the ROI items belong to their handlers, never to the scene. GUI
+/// thread.
 class ZarviGraphicsView : public QGraphicsView
 {
     Q_OBJECT
@@ -34,6 +36,9 @@ public:
     /// Shows `frame`, row by row, of `width` x `height` pixels; false, with nothing
     /// changed, when its size does not match. A new size fits the view again.
     bool setFrame(std::vector<std::uint16_t> frame, int width, int height, int bitCount);
+    /// Shows a colour frame as it is, in place of any grey frame; the value of a pixel is
+    /// then its grey level (qGray). A new size fits the view again.
+    bool setColorFrame(const QImage& image);
     const std::vector<std::uint16_t>& frame() const { return m_frame; }
     QSize imageSize() const { return m_imageSize; }
     /// The value of pixel (x, y); -1 outside the image.
@@ -79,6 +84,7 @@ private:
     QGraphicsScene* m_scene;
     QGraphicsPixmapItem* m_pixmap;
     std::vector<std::uint16_t> m_frame;
+    QImage m_colorFrame;
     QSize m_imageSize;
     int m_bitCount = 16;
     bool m_autoContrast = true;

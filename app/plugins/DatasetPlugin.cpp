@@ -3,6 +3,8 @@
 #include "analysis/AnalysisPipeline.h"
 #include "analysis/PerieventResultView.h"
 #include "app/IconFont.h"
+#include "app/behavior/BehaviorPipeline.h"
+#include "app/behavior/BehaviorView.h"
 #include "app/browser/AttributesTable.h"
 #include "app/browser/DataFileTreeWidget.h"
 #include "app/browser/ImageStackWidget.h"
@@ -267,9 +269,13 @@ void DatasetPlugin::buildPipelines()
     setPipelineWidget(m_pipeline);
     m_analysis = new AnalysisPipeline;
     setAnalysisWidget(m_analysis);
+    m_behavior = new BehaviorView;
+    setBehaviorWidget(m_behavior);
+    connect(m_behavior, &BehaviorView::sendStatusMessage, this, &DatasetPlugin::sendStatusMessage);
     // After a run the tree shows and selects what it wrote, and the status bar says it.
     for (AbstractPipeline* pipeline :
-         {static_cast<AbstractPipeline*>(m_pipeline), static_cast<AbstractPipeline*>(m_analysis)})
+         {static_cast<AbstractPipeline*>(m_pipeline), static_cast<AbstractPipeline*>(m_analysis),
+          static_cast<AbstractPipeline*>(m_behavior->pipeline())})
         connect(pipeline, &AbstractPipeline::sendOperationProcessFinished, this,
                 [this](const QString&, const QStringList& datapaths) {
                     if (!reloadFile() || datapaths.isEmpty())
@@ -289,6 +295,7 @@ bool DatasetPlugin::reloadFile()
     if (!readFileTree(nodes))
         return false;
     m_pipeline->reload(filePath());
+    m_behavior->setFile(filePath());
     m_tree->setNodes(std::move(nodes));
     m_attributes->showHistory(*m_tree, m_tree->currentPath());
     onSelectionChanged();

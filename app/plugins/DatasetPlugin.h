@@ -12,6 +12,7 @@ namespace zarvi {
 
 class AnalysisPipeline;
 class AttributesTable;
+class BehaviorView;
 class DataFileTreeWidget;
 class DatasetPipeline;
 
@@ -57,6 +58,7 @@ public:
     DataFileTreeWidget* fileTree() const { return m_tree; }
     DatasetPipeline* pipeline() const { return m_pipeline; }
     AnalysisPipeline* analysis() const { return m_analysis; }
+    BehaviorView* behavior() const { return m_behavior; }
     AttributesTable* attributesTable() const { return m_attributes; }
     QTabWidget* viewTabs() const { return tw_view; }
 
@@ -91,6 +93,7 @@ private:
     AttributesTable* m_attributes = nullptr;
     DatasetPipeline* m_pipeline = nullptr;
     AnalysisPipeline* m_analysis = nullptr;
+    BehaviorView* m_behavior = nullptr;
     QWidget* w_view = nullptr;
     QToolButton* tb_pipeline = nullptr;
     QToolButton* tb_analysis = nullptr;
