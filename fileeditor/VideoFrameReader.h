@@ -73,6 +73,9 @@ public:
     /// changes) and its time in seconds into seconds. False at the end of the video or
     /// on failure; lastError() is empty at a regular end and says what went wrong otherwise.
     bool readNext(cv::Mat& frame, double& seconds);
+    /// Passes over the next frame without handing it out, which saves the conversion of
+    /// its pixels. False as readNext().
+    bool skipNext();
     std::size_t framesRead() const { return m_framesRead; }
     /// The times of the frames read since some frame come from the frame rate.
     bool timesFromFrameRate() const { return m_timesFromRate; }
