@@ -1,9 +1,14 @@
 #include "behavior/BehaviorOperationViews.h"
 
+#include "behavior/operations/tracking/TrackingView.h"
+#include "definitions/VideoOperationDefinitions.h"
 #include "framework/OperationViewRegistry.h"
 
 namespace zarvi {
 
-void registerBehaviorOperationViews(OperationViewRegistry&) {}
+void registerBehaviorOperationViews(OperationViewRegistry& registry)
+{
+    registry.add(VideoOperationDefinitions::AnimalTracking, [] { return std::make_unique<TrackingView>(); });
+}
 
 } // namespace zarvi
