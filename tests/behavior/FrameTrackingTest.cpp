@@ -137,6 +137,72 @@ TEST(ThresholdMask, FourChannelsLoseAlphaAndNoValueRangeUsesTheFrameAsItIs)
     EXPECT_EQ(mask.at<std::uint8_t>(3, 0), Kept);
 }
 
+TEST(ThresholdMask, FullFramesGetExactlyTheWholeFrameBlur)
+{
+    // A video-sized frame (the blur is then worked in bands) of noise over shapes: every
+    // grey level is met, so a blur one off anywhere shows at some bound.
+    cv::Mat frame(480, 640, CV_8UC3);
+    cv::randu(frame, cv::Scalar::all(0), cv::Scalar::all(256));
+    cv::circle(frame, cv::Point(320, 240), 90, cv::Scalar(10, 200, 40), cv::FILLED);
+    cv::rectangle(frame, cv::Point(0, 0), cv::Point(639, 30), cv::Scalar::all(250), cv::FILLED);
+    cv::Mat levels, blurred, hsv, blurredHsv;
+    cv::cvtColor(frame, levels, cv::COLOR_BGR2GRAY);
+    cv::GaussianBlur(levels, blurred, cv::Size(), 3, 3, cv::BORDER_REFLECT_101);
+    cv::Mat mask, work, expected;
+    for (int level = 0; level < 256; ++level) {
+        // The percent whose bound truncates to `level`.
+        const double percent = (level + 0.5) * 100 / 255;
+        ASSERT_TRUE(thresholdMask(frame, grey(0, percent), mask, work));
+        cv::inRange(blurred, 0, level, expected);
+        ASSERT_EQ(cv::countNonZero(mask != expected), 0) << "level " << level;
+    }
+
+    cv::cvtColor(frame, hsv, cv::COLOR_RGB2HSV);
+    cv::GaussianBlur(hsv, blurredHsv, cv::Size(), 3, 3, cv::BORDER_REFLECT_101);
+    for (int hue = 0; hue <= 170; hue += 10) {
+        const ThresholdSettings settings = colour({double(hue), hue + 10.0}, {20, 80}, {10, 90});
+        ASSERT_TRUE(thresholdMask(frame, settings, mask, work));
+        cv::inRange(blurredHsv, cv::Scalar(hue, 20 * 255 / 100.0, 10 * 255 / 100.0),
+                    cv::Scalar(hue + 10, 80 * 255 / 100.0, 90 * 255 / 100.0), expected);
+        ASSERT_EQ(cv::countNonZero(mask != expected), 0) << "hue " << hue;
+    }
+
+    cv::Mat deep(480, 640, CV_16UC1);
+    cv::randu(deep, cv::Scalar(0), cv::Scalar(300));
+    cv::GaussianBlur(deep, blurred, cv::Size(), 3, 3, cv::BORDER_REFLECT_101);
+    for (int level : {120, 140, 150, 160, 180}) {
+        ASSERT_TRUE(thresholdMask(deep, grey(0, (level + 0.5) * 100 / 255), mask, work));
+        cv::inRange(blurred, 0, level, expected);
+        ASSERT_EQ(cv::countNonZero(mask != expected), 0) << "16-bit level " << level;
+    }
+}
+
+TEST(ThresholdMask, SparseScenesGetExactlyTheWholeFrameBlur)
+{
+    // Dark discs on a light noisy floor, one at the frame's edge; then the same light on dark.
+    cv::Mat floor(480, 640, CV_8UC1);
+    cv::randu(floor, cv::Scalar(120), cv::Scalar(256));
+    cv::Mat dark = floor.clone(), spots(480, 640, CV_8UC1);
+    cv::randu(spots, cv::Scalar(0), cv::Scalar(60));
+    cv::Mat discs = cv::Mat::zeros(480, 640, CV_8UC1);
+    cv::circle(discs, cv::Point(200, 300), 20, cv::Scalar(255), cv::FILLED);
+    cv::circle(discs, cv::Point(5, 470), 12, cv::Scalar(255), cv::FILLED);
+    spots.copyTo(dark, discs);
+    cv::Mat light = 255 - dark;
+    cv::Mat blurredDark, blurredLight, mask, work, expected;
+    cv::GaussianBlur(dark, blurredDark, cv::Size(), 3, 3, cv::BORDER_REFLECT_101);
+    cv::GaussianBlur(light, blurredLight, cv::Size(), 3, 3, cv::BORDER_REFLECT_101);
+    for (int level = 0; level < 256; ++level) {
+        const double percent = (level + 0.5) * 100 / 255;
+        ASSERT_TRUE(thresholdMask(dark, grey(0, percent), mask, work));
+        cv::inRange(blurredDark, 0, level, expected);
+        ASSERT_EQ(cv::countNonZero(mask != expected), 0) << "dark up to " << level;
+        ASSERT_TRUE(thresholdMask(light, grey(percent, 100), mask, work));
+        cv::inRange(blurredLight, level, 255, expected);
+        ASSERT_EQ(cv::countNonZero(mask != expected), 0) << "light from " << level;
+    }
+}
+
 TEST(AnimalSize, LongerSideOfTheSmallestRotatedRectangle)
 {
     EXPECT_EQ(estimateAnimalSize({{0, 0}, {30, 0}, {30, 10}, {0, 10}}), 30);

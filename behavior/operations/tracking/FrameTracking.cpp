@@ -10,11 +10,72 @@ namespace zarvi {
 namespace {
 
 constexpr double BlurSigma = 3.0;
+/// Pixels the Gaussian reaches from its centre at sigma 3 (9 for 8-bit images, 12 for
+/// others), with room to spare.
+constexpr int Reach = 16;
+/// Bands are not cut thinner than this, so that their margins stay a small extra.
+constexpr int MinimumBandRows = 96;
 
-void blur(const cv::Mat& input, cv::Mat& output)
+void gaussian(const cv::Mat& input, cv::Mat& output)
 {
     // A zero kernel size lets OpenCV derive it from sigma.
     cv::GaussianBlur(input, output, cv::Size(), BlurSigma, BlurSigma, cv::BORDER_REFLECT_101);
+}
+
+cv::Rect grown(const cv::Rect& box, const cv::Rect& whole)
+{
+    return cv::Rect(box.x - Reach, box.y - Reach, box.width + 2 * Reach, box.height + 2 * Reach) & whole;
+}
+
+/// The Gaussian of `region` of `input` into `output` (of the region's size), each pixel
+/// exactly as one blur of the whole input gives it. The blur is the costliest step, so
+/// a large region is cut into horizontal bands worked on OpenCV's threads, using the
+/// cores the decoding leaves free. A band (or a region smaller than the frame) is
+/// blurred as an image of its own with margins that hold the true neighbours of its
+/// edge pixels, and the margins' results are dropped. It is blurred as a copy, not a
+/// view: OpenCV blurs a view of a larger image by another method, whose results may
+/// differ in the last bit.
+void blurRegion(const cv::Mat& input, const cv::Rect& region, cv::Mat& output)
+{
+    const cv::Rect whole(0, 0, input.cols, input.rows);
+    const int bands = std::clamp(region.height / MinimumBandRows, 1, cv::getNumThreads());
+    if (region == whole && bands == 1) {
+        gaussian(input, output);
+        return;
+    }
+    output.create(region.size(), input.type());
+    cv::parallel_for_(cv::Range(0, bands), [&](const cv::Range& range) {
+        cv::Mat blurred;
+        for (int band = range.start; band < range.end; ++band) {
+            const int top = region.y + region.height * band / bands;
+            const int bottom = region.y + region.height * (band + 1) / bands;
+            const cv::Rect inner(region.x, top, region.width, bottom - top);
+            const cv::Rect outer = grown(inner, whole);
+            gaussian(input(outer).clone(), blurred);
+            blurred(inner - outer.tl()).copyTo(output(inner - region.tl()));
+        }
+    });
+}
+
+/// Where a grey test of [low, high] on the blurred levels can keep pixels: the blur of a
+/// window lies between its lowest and its highest level, so a kept pixel lies within the
+/// Gaussian's reach of a level up to `high` and of a level from `low`. Everywhere else the
+/// mask is 0 without blurring, which on a light floor leaves only the animal's
+/// surroundings to blur. Empty when no pixel can pass.
+cv::Rect reachable(const cv::Mat& levels, int low, int high, cv::Mat& work)
+{
+    const cv::Rect whole(0, 0, levels.cols, levels.rows);
+    const double top = levels.depth() == CV_8U ? 255 : 65535;
+    cv::Rect region = whole;
+    if (high < top) {
+        cv::inRange(levels, 0, high, work);
+        region &= grown(cv::boundingRect(work), whole);
+    }
+    if (low > 0 && !region.empty()) {
+        cv::inRange(levels, low, top, work);
+        region &= grown(cv::boundingRect(work), whole);
+    }
+    return region;
 }
 
 double scaled(double percent)
@@ -41,13 +102,23 @@ bool thresholdMask(const cv::Mat& frame, const ThresholdSettings& settings, cv::
     }
     const ThresholdRange& value = *settings.value;
     if (!settings.colourMode()) {
-        if (input->channels() == 1)
-            blur(*input, work);
-        else {
+        const cv::Mat* levels = input;
+        if (input->channels() != 1) {
             cv::cvtColor(*input, mask, cv::COLOR_BGR2GRAY);
-            blur(mask, work);
+            levels = &mask;
         }
-        cv::inRange(work, static_cast<int>(scaled(value.low)), static_cast<int>(scaled(value.high)), mask);
+        const int low = static_cast<int>(scaled(value.low));
+        const int high = static_cast<int>(scaled(value.high));
+        const cv::Rect region = reachable(*levels, low, high, work);
+        if (!region.empty())
+            blurRegion(*levels, region, work);
+        // The levels may lie in `mask`: it is cleared only once they are blurred.
+        mask.create(levels->size(), CV_8UC1);
+        mask.setTo(0);
+        if (!region.empty()) {
+            cv::Mat kept = mask(region);
+            cv::inRange(work, low, high, kept);
+        }
         return true;
     }
     if (input->depth() != CV_8U) {
@@ -59,7 +130,7 @@ bool thresholdMask(const cv::Mat& frame, const ThresholdSettings& settings, cv::
         input = &threeChannels;
     }
     cv::cvtColor(*input, mask, cv::COLOR_RGB2HSV);
-    blur(mask, work);
+    blurRegion(mask, cv::Rect(0, 0, mask.cols, mask.rows), work);
     const ThresholdRange& hue = *settings.hue;
     const ThresholdRange& saturation = *settings.saturation;
     cv::inRange(work, cv::Scalar(hue.low, scaled(saturation.low), scaled(value.low)),
