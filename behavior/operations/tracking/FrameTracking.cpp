@@ -57,6 +57,31 @@ void blurRegion(const cv::Mat& input, const cv::Rect& region, cv::Mat& output)
     });
 }
 
+/// The bounding rectangle of the pixels of an 8-bit mask that are not 0; empty when there
+/// are none. cv::boundingRect() visits a mask pixel by pixel; this passes over empty rows
+/// whole, which on a video frame is most of them.
+cv::Rect nonZeroBounds(const cv::Mat& mask)
+{
+    int top = 0;
+    while (top < mask.rows && cv::countNonZero(mask.row(top)) == 0)
+        ++top;
+    if (top == mask.rows)
+        return {};
+    int bottom = mask.rows - 1;
+    while (cv::countNonZero(mask.row(bottom)) == 0)
+        --bottom;
+    cv::Mat columns;
+    cv::reduce(mask.rowRange(top, bottom + 1), columns, 0, cv::REDUCE_MAX);
+    const std::uint8_t* column = columns.ptr<std::uint8_t>();
+    int left = 0;
+    while (column[left] == 0)
+        ++left;
+    int right = columns.cols - 1;
+    while (column[right] == 0)
+        --right;
+    return {left, top, right - left + 1, bottom - top + 1};
+}
+
 /// Where a grey test of [low, high] on the blurred levels can keep pixels: the blur of a
 /// window lies between its lowest and its highest level, so a kept pixel lies within the
 /// Gaussian's reach of a level up to `high` and of a level from `low`. Everywhere else the
@@ -69,11 +94,11 @@ cv::Rect reachable(const cv::Mat& levels, int low, int high, cv::Mat& work)
     cv::Rect region = whole;
     if (high < top) {
         cv::inRange(levels, 0, high, work);
-        region &= grown(cv::boundingRect(work), whole);
+        region &= grown(nonZeroBounds(work), whole);
     }
     if (low > 0 && !region.empty()) {
         cv::inRange(levels, low, top, work);
-        region &= grown(cv::boundingRect(work), whole);
+        region &= grown(nonZeroBounds(work), whole);
     }
     return region;
 }
