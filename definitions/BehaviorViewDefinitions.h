@@ -153,12 +153,6 @@ public:
     {
         return tr("The file links no behaviour video. Link one with Convert.");
     }
-    static QString videoNotFoundMessage()
-    {
-        return tr(
-            "The video of <b>%1</b> was not found, neither at <b>%2</b> (relative to the data file) nor at "
-            "<b>%3</b>.");
-    }
     static QString regionsTitle() { return tr("Arena, Zones and Calibration"); }
     static QString drawArenaLabel() { return tr("Draw Arena"); }
     static QString drawZonesLabel() { return tr("Draw Zones"); }

@@ -157,6 +157,10 @@ public:
     static inline const QString MatrixColumnPattern = QStringLiteral("%1 %2");
     /// Unit of times and of event arrays.
     static inline const QString SecondsUnit = QStringLiteral("s");
+    /// Columns and unit of exported coordinates.
+    static inline const QString XColumn = QStringLiteral("X");
+    static inline const QString YColumn = QStringLiteral("Y");
+    static inline const QString PixelUnit = QStringLiteral("px");
 
     // Conversion.
     static QString deviceNameMessage()
@@ -379,6 +383,7 @@ public:
     static QString eventsKindText() { return tr("events"); }
     static QString matrixKindText() { return tr("2-D result"); }
     static QString imageStackKindText() { return tr("image stack"); }
+    static QString coordinatesKindText() { return tr("coordinates"); }
 
     // Export.
     static QString exportNothingMessage() { return tr("Choose at least one dataset to export."); }
@@ -400,6 +405,10 @@ public:
     static QString exportOneMatrixMessage()
     {
         return tr("2-D results are exported one per file; choose one.");
+    }
+    static QString exportOneCoordinatesMessage()
+    {
+        return tr("Coordinates are exported one set per file; choose one.");
     }
     static QString exportOneStackMessage()
     {

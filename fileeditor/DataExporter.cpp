@@ -229,6 +229,28 @@ bool readMatrix(HDF5Manager_V6& file, const ExportableDataset& item, TableData& 
     return true;
 }
 
+/// "Time (s)", "X (px)" and "Y (px)", one row per frame.
+bool readCoordinates(HDF5Manager_V6& file, const ExportableDataset& item, TableData& table,
+                     DataExportResult& result)
+{
+    std::vector<double> values;
+    std::vector<double> time;
+    if (!readWhole(file, item.path, values, result.error) ||
+        !readWhole(file, siblingOf(item.path, FD::Time), time, result.error))
+        return false;
+    const auto rows = static_cast<std::size_t>(item.dimensions[0]);
+    TableColumn x{Texts::XColumn, Texts::PixelUnit, std::vector<double>(rows)};
+    TableColumn y{Texts::YColumn, Texts::PixelUnit, std::vector<double>(rows)};
+    for (std::size_t r = 0; r < rows; ++r) {
+        x.values[r] = values[2 * r];
+        y.values[r] = values[2 * r + 1];
+    }
+    table.columns.push_back(TableColumn{FD::TimeKey, Texts::SecondsUnit, std::move(time)});
+    table.columns.push_back(std::move(x));
+    table.columns.push_back(std::move(y));
+    return true;
+}
+
 /// Streams the chosen frames into a TIFF written beside the output under a temporary
 /// name, which replaces the output only when complete.
 void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const DataExportConfig& config,
@@ -297,6 +319,18 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
     result.written = count;
 }
 
+/// True when a 1-D "Time" of `length` entries lies beside the dataset at `path`.
+bool sameLengthTime(HDF5Manager_V6& file, const QString& path, hsize_t length)
+{
+    const QString timePath = siblingOf(path, FD::Time);
+    if (file.objectKind(file.fileId(), timePath) != ObjectKind::Dataset)
+        return false;
+    const hid_t time = file.openDataset(file.fileId(), timePath);
+    const std::vector<hsize_t> timeDims = file.dimensions(time);
+    file.closeDataset(time);
+    return timeDims == std::vector<hsize_t>{length};
+}
+
 } // namespace
 
 std::optional<ExportableDataset> DataExporter::classify(HDF5Manager_V6& file, const QString& path)
@@ -333,21 +367,18 @@ std::optional<ExportableDataset> DataExporter::classify(HDF5Manager_V6& file, co
         item.kind = ExportKind::ImageStack;
         return item;
     }
+    if (dims.size() == 2 && dims[1] == 2 && datasetPath.split(QLatin1Char('/')).contains(FD::Coordinates) &&
+        sameLengthTime(file, datasetPath, dims[0])) {
+        item.kind = ExportKind::Coordinates;
+        return item;
+    }
     if (dims.size() == 2) {
         const bool events =
             datasetPath.split(QLatin1Char('/')).contains(FD::Events) && (dims[1] == 1 || dims[1] == 2);
         item.kind = events ? ExportKind::Events : ExportKind::Matrix;
         return item;
     }
-    if (dims.size() != 1 || name == FD::Time)
-        return std::nullopt;
-    const QString timePath = siblingOf(datasetPath, FD::Time);
-    if (file.objectKind(root, timePath) != ObjectKind::Dataset)
-        return std::nullopt;
-    const hid_t time = file.openDataset(root, timePath);
-    const std::vector<hsize_t> timeDims = file.dimensions(time);
-    file.closeDataset(time);
-    if (timeDims != dims)
+    if (dims.size() != 1 || name == FD::Time || !sameLengthTime(file, datasetPath, dims[0]))
         return std::nullopt;
     return item;
 }
@@ -411,6 +442,8 @@ DataExportResult DataExporter::run(const DataExportConfig& config, Feedback* fee
         result.error = Texts::exportOneStackMessage();
     else if (kind == ExportKind::Matrix && items.size() > 1)
         result.error = Texts::exportOneMatrixMessage();
+    else if (kind == ExportKind::Coordinates && items.size() > 1)
+        result.error = Texts::exportOneCoordinatesMessage();
     if (!result.ok())
         return result;
     if (kind == ExportKind::ImageStack) {
@@ -420,9 +453,10 @@ DataExportResult DataExporter::run(const DataExportConfig& config, Feedback* fee
 
     TableData table;
     ScaledFeedback reading(feedback, 0, ReadPercent);
-    const bool read = kind == ExportKind::Signal   ? readSignals(file, items, table, result, &reading)
-                      : kind == ExportKind::Events ? readEvents(file, items, table, result, &reading)
-                                                   : readMatrix(file, items.front(), table, result);
+    const bool read = kind == ExportKind::Signal        ? readSignals(file, items, table, result, &reading)
+                      : kind == ExportKind::Events      ? readEvents(file, items, table, result, &reading)
+                      : kind == ExportKind::Coordinates ? readCoordinates(file, items.front(), table, result)
+                                                        : readMatrix(file, items.front(), table, result);
     // The tables are written after the file is closed and its lock released.
     source.reset();
     if (!read)

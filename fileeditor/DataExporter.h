@@ -24,6 +24,8 @@ enum class ExportKind
     Events,
     /// Any other 2-D numeric dataset (perievent matrices and the like).
     Matrix,
+    /// Positions [frames, 2] under a "Coordinates" level, with a "Time" of frames entries beside them.
+    Coordinates,
     /// An "ImageStack" of height x width x frames.
     ImageStack
 };
@@ -63,7 +65,8 @@ struct DataExportResult
 /// Writes datasets of a data file to files other programs read: signals with their
 /// time to one table ("Time (s)", then one column per signal named by its sensor, with
 /// its unit), event arrays to a table of onsets and offsets with rows "Event1"..., one
-/// 2-D result to a table with row names, and an image stack (or a range of its frames)
+/// 2-D result to a table with row names, one set of coordinates to a table of their
+/// time, x and y (the missing-position marker -1, -1 kept), and an image stack (or a range of its frames)
 /// to a multi-page TIFF, streamed one frame at a time. Signals exported together must
 /// share their "Time"; signals on different time bases are refused, to be exported one
 /// file at a time. A failed or cancelled export leaves no output file behind and any

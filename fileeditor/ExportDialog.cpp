@@ -49,6 +49,8 @@ QString kindText(ExportKind kind)
         return Texts::matrixKindText();
     case ExportKind::ImageStack:
         return Texts::imageStackKindText();
+    case ExportKind::Coordinates:
+        return Texts::coordinatesKindText();
     case ExportKind::Signal:
         break;
     }

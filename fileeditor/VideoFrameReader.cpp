@@ -189,6 +189,12 @@ bool VideoFrameReader::readNext(cv::Mat& frame, double& seconds)
     return false;
 }
 
+bool VideoFrameReader::skipNext()
+{
+    double seconds = 0.0;
+    return grabNext(seconds);
+}
+
 VideoTimestamps VideoFrameReader::readTimestamps(const QString& path, Feedback* feedback)
 {
     VideoTimestamps result;

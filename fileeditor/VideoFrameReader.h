@@ -74,6 +74,9 @@ public:
     /// changes) and its time in seconds into seconds. False at the end of the video or
     /// on failure; lastError() is empty at a regular end and says what went wrong otherwise.
     bool readNext(cv::Mat& frame, double& seconds);
+    /// Passes over the next frame without handing it out, which saves the conversion of
+    /// its pixels. False as readNext().
+    bool skipNext();
     std::size_t framesRead() const { return m_framesRead; }
     /// Makes frame `index` (from 0) the next one readNext() decodes. A frame a little ahead
     /// is reached by decoding forward, any other through the container's index, so a jump

@@ -215,6 +215,38 @@ TEST(DataExporter, EveryOutputGetsThePermissionsTheUmaskGives)
     ::umask(previous);
 }
 
+TEST(DataExporter, ExportsCoordinatesWithTheirTimeOneSetPerFile)
+{
+    test::TempDir dir;
+    const QString file = writeDataFile(dir);
+    const QString group = QStringLiteral("DataBehavior/Camera/Coordinates/Series1/Video1");
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        const hid_t parent = writer.createGroupPath(writer.fileId(), group);
+        const std::int32_t xy[] = {12, 40, -1, -1, 13, 42};
+        const hid_t coordinates = writer.createDataset(
+            parent, ElementKind::Int32, QStringLiteral("Coordinates1"), 2, {3, 2}, {3, 2}, {3, 2}, 0);
+        EXPECT_TRUE(writer.write(coordinates, xy, {0, 0}, {3, 2}));
+        writer.closeDataset(coordinates);
+        const hid_t time = writer.create1D(parent, ElementKind::Float64, FD::Time, 3);
+        const double times[] = {0.2, 0.24, 0.28};
+        EXPECT_TRUE(writer.append(time, times, {3}));
+        writer.closeDataset(time);
+        writer.closeGroup(parent);
+    }
+    const QString coordinates = group + QStringLiteral("/Coordinates1");
+    const QString csv = dir.file(QStringLiteral("track.csv"));
+    DataExportResult result = DataExporter::run(exportConfig(file, {coordinates}, csv));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    EXPECT_EQ(result.written, 3u);
+    // The frame without a position keeps its marker.
+    EXPECT_EQ(test::readText(csv), QByteArray("Time (s),X (px),Y (px)\n0.2,12,40\n0.24,-1,-1\n0.28,13,42\n"));
+
+    result = DataExporter::run(exportConfig(file, {coordinates, coordinates}, dir.file("two.csv")));
+    EXPECT_EQ(result.error, QStringLiteral("Coordinates are exported one set per file; choose one."));
+}
+
 TEST(DataExporter, ListsWhatCanBeExported)
 {
     test::TempDir dir;
