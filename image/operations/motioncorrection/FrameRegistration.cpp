@@ -1,12 +1,31 @@
 #include "image/operations/motioncorrection/FrameRegistration.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace zarvi {
 
 namespace {
 
 constexpr int n = motionRegionSize;
+
+/// The first position of the largest absolute value, in row-major order: firstMaximum()
+/// of the magnitude of a real image, without a pass to take it.
+cv::Point firstAbsoluteMaximum(const cv::Mat& values)
+{
+    cv::Point best(0, 0);
+    float largest = std::abs(values.at<float>(0, 0));
+    for (int y = 0; y < values.rows; ++y) {
+        const float* row = values.ptr<float>(y);
+        for (int x = 0; x < values.cols; ++x) {
+            if (std::abs(row[x]) > largest) {
+                largest = std::abs(row[x]);
+                best = {x, y};
+            }
+        }
+    }
+    return best;
+}
 
 /// For every row k of the packed spectrum, the sums over the frequencies l = 1 ... last of
 /// C(k, l) times the column kernel of l, for every grid column. Most of a frame's
@@ -53,8 +72,7 @@ FrameShift FrameRegistration::measure(const cv::Mat& frame)
     cv::mulSpectrums(m_spectrum, reference.spectrum(), m_product, 0, true);
     // The spectrum of a real image's correlation is conjugate-symmetric: its inverse is real.
     cv::dft(m_product, m_correlation, cv::DFT_INVERSE | cv::DFT_SCALE | cv::DFT_REAL_OUTPUT);
-    m_correlation = cv::abs(m_correlation);
-    const cv::Point peak = firstMaximum(m_correlation);
+    const cv::Point peak = firstAbsoluteMaximum(m_correlation);
     const int x = unwrapPeak(peak.x, m_product.cols);
     const int y = unwrapPeak(peak.y, m_product.rows);
     return refinedShift(x, y, refine(x, y));

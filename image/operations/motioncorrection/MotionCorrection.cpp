@@ -14,10 +14,13 @@ double registrationScale(int bitCount)
 
 void prepareForRegistration(const cv::Mat& frame, double scale, cv::Mat& prepared)
 {
-    frame.convertTo(prepared, CV_32F, scale, 0.0);
+    // A float frame scaled by 1 is its own conversion: it is blurred as it is.
+    const bool converted = frame.depth() != CV_32F || scale != 1.0;
+    if (converted)
+        frame.convertTo(prepared, CV_32F, scale, 0.0);
     // cv::GaussianBlur filters float images with the separable row and column passes.
-    cv::GaussianBlur(prepared, prepared, cv::Size(motionBlurSize, motionBlurSize), 0.0, 0.0,
-                     cv::BORDER_REFLECT_101);
+    cv::GaussianBlur(converted ? prepared : frame, prepared, cv::Size(motionBlurSize, motionBlurSize), 0.0,
+                     0.0, cv::BORDER_REFLECT_101);
     cv::Laplacian(prepared, prepared, CV_32F, 1, 1.0, 0.0, cv::BORDER_REFLECT_101);
     prepared = cv::abs(prepared);
 }

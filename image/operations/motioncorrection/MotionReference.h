@@ -7,11 +7,10 @@
 
 namespace zarvi {
 
-/// The reference frame of a Motion Correction run, prepared once: its edge map, the
-/// spectrum of that map as cv::dft gives it for a real image (CCS packed: half the
-/// spectrum, the rest being its conjugate), the scale of the stack's bit depth and the
-/// phases of the refinement. Immutable once built, so every thread that registers frames
-/// shares one. Any thread.
+/// The reference frame of a Motion Correction run, prepared once: the spectrum of its edge
+/// map as cv::dft gives it for a real image (CCS packed: half the spectrum, the rest being
+/// its conjugate), the scale of the stack's bit depth and the phases of the refinement.
+/// Immutable once built, so every thread that registers frames shares one. Any thread.
 class MotionReference
 {
 public:
@@ -19,16 +18,14 @@ public:
     /// of the stacks registered against it.
     MotionReference(const cv::Mat& frame, int bitCount);
 
-    cv::Size size() const { return m_prepared.size(); }
+    cv::Size size() const { return m_spectrum.size(); }
     double scale() const { return m_scale; }
-    const cv::Mat& prepared() const { return m_prepared; }
     const cv::Mat& spectrum() const { return m_spectrum; }
     const std::vector<std::complex<double>>& rowPhases() const { return m_rowPhases; }
     const std::vector<std::complex<double>>& columnPhases() const { return m_columnPhases; }
 
 private:
     double m_scale;
-    cv::Mat m_prepared;
     cv::Mat m_spectrum;
     std::vector<std::complex<double>> m_rowPhases;
     std::vector<std::complex<double>> m_columnPhases;

@@ -45,11 +45,4 @@ void MotionShiftPlot::setShifts(const std::vector<double>& time, const std::vect
     m_plot->replot();
 }
 
-void MotionShiftPlot::clear()
-{
-    m_x->data()->clear();
-    m_y->data()->clear();
-    m_plot->replot();
-}
-
 } // namespace zarvi

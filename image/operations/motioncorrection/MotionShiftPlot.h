@@ -22,8 +22,6 @@ public:
 
     /// Shows `shifts`, entry k at `time[k]` seconds (the shorter of the two is shown).
     void setShifts(const std::vector<double>& time, const std::vector<FrameShift>& shifts);
-    void clear();
-    QCustomPlot* plot() const { return m_plot; }
     QCPGraph* xGraph() const { return m_x; }
     QCPGraph* yGraph() const { return m_y; }
 
