@@ -32,7 +32,7 @@ best() { awk -v a="$1" -v b="$2" 'BEGIN { print (a == 0 || b < a) ? b : a }'; }
 
 echo "load before: $(uptime | sed 's/.*load average: //')"
 "$tool" make-moving "$work/stack.orvel" 512 512 "$frames"
-echo "stack: 512 x 512 x $frames uint16, $(du -m "$work/stack.orvel" | cut -f1) MB"
+echo "stack: 512 x 512 x $frames uint16, $(($(stat -c %s "$work/stack.orvel") / 1048576)) MB"
 
 copy_s=0 run_s=0 cpu_s=0
 for round in 1 2; do
@@ -66,7 +66,7 @@ rm -f "$work/stack.orvel" "$work/copy.orvel" "$work/run.orvel"
 "$tool" make-moving "$work/big.orvel" 512 512 4096
 if /usr/bin/time -v "$cli" run "$work/big.orvel" --operation "Motion Correction" --params "$params" \
     --data "$stack" > /dev/null 2> "$work/log"; then
-  awk -F': ' -v mb="$(du -m "$work/big.orvel" | cut -f1)" '/Maximum resident set size/ {
+  awk -F': ' -v mb="$(($(stat -c %s "$work/big.orvel") / 1048576))" '/Maximum resident set size/ {
     printf "peak resident memory on a 512 x 512 x 4096 stack (input %d MB): %.0f MB (target < 300 MB)\n", mb, $2 / 1024 }' "$work/log"
 else
   echo "Motion Correction failed on the large stack: $(grep -v '^\s' "$work/log" | tail -1)"
