@@ -64,9 +64,10 @@ grep -v "kernel alone" "$work/kernel.txt"
 
 rm -f "$work/stack.orvel" "$work/copy.orvel" "$work/run.orvel"
 "$tool" make-moving "$work/big.orvel" 512 512 4096
+input_mb=$(($(stat -c %s "$work/big.orvel") / 1048576))
 if /usr/bin/time -v "$cli" run "$work/big.orvel" --operation "Motion Correction" --params "$params" \
     --data "$stack" > /dev/null 2> "$work/log"; then
-  awk -F': ' -v mb="$(($(stat -c %s "$work/big.orvel") / 1048576))" '/Maximum resident set size/ {
+  awk -F': ' -v mb="$input_mb" '/Maximum resident set size/ {
     printf "peak resident memory on a 512 x 512 x 4096 stack (input %d MB): %.0f MB (target < 300 MB)\n", mb, $2 / 1024 }' "$work/log"
 else
   echo "Motion Correction failed on the large stack: $(grep -v '^\s' "$work/log" | tail -1)"
