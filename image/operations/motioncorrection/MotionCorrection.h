@@ -21,8 +21,8 @@ inline constexpr double motionUpsampling = 6.0;
 /// Side of the square Gaussian kernel that smooths a frame before its edges are taken;
 /// its sigma is derived from the size.
 inline constexpr int motionBlurSize = 51;
-/// The refinement grid has n = ceil(2 u) points a side, deliberately wider than the 1.5 u
-/// of the published method, centred on point s = floor(n / 2).
+/// The refinement grid has n = ceil(2 u) points a side, deliberately wider than the usual
+/// 1.5 u, centred on point s = floor(n / 2).
 inline constexpr int motionRegionSize = 12;
 inline constexpr int motionRegionCentre = 6;
 static_assert(motionRegionSize == 2 * static_cast<int>(motionUpsampling) && motionRegionCentre == 6);
