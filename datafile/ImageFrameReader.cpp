@@ -24,10 +24,12 @@ bool ImageFrameReader::open(HDF5Manager_V6& file, const QString& stackPath, QStr
 {
     close();
     m_path = stackPath;
+    m_problem = Problem::None;
     m_info = ImageStackInfo{};
     m_time.clear();
     if (file.objectKind(file.fileId(), stackPath) != ObjectKind::Dataset) {
         error = FD::datasetNotFoundMessage().arg(stackPath);
+        m_problem = Problem::NotFound;
         return false;
     }
     const hid_t dataset = file.openDataset(file.fileId(), stackPath);
@@ -38,6 +40,7 @@ bool ImageFrameReader::open(HDF5Manager_V6& file, const QString& stackPath, QStr
         if (dataset >= 0)
             file.closeDataset(dataset);
         error = FD::notImageStackMessage().arg(stackPath);
+        m_problem = Problem::NotStack;
         return false;
     }
     m_file = &file;
@@ -62,6 +65,7 @@ bool ImageFrameReader::open(HDF5Manager_V6& file, const QString& stackPath, QStr
                     .arg(m_info.frames)
                     .arg(timeRead ? m_time.size() : 0);
         close();
+        m_problem = Problem::TimeMismatch;
         return false;
     }
     return true;

@@ -25,6 +25,18 @@ class HDF5Manager_V6;
 class ImageFrameReader
 {
 public:
+    /// Why the last open() failed.
+    enum class Problem
+    {
+        None,
+        /// No dataset at the path.
+        NotFound,
+        /// A dataset that is not a three-dimensional stack of numbers.
+        NotStack,
+        /// Its "Time" is missing or does not have one entry per frame.
+        TimeMismatch
+    };
+
     ImageFrameReader() = default;
     ~ImageFrameReader();
     ImageFrameReader(const ImageFrameReader&) = delete;
@@ -39,6 +51,7 @@ public:
     const ImageStackInfo& info() const { return m_info; }
     const std::vector<double>& time() const { return m_time; }
     const QString& path() const { return m_path; }
+    Problem problem() const { return m_problem; }
 
     /// Frame `index` as CV_32FC1 (height x width). The buffer of `frame` is reused when
     /// it already has that type and size.
@@ -50,6 +63,7 @@ private:
     HDF5Manager_V6* m_file = nullptr;
     hid_t m_dataset = H5I_INVALID_HID;
     QString m_path;
+    Problem m_problem = Problem::None;
     ImageStackInfo m_info;
     std::vector<double> m_time;
     cv::Mat m_raw;

@@ -24,6 +24,8 @@ public:
     static inline const QString SplitedImages = QStringLiteral("SplitedImages");
     static inline const QString StackProjectionImages = QStringLiteral("StackProjectionImages");
     static inline const QString ROISignals = QStringLiteral("ROISignals");
+    /// The per-frame shifts of a Motion Correction, beside its output stack.
+    static inline const QString AlignmentShifts = QStringLiteral("AlignmentShifts");
 
     // Operation names (the value of "Operations").
     static inline const QString Binning = QStringLiteral("Binning");
@@ -35,6 +37,7 @@ public:
     static inline const QString StackProjection = QStringLiteral("Stack Projection");
     static inline const QString ROISignalsOperation = QStringLiteral("ROI Signals");
     static inline const QString ImagesDeltaF = QStringLiteral("Images deltaF/F");
+    static inline const QString MotionCorrection = QStringLiteral("Motion Correction");
 
     // Parameter keys.
     static inline const QString BinningFactor = QStringLiteral("BinningFactor");
@@ -54,6 +57,11 @@ public:
     static inline const QString DarkframeFilepath = QStringLiteral("DarkframeFilepath");
     static inline const QString DarkframeDataset = QStringLiteral("DarkframeDataset");
     static inline const QString F0Method = QStringLiteral("F0Method");
+    static inline const QString ReferenceSource = QStringLiteral("ReferenceSource");
+    static inline const QString ReferenceFilepath = QStringLiteral("ReferenceFilepath");
+    static inline const QString ReferenceDatapath = QStringLiteral("ReferenceDatapath");
+    static inline const QString ReferenceFrame = QStringLiteral("ReferenceFrame");
+    static inline const QString ApplyShiftsToSensor2 = QStringLiteral("ApplyShiftsToSensor2");
 
     // Choices.
     static inline const QString Binning2x2 = QStringLiteral("2x2");
@@ -67,6 +75,12 @@ public:
     static inline const QString DetectTimeGaps = QStringLiteral("Detect Time Gaps");
     static inline const QString SplitByDuration = QStringLiteral("Split by Duration");
     static inline const QString DurationFormat = QStringLiteral("HH:mm:ss:zzz");
+    static inline const QString CurrentFile = QStringLiteral("Current File");
+    static inline const QString ExternalFile = QStringLiteral("External File");
+    /// The columns of "AlignmentShifts" ("ColumnNames") and their unit.
+    static inline const QString XShift = QStringLiteral("X Shift");
+    static inline const QString YShift = QStringLiteral("Y Shift");
+    static inline const QString PixelUnit = QStringLiteral("px");
 
     /// The unit of an ROI signal: a mean of grey levels, which have no physical unit.
     static inline const QString RoiSignalUnit = QStringLiteral("a.u.");
@@ -106,6 +120,13 @@ public:
     {
         return tr(
             "Stack Projection operation merges image stack into single image using selected algorithm.");
+    }
+    static QString motionCorrectionDescription()
+    {
+        return tr(
+            "Motion Correction operation corrects X-Y movement artifacts in an image stack. It aligns the "
+            "position of each frame relative to a reference frame using a subpixel image registration "
+            "algorithm.");
     }
     static QString roiSignalsDescription()
     {
@@ -300,6 +321,37 @@ public:
         return tr("Press <b>Preview</b> to see the dF/F of the selected image.");
     }
 
+    static QString motionCorrectionParametersTitle() { return tr("Motion Correction Parameters"); }
+    static QString referenceSourceLabel() { return tr("Reference Source"); }
+    static QString referenceSourceTooltip()
+    {
+        return tr(
+            "Allows to select a file and a dataset to use as a reference frame from motion "
+            "score:<br><b>Current "
+            "File</b> - Algorithm uses current file and dataset for reference frame.<br><b>External "
+            "File</b> - Algorithm uses external file to select dataset for reference frame.This option is "
+            "usefull if several recording sessions were performed on the same subject.");
+    }
+    static QString referenceFileLabel() { return tr("Reference File"); }
+    static QString referenceFileTooltip()
+    {
+        return tr("Allows to select .orvel file to load reference frame from a different recording session.");
+    }
+    static QString referenceDatasetLabel() { return tr("Reference Dataset"); }
+    static QString referenceFrameLabel() { return tr("Reference Frame"); }
+    static QString referenceFrameTooltip() { return tr("Index of the reference frame to align to."); }
+    static QString applyShiftsToSensor2Label() { return tr("Apply X-Y shifts to the second sensor"); }
+    static QString loadReferenceFrameLabel() { return tr("Load Reference Frame"); }
+    static QString browseReferenceFileTitle() { return tr("Select Reference File"); }
+    static QString dataFileFilter() { return tr("Orvel files (*.orvel)"); }
+    static QString alignmentShiftsTitle() { return tr("Alignment Shifts"); }
+    static QString firstFrameLabel() { return tr("First Frame"); }
+    static QString lastFrameLabel() { return tr("Last Frame"); }
+    static QString previewShiftsLabel() { return tr("Preview Shifts"); }
+    static QString timeAxisLabel() { return tr("Time (s)"); }
+    static QString shiftAxisLabel() { return tr("Shift (pixels)"); }
+    static QString referenceFrameShownLabel() { return tr("Reference frame %1 of %2"); }
+
     // Progress texts.
     static QString binningProgress() { return tr("Binning images..."); }
     static QString croppingProgress() { return tr("Cropping images..."); }
@@ -317,6 +369,8 @@ public:
     static QString autodetectingProgress() { return tr("Autodetecting Corrupted frames..."); }
     static QString meanImageProgress() { return tr("Calculating the mean image F0..."); }
     static QString dffProgress() { return tr("Calculating dF/F images..."); }
+    static QString calculatingShiftsProgress() { return tr("Calculating motion correction shifts..."); }
+    static QString applyingShiftsProgress() { return tr("Applying shifts for sensor %1..."); }
 
     // Messages.
     static QString noFramesMessage() { return tr("The image stack <b>%1</b> has no frames."); }
@@ -387,7 +441,52 @@ public:
     {
         return tr("The dark frame <b>%1</b> is <b>%2 x %3</b> pixels but the images of <b>%4</b> are <b>%5 x "
                   "%6</b>. The dark frame must have the size of the images.");
-    }
-};
+        static QString notSquareMessage()
+        {
+            return tr("The input images are not square. This operation can only be applied to square images. "
+                      "Use Crop "
+                      "operation to make images square.");
+        }
+        /// Follows notSquareMessage() on a line of its own: which stack, and its size.
+        static QString notSquareSizeMessage()
+        {
+            return tr("<b>%1</b> is <b>%2 x %3</b> (width x height).");
+        }
+        static QString noExternalFileMessage()
+        {
+            return tr("No external file was selected. Please select a file.");
+        }
+        static QString referenceLoadMessage()
+        {
+            return tr("Unable to load reference frame from the dataset <b>%2</b> of the file <b>%1</b>.");
+        }
+        static QString referenceSizeMessage()
+        {
+            return tr("The reference frame size is different from the images size (%1x%2 vs %3x%4).Make sure "
+                      "to load "
+                      "correct reference.");
+        }
+        static QString noShiftsMessage()
+        {
+            return tr("No motion correction shifts were found.");
+        }
+        /// Follows noShiftsMessage() when a stack's frames and the shifts do not match.
+        static QString shiftCountMessage()
+        {
+            return tr("<b>%1</b> has <b>%2</b> frames, the shifts were found for <b>%3</b>.");
+        }
+        static QString noSecondSensorMessage()
+        {
+            return tr(
+                "No second sensor was found beside <b>%1</b>: the series holds no other image stack to apply "
+                "the X-Y shifts to.");
+        }
+        static QString secondSensorSizeMessage()
+        {
+            return tr(
+                "The images of the second sensor <b>%1</b> (<b>%2 x %3</b>) do not have the size of the "
+                "corrected images (<b>%4 x %5</b>).");
+        }
+    };
 
 } // namespace zarvi

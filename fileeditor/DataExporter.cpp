@@ -176,7 +176,8 @@ bool readEvents(HDF5Manager_V6& file, const std::vector<ExportableDataset>& item
 /// when it has them (else "Row1"...). With a "Time" of one entry per column beside it, the
 /// columns are headed by their time; otherwise by its "ColumnNames", or by the dataset's
 /// name and the column's number, each with its "ColumnUnits" entry when every column has
-/// one, else the dataset's "Unit".
+/// one, else the dataset's "Unit". Beside an "ImageStack", with a "Time" of one entry per
+/// row, the rows are the stack's frames: a first column "Time (s)" instead of row names.
 bool readMatrix(HDF5Manager_V6& file, const ExportableDataset& item, TableData& table,
                 DataExportResult& result)
 {
@@ -195,16 +196,21 @@ bool readMatrix(HDF5Manager_V6& file, const ExportableDataset& item, TableData& 
     for (std::size_t r = rowNames.size(); r < rows; ++r)
         rowNames << Texts::RowPattern.arg(r + 1);
 
+    // A "Time" beside the result times its columns; beside an image stack, whose frames
+    // it times, it times the rows of per-frame values (the shifts of a motion correction).
     const QString timePath = siblingOf(item.path, FD::Time);
+    const bool frameRows =
+        file.objectKind(file.fileId(), siblingOf(item.path, FD::ImageStack)) == ObjectKind::Dataset;
     std::vector<double> time;
     if (timePath != item.path && file.objectKind(file.fileId(), timePath) == ObjectKind::Dataset) {
         const hid_t dataset = file.openDataset(file.fileId(), timePath);
         const std::vector<hsize_t> dims = file.dimensions(dataset);
         file.closeDataset(dataset);
-        if (dims.size() == 1 && dims[0] == width && !readWhole(file, timePath, time, result.error))
+        if (dims.size() == 1 && dims[0] == (frameRows ? rows : width) &&
+            !readWhole(file, timePath, time, result.error))
             return false;
     }
-    if (!time.empty()) {
+    if (!time.empty() && !frameRows) {
         table = TableData::fromRows(name, rowNames, time, Texts::SecondsUnit, values);
         return true;
     }
@@ -215,8 +221,12 @@ bool readMatrix(HDF5Manager_V6& file, const ExportableDataset& item, TableData& 
     const QStringList columnUnits =
         attributeOf(file, item.path, AnalysisOperationDefinitions::ColumnUnits).toStringList();
     const bool unitPerColumn = static_cast<std::size_t>(columnUnits.size()) == width;
-    table.rowNamesTitle = name;
-    table.rowNames = rowNames;
+    if (time.empty()) {
+        table.rowNamesTitle = name;
+        table.rowNames = rowNames;
+    } else {
+        table.columns.push_back(TableColumn{FD::TimeKey, Texts::SecondsUnit, std::move(time)});
+    }
     for (std::size_t c = 0; c < width; ++c) {
         TableColumn column{namedColumns ? columnNames[static_cast<qsizetype>(c)]
                                         : Texts::MatrixColumnPattern.arg(name).arg(c + 1),

@@ -4,10 +4,26 @@
 #include "definitions/FileDefinitions.h"
 #include "definitions/ImageOperationDefinitions.h"
 #include "framework/RunTransaction.h"
+#include "image/ImageFramePool.h"
+
+#include <QThread>
 
 namespace zarvi {
 
 using FD = FileDefinitions;
+
+namespace {
+
+/// Frames in flight per frame thread: one being computed, one read ahead, one waiting to
+/// be written, so that reading, computing and writing overlap.
+constexpr std::size_t framesPerThread = 3;
+
+} // namespace
+
+int ImageOperationProcess::defaultFrameThreads()
+{
+    return std::max(1, QThread::idealThreadCount());
+}
 
 QString ImageOperationProcess::outputKind() const
 {
@@ -55,7 +71,9 @@ bool ImageOperationProcess::processStack(const QString& stackPath, Feedback* ste
     ImageFrameReader reader;
     QString error;
     if (!reader.open(m_run->file(), stackPath, error)) {
-        addError(error);
+        const bool ownWords =
+            reader.problem() == ImageFrameReader::Problem::NotStack && !notImageStackMessage().isEmpty();
+        addError(ownWords ? notImageStackMessage() : error);
         return false;
     }
     if (reader.info().frames == 0) {
@@ -89,10 +107,31 @@ bool ImageOperationProcess::processStack(const QString& stackPath, Feedback* ste
         if (!scanStack(reader, &scanning) || stopRequested())
             return false;
     }
-    ScaledFeedback computing(step, scanShare, 100);
+    const int lastShare = lastPassPercent();
+    ScaledFeedback computing(step, scanShare, 100 - lastShare);
     if (!progressLabel().isEmpty())
         computing.setLabel(progressLabel());
     ProgressTracker progress(&computing, m_inputInfo.frames);
+    std::vector<std::unique_ptr<ImageFrameWorker>> workers;
+    for (int t = 0; m_frameThreads > 1 && t < m_frameThreads; ++t) {
+        std::unique_ptr<ImageFrameWorker> worker = createFrameWorker();
+        if (!worker)
+            break;
+        workers.push_back(std::move(worker));
+    }
+    const bool computed = workers.empty() ? computeFrames(reader, progress)
+                                          : computeFramesInParallel(reader, std::move(workers), progress);
+    if (!computed || !finishStack() || !m_errors.isEmpty() || isCanceled())
+        return false;
+    if (lastShare == 0)
+        return true;
+    ScaledFeedback last(step, 100 - lastShare, 100);
+    return lastPass(&last) && m_errors.isEmpty() && !isCanceled();
+}
+
+bool ImageOperationProcess::computeFrames(ImageFrameReader& reader, ProgressTracker& progress)
+{
+    QString error;
     for (std::size_t k = 0; k < m_inputInfo.frames; ++k) {
         if (stopRequested())
             return false;
@@ -108,7 +147,43 @@ bool ImageOperationProcess::processStack(const QString& stackPath, Feedback* ste
             return false;
         progress.update(k + 1);
     }
-    return finishStack() && m_errors.isEmpty() && !isCanceled();
+    return true;
+}
+
+bool ImageOperationProcess::computeFramesInParallel(ImageFrameReader& reader,
+                                                    std::vector<std::unique_ptr<ImageFrameWorker>> workers,
+                                                    ProgressTracker& progress)
+{
+    // HDF5 is not thread-safe: this thread reads ahead into the free slots and writes the
+    // computed frames in their order; the frame threads only compute.
+    ImageFramePool pool(std::move(workers), framesPerThread * static_cast<std::size_t>(m_frameThreads));
+    QString error;
+    std::size_t next = 0;
+    for (;;) {
+        if (stopRequested())
+            return false;
+        for (ImageFramePool::Slot* slot = pool.freeSlot(); slot && next < m_inputInfo.frames; ++next) {
+            if (!wantsFrame(next))
+                continue;
+            if (!reader.readFrame(next, slot->input, error)) {
+                addError(error);
+                return false;
+            }
+            slot->index = next;
+            pool.submit();
+            slot = pool.freeSlot();
+        }
+        if (!pool.hasSubmitted())
+            return true;
+        const ImageFramePool::Slot& done = pool.takeOldest();
+        m_frameIndex = done.index;
+        m_frameTime = m_inputTime[done.index];
+        const bool written = writeFrame(done.output, m_frameTime);
+        pool.release();
+        if (!written)
+            return false;
+        progress.update(m_frameIndex + 1);
+    }
 }
 
 void ImageOperationProcess::startOutput(const QString& sensor)
@@ -121,6 +196,7 @@ void ImageOperationProcess::closeOutput()
 {
     m_writer.close();
     m_writerOpen = false;
+    m_outputGroup.clear();
 }
 
 bool ImageOperationProcess::openOutput()
@@ -142,6 +218,7 @@ bool ImageOperationProcess::openOutput()
         return false;
     }
     m_writerOpen = true;
+    m_outputGroup = groupPath;
     addOutput(groupPath + QLatin1Char('/') + FD::ImageStack);
     return true;
 }

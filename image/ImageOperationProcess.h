@@ -3,9 +3,12 @@
 #include "datafile/ImageFrameWriter.h"
 #include "datafile/ImageStackInfo.h"
 #include "framework/AbstractOperationProcess.h"
+#include "image/ImageFrameWorker.h"
 
 #include <opencv2/core.hpp>
 
+#include <algorithm>
+#include <memory>
 #include <vector>
 
 namespace zarvi {
@@ -27,13 +30,22 @@ class ImageFrameReader;
 /// operation continues its output across inputs (continuesOutputAcrossInputs()): then
 /// every input appends to the one stack opened for the first input's output location,
 /// which must keep its frame size, and the stack is closed after the last input.
-/// Lives on the operation's worker thread.
+/// An operation whose frames do not depend on one another may offer frame workers
+/// (createFrameWorker()): the frames are then computed by a few threads at once while
+/// the run's thread alone reads and writes the file, frames written in their order
+/// (ImageFramePool). An optional last pass after the frames (lastPass()) gets its own
+/// share of the progress. Lives on the operation's worker thread.
 class ImageOperationProcess : public AbstractOperationProcess
 {
     Q_OBJECT
 
 public:
     using AbstractOperationProcess::AbstractOperationProcess;
+
+    /// Threads that compute the frames of operations with frame workers; 1 computes every
+    /// frame on the run's thread with computeOperation(). The default is the number of
+    /// processor cores; results never depend on it.
+    void setFrameThreads(int threads) { m_frameThreads = std::max(1, threads); }
 
 protected:
     void runOperation() override;
@@ -51,6 +63,18 @@ protected:
     virtual bool wantsFrame(std::size_t /*index*/) const { return true; }
     /// Called after the last frame of a stack.
     virtual bool finishStack() { return true; }
+    /// Share of an input's progress taken by lastPass(); 0 means no last pass.
+    virtual int lastPassPercent() const { return 0; }
+    /// A pass after finishStack(), such as applying what the frames gave to another stack.
+    virtual bool lastPass(Feedback* /*feedback*/) { return true; }
+    /// A worker that computes one frame at a time on a frame thread, for operations whose
+    /// frames are independent (none: the frames go through computeOperation() in order).
+    /// Called on the run's thread once per frame thread, after prepareStack() and
+    /// scanStack(). The frames the workers compute are written in order with writeFrame().
+    virtual std::unique_ptr<ImageFrameWorker> createFrameWorker() { return nullptr; }
+    /// The operation's own words for an input that is not an image stack; empty keeps the
+    /// general message.
+    virtual QString notImageStackMessage() const { return {}; }
     /// The stage label shown while frames are computed ("Binning images...").
     virtual QString progressLabel() const { return {}; }
     /// The data kind level of the outputs ("Images").
@@ -69,6 +93,8 @@ protected:
     void startOutput(const QString& sensor);
     /// Checks between frames of a first pass; true when the run must stop.
     bool stopRequested() const { return isCanceled() || !m_errors.isEmpty(); }
+    /// The sensor group of the output stack being written; empty before its first frame.
+    const QString& outputGroup() const { return m_outputGroup; }
 
     /// The input stack's path and geometry, and the stated output geometry.
     QString m_inputPath;
@@ -84,12 +110,21 @@ protected:
     RunTransaction* m_run = nullptr;
 
 private:
+    static int defaultFrameThreads();
     bool processStack(const QString& stackPath, Feedback* step);
+    /// The frames in order through computeOperation(), on the run's thread.
+    bool computeFrames(ImageFrameReader& reader, ProgressTracker& progress);
+    /// The frames through `workers` on frame threads; written in order on the run's thread.
+    bool computeFramesInParallel(ImageFrameReader& reader,
+                                 std::vector<std::unique_ptr<ImageFrameWorker>> workers,
+                                 ProgressTracker& progress);
     bool openOutput();
     void closeOutput();
 
     ImageFrameWriter m_writer;
     bool m_writerOpen = false;
+    QString m_outputGroup;
+    int m_frameThreads = defaultFrameThreads();
     QString m_outputSensor;
     std::size_t m_expectedFrames = 0;
 };

@@ -4,9 +4,10 @@
 #include "framework/OperationViewRegistry.h"
 #include "image/operations/binning/BinningView.h"
 #include "image/operations/crop/CropView.h"
-#include "image/operations/discardframes/DiscardFramesView.h"
 #include "image/operations/dffimages/DFFImagesView.h"
+#include "image/operations/discardframes/DiscardFramesView.h"
 #include "image/operations/downsample/DownSampleView.h"
+#include "image/operations/motioncorrection/MotionCorrectionView.h"
 #include "image/operations/removebackground/RemoveBackgroundView.h"
 #include "image/operations/roisignals/ROISignalsView.h"
 #include "image/operations/splitimagesinseries/SplitImagesInSeriesView.h"
@@ -26,6 +27,7 @@ void registerImageOperationViews(OperationViewRegistry& registry)
     registry.add(ID::RemoveBackground, [] { return std::make_unique<RemoveBackgroundView>(); });
     registry.add(ID::ROISignalsOperation, [] { return std::make_unique<ROISignalsView>(); });
     registry.add(ID::ImagesDeltaF, [] { return std::make_unique<DFFImagesView>(); });
+    registry.add(ID::MotionCorrection, [] { return std::make_unique<MotionCorrectionView>(); });
 }
 
 } // namespace zarvi

@@ -9,6 +9,7 @@
 #include "image/operations/discardframes/DiscardFramesProcess.h"
 #include "image/operations/discardframes/FrameAutodetection.h"
 #include "image/operations/downsample/DownSampleProcess.h"
+#include "image/operations/motioncorrection/MotionCorrectionProcess.h"
 #include "image/operations/removebackground/RemoveBackgroundProcess.h"
 #include "image/operations/roisignals/ROISignalsProcess.h"
 #include "image/operations/splitimagesinseries/SplitImagesInSeriesProcess.h"
@@ -235,6 +236,43 @@ OperationDescriptor imagesDeltaF()
         factory<DFFImagesProcess>()};
 }
 
+OperationDescriptor motionCorrection()
+{
+    // Only the frame is required: the reference is the corrected stack itself unless a
+    // dataset or another file is named.
+    return {
+        ID::MotionCorrection,
+        OperationFamily::Image,
+        ID::motionCorrectionDescription(),
+        ID::MotionCorrectedImages,
+        imageOutputs(ID::MotionCorrectedImages) +
+            QStringLiteral(
+                "; beside the stack, %1: float64 [frames, 2], the x and y shift of every frame in pixels "
+                "(multiples of 1/6), by which it was moved back. With ApplyShiftsToSensor2 = 1 the series' "
+                "other sensor (the first other sensor group holding an ImageStack, by name) is moved by the "
+                "same shifts into the same group. ReferenceDatapath defaults to the corrected stack's own "
+                "path, in the reference file.")
+                .arg(ID::AlignmentShifts),
+        {P::text(ID::ReferenceSource, ID::referenceSourceLabel())
+             .oneOf({ID::CurrentFile, ID::ExternalFile})
+             .withDefault(ID::CurrentFile)
+             .withTooltip(ID::referenceSourceTooltip())
+             .withExample(QStringLiteral("\"External File\"")),
+         P::text(ID::ReferenceFilepath, ID::referenceFileLabel())
+             .withTooltip(ID::referenceFileTooltip())
+             .withExample(QStringLiteral("\"/data/session1.orvel\"")),
+         P::text(ID::ReferenceDatapath, ID::referenceDatasetLabel())
+             .withExample(QStringLiteral("\"DataAcquisition/Miniscope/Images/Series1/Sensor1/ImageStack\"")),
+         P::integer(ID::ReferenceFrame, ID::referenceFrameLabel())
+             .atLeast(0)
+             .withDefault(0)
+             .isRequired()
+             .withTooltip(ID::referenceFrameTooltip())
+             .withExample(QStringLiteral("0")),
+         checkBoxParameter(ID::ApplyShiftsToSensor2, ID::applyShiftsToSensor2Label(), QString())},
+        factory<MotionCorrectionProcess>()};
+}
+
 } // namespace
 
 void registerImageOperations(OperationRegistry& registry)
@@ -248,6 +286,7 @@ void registerImageOperations(OperationRegistry& registry)
     registry.add(removeBackground());
     registry.add(roiSignals());
     registry.add(imagesDeltaF());
+    registry.add(motionCorrection());
 }
 
 } // namespace zarvi

@@ -146,6 +146,40 @@ TEST(DataExporter, ExportsEventArraysAndMatricesWithRowNames)
                                                  "Row2,4,5,6\n"));
 }
 
+TEST(DataExporter, ValuesPerFrameBesideAStackAreExportedWithTheFramesTimes)
+{
+    // As a motion correction keeps its shifts: [frames, 2] beside the stack and its Time.
+    test::TempDir dir;
+    const QString file = writeDataFile(dir);
+    std::vector<double> shifts;
+    for (int k = 0; k < Frames; ++k)
+        shifts.insert(shifts.end(), {0.5 * k, -1.0 - k});
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        writeMatrix(writer, QStringLiteral("DataAcquisition/Scope/Images/Series1/Cells"),
+                    QStringLiteral("AlignmentShifts"), shifts, Frames, 2);
+        const hid_t dataset = writer.openDataset(
+            writer.fileId(), QStringLiteral("DataAcquisition/Scope/Images/Series1/Cells/AlignmentShifts"));
+        writer.writeAttribute(dataset, QStringLiteral("ColumnNames"),
+                              QStringList{QStringLiteral("X Shift"), QStringLiteral("Y Shift")});
+        writer.writeAttribute(dataset, FD::Unit, QStringLiteral("px"));
+        writer.closeDataset(dataset);
+    }
+    const QString csv = dir.file(QStringLiteral("shifts.csv"));
+    const DataExportResult result = DataExporter::run(exportConfig(
+        file, {QStringLiteral("DataAcquisition/Scope/Images/Series1/Cells/AlignmentShifts")}, csv));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    EXPECT_EQ(result.written, 6u);
+    EXPECT_EQ(test::readText(csv).toStdString(), std::string("Time (s),X Shift (px),Y Shift (px)\n"
+                                                             "0,0,-1\n"
+                                                             "0.1,0.5,-2\n"
+                                                             "0.2,1,-3\n"
+                                                             "0.30000000000000004,1.5,-4\n"
+                                                             "0.4,2,-5\n"
+                                                             "0.5,2.5,-6\n"));
+}
+
 TEST(DataExporter, ExportsFrameRangeOfStackToTiffAndLeavesNothingWhenCancelled)
 {
     test::TempDir dir;
