@@ -441,52 +441,46 @@ public:
     {
         return tr("The dark frame <b>%1</b> is <b>%2 x %3</b> pixels but the images of <b>%4</b> are <b>%5 x "
                   "%6</b>. The dark frame must have the size of the images.");
-        static QString notSquareMessage()
-        {
-            return tr("The input images are not square. This operation can only be applied to square images. "
-                      "Use Crop "
-                      "operation to make images square.");
-        }
-        /// Follows notSquareMessage() on a line of its own: which stack, and its size.
-        static QString notSquareSizeMessage()
-        {
-            return tr("<b>%1</b> is <b>%2 x %3</b> (width x height).");
-        }
-        static QString noExternalFileMessage()
-        {
-            return tr("No external file was selected. Please select a file.");
-        }
-        static QString referenceLoadMessage()
-        {
-            return tr("Unable to load reference frame from the dataset <b>%2</b> of the file <b>%1</b>.");
-        }
-        static QString referenceSizeMessage()
-        {
-            return tr("The reference frame size is different from the images size (%1x%2 vs %3x%4).Make sure "
-                      "to load "
-                      "correct reference.");
-        }
-        static QString noShiftsMessage()
-        {
-            return tr("No motion correction shifts were found.");
-        }
-        /// Follows noShiftsMessage() when a stack's frames and the shifts do not match.
-        static QString shiftCountMessage()
-        {
-            return tr("<b>%1</b> has <b>%2</b> frames, the shifts were found for <b>%3</b>.");
-        }
-        static QString noSecondSensorMessage()
-        {
-            return tr(
-                "No second sensor was found beside <b>%1</b>: the series holds no other image stack to apply "
-                "the X-Y shifts to.");
-        }
-        static QString secondSensorSizeMessage()
-        {
-            return tr(
-                "The images of the second sensor <b>%1</b> (<b>%2 x %3</b>) do not have the size of the "
-                "corrected images (<b>%4 x %5</b>).");
-        }
-    };
+    }
+    static QString notSquareMessage()
+    {
+        return tr(
+            "The input images are not square. This operation can only be applied to square images. Use Crop "
+            "operation to make images square.");
+    }
+    /// Follows notSquareMessage() on a line of its own: which stack, and its size.
+    static QString notSquareSizeMessage() { return tr("<b>%1</b> is <b>%2 x %3</b> (width x height)."); }
+    static QString noExternalFileMessage()
+    {
+        return tr("No external file was selected. Please select a file.");
+    }
+    static QString referenceLoadMessage()
+    {
+        return tr("Unable to load reference frame from the dataset <b>%2</b> of the file <b>%1</b>.");
+    }
+    static QString referenceSizeMessage()
+    {
+        return tr(
+            "The reference frame size is different from the images size (%1x%2 vs %3x%4).Make sure to load "
+            "correct reference.");
+    }
+    static QString noShiftsMessage() { return tr("No motion correction shifts were found."); }
+    /// Follows noShiftsMessage() when a stack's frames and the shifts do not match.
+    static QString shiftCountMessage()
+    {
+        return tr("<b>%1</b> has <b>%2</b> frames, the shifts were found for <b>%3</b>.");
+    }
+    static QString noSecondSensorMessage()
+    {
+        return tr(
+            "No second sensor was found beside <b>%1</b>: the series holds no other image stack to apply "
+            "the X-Y shifts to.");
+    }
+    static QString secondSensorSizeMessage()
+    {
+        return tr("The images of the second sensor <b>%1</b> (<b>%2 x %3</b>) do not have the size of the "
+                  "corrected images (<b>%4 x %5</b>).");
+    }
+};
 
 } // namespace zarvi
