@@ -16,11 +16,17 @@ class FileAccessLock
 public:
     /// Blocks until the file is free.
     static std::unique_lock<std::mutex> lock(const QString& path);
-    /// Returns at once; owns_lock() is false when the file is busy.
+    /// For the GUI thread: owns_lock() is false when the file is busy. It returns at
+    /// once unless a brief hold has the file, and then waits for that hold to end.
     static std::unique_lock<std::mutex> tryLock(const QString& path);
+    /// Blocks until the file is free and marks the hold brief (a worker reading a
+    /// frame or two) until endBriefHold(), which is called once the lock is released.
+    static std::unique_lock<std::mutex> lockBriefly(const QString& path);
+    static void endBriefHold(const QString& path);
 
 private:
-    static std::mutex& mutexFor(const QString& path);
+    struct Entry;
+    static Entry& entryFor(const QString& path);
 };
 
 } // namespace zarvi

@@ -21,7 +21,10 @@ public:
         /// The GUI thread never waits: a file an operation is writing is reported busy.
         No,
         /// A worker thread waits for the running operation to finish.
-        Yes
+        Yes,
+        /// As Yes, for a read of a frame or two that the GUI thread waits out
+        /// rather than reporting the file busy.
+        Briefly
     };
 
     explicit LockedFileRead(const QString& path, Wait wait = Wait::No);
@@ -37,6 +40,8 @@ public:
     hid_t file() const { return m_reader.fileId(); }
 
 private:
+    QString m_path;
+    bool m_brief = false;
     std::unique_lock<std::mutex> m_lock;
     HDF5Reader_V6 m_reader; // declared after the lock: closed before it is released
     bool m_busy = false;

@@ -152,16 +152,19 @@ void ImageFramePreview::startJob()
     const std::size_t index = static_cast<std::size_t>(sb_frame->value());
     const Computation computation = m_computation;
     m_job->start(QString(), [=](Feedback&) {
-        LockedFileRead read(filepath, LockedFileRead::Wait::Yes);
-        ImageFrameReader reader;
         cv::Mat frame16, frame;
-        if (!read.isOpen()) {
-            result->error = read.error();
-            return;
+        {
+            // The file is let go before the computation, which may take a while.
+            LockedFileRead read(filepath, LockedFileRead::Wait::Briefly);
+            ImageFrameReader reader;
+            if (!read.isOpen()) {
+                result->error = read.error();
+                return;
+            }
+            if (!reader.open(read.reader(), stackPath, result->error) ||
+                !reader.readRawFrame(index, frame16, result->error))
+                return;
         }
-        if (!reader.open(read.reader(), stackPath, result->error) ||
-            !reader.readRawFrame(index, frame16, result->error))
-            return;
         result->width = frame16.cols;
         result->height = frame16.rows;
         result->input = pixelsOf(frame16);

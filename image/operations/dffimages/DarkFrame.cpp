@@ -8,7 +8,7 @@ namespace zarvi {
 
 bool readDarkFrame(const QString& filepath, const QString& datapath, cv::Mat& dark, QString& error)
 {
-    LockedFileRead read(filepath, LockedFileRead::Wait::Yes);
+    LockedFileRead read(filepath, LockedFileRead::Wait::Briefly);
     if (!read.isOpen()) {
         error = read.error();
         return false;

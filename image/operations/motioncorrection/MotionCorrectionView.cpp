@@ -55,7 +55,7 @@ constexpr int previewedFrames = 100;
 bool readStoredFrame(const QString& filepath, const QString& datapath, std::size_t index, cv::Mat& frame,
                      QString& error)
 {
-    LockedFileRead read(filepath, LockedFileRead::Wait::Yes);
+    LockedFileRead read(filepath, LockedFileRead::Wait::Briefly);
     ImageFrameReader reader;
     QString problem;
     if (read.isOpen() && reader.open(read.reader(), datapath, problem) &&
@@ -275,6 +275,12 @@ ImageFramePreview::Computation MotionCorrectionView::previewComputation() const
 
 void MotionCorrectionView::loadReferenceFrame()
 {
+    // One load at a time: a choice made meanwhile is loaded when the running one ends.
+    if (m_referenceJob->isRunning()) {
+        m_referencePending = true;
+        return;
+    }
+    m_referencePending = false;
     const ReferenceChoice choice = referenceChoice();
     const ImageStackInfo stack = stackInfo();
     auto loaded = std::make_shared<LoadedReference>();
@@ -299,6 +305,10 @@ void MotionCorrectionView::loadReferenceFrame()
 
 void MotionCorrectionView::onReferenceLoaded()
 {
+    if (m_referencePending) {
+        loadReferenceFrame();
+        return;
+    }
     const std::shared_ptr<LoadedReference> loaded = m_loaded;
     m_reference = loaded->reference;
     gv_reference->setFrame(std::move(loaded->pixels), loaded->width, loaded->height, stackInfo().bitCount);
@@ -312,6 +322,8 @@ void MotionCorrectionView::onReferenceLoaded()
 
 void MotionCorrectionView::previewShifts()
 {
+    if (m_shiftJob->isRunning())
+        return;
     const ReferenceChoice choice = referenceChoice();
     const ImageStackInfo stack = stackInfo();
     const QString file = filepath();

@@ -100,6 +100,7 @@ private:
     std::unique_ptr<BackgroundJob> m_referenceJob;
     std::unique_ptr<BackgroundJob> m_shiftJob;
     std::shared_ptr<LoadedReference> m_loaded;
+    bool m_referencePending = false;
     std::shared_ptr<PreviewedShifts> m_previewed;
     std::shared_ptr<const MotionReference> m_reference;
 };
