@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Runs each image operation through `zarvi-cli run` on a 512 x 512 x 2000 stack and
 # reports its throughput as a ratio to copying the same frames through the data-file
-# layer with no computation, measured in the same run (target >= 0.5), best of two
+# layer with no computation, measured in the same run (target >= 0.5), best of three
 # rounds. Then the peak resident memory of each operation on a 2 GB stack
 # (512 x 512 x 4096), which must stay under 200 MB: the frames are streamed.
 # Usage: bench/image/run-image-ops-bench.sh [BUILD_DIR] [FRAMES]
@@ -54,7 +54,7 @@ make_stack "$work/stack.orvel" "$frames"
 echo "stack: 512 x 512 x $frames, $(du -m "$work/stack.orvel" | cut -f1) MB"
 
 copy_s=0
-for round in 1 2; do
+for round in 1 2 3; do
   cp "$work/stack.orvel" "$work/run.orvel"
   start=$(seconds)
   "$tool" copy "$work/run.orvel"
@@ -66,7 +66,7 @@ for entry in "${operations[@]}"; do
   name=${entry%%|*}
   echo "${entry#*|}" > "$work/params.json"
   run_s=0
-  for round in 1 2; do
+  for round in 1 2 3; do
     cp "$work/stack.orvel" "$work/run.orvel"
     start=$(seconds)
     if ! "$cli" run "$work/run.orvel" --operation "$name" --params "$work/params.json" --data "$stack" \

@@ -2,7 +2,7 @@
 # Motion Correction through `zarvi-cli run` on a 512 x 512 x FRAMES uint16 stack of a
 # drifting, jittering field of cells (image_stack_tool make-moving), reading and writing
 # the file included, in frames per second and as ratios to two baselines measured in the
-# same run, best of two rounds:
+# same run, best of three rounds:
 #   (a) copying the same frames through the data-file layer, no computation
 #       (image_stack_tool copy);
 #   (b) the per-frame computation alone, on one thread (motion_correction_bench).
@@ -35,7 +35,7 @@ echo "load before: $(uptime | sed 's/.*load average: //')"
 echo "stack: 512 x 512 x $frames uint16, $(($(stat -c %s "$work/stack.orvel") / 1048576)) MB"
 
 copy_s=0 run_s=0 cpu_s=0
-for round in 1 2; do
+for round in 1 2 3; do
   cp "$work/stack.orvel" "$work/copy.orvel"
   start=$(seconds)
   "$tool" copy "$work/copy.orvel"

@@ -61,7 +61,8 @@ void TemporalDownsample::completeGroup()
         const double count = m_count;
         const auto* sum = m_accumulator.ptr<double>();
         auto* mean = m_result.ptr<double>();
-        for (std::size_t i = 0; i < m_accumulator.total(); ++i)
+        const std::size_t pixels = m_accumulator.total();
+        for (std::size_t i = 0; i < pixels; ++i)
             mean[i] = sum[i] / count;
     } else {
         m_result = m_accumulator;

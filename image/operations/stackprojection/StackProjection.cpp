@@ -1,5 +1,6 @@
 #include "image/operations/stackprojection/StackProjection.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zarvi {
@@ -35,19 +36,17 @@ void StackProjection::addToMean(const cv::Mat& frame)
 void StackProjection::addToDeviation(const cv::Mat& frame)
 {
     if (m_count == 0) {
-        frame.convertTo(m_accumulator, CV_64F);
-        m_m2 = cv::Mat::zeros(frame.size(), CV_64F);
-        return;
+        m_accumulator = cv::Mat::zeros(frame.size(), CV_64F);
+        m_sumOfSquares = cv::Mat::zeros(frame.size(), CV_64F);
     }
-    const double n = static_cast<double>(m_count + 1);
     for (int y = 0; y < frame.rows; ++y) {
-        auto* mean = m_accumulator.ptr<double>(y);
-        auto* m2 = m_m2.ptr<double>(y);
+        auto* sum = m_accumulator.ptr<double>(y);
+        auto* sumOfSquares = m_sumOfSquares.ptr<double>(y);
         const auto* value = frame.ptr<float>(y);
         for (int x = 0; x < frame.cols; ++x) {
-            const double delta = value[x] - mean[x];
-            mean[x] += delta / n;
-            m2[x] += delta * (value[x] - mean[x]);
+            const double v = value[x];
+            sum[x] += v;
+            sumOfSquares[x] += v * v;
         }
     }
 }
@@ -56,13 +55,17 @@ const cv::Mat& StackProjection::result()
 {
     if (m_method != Method::StandardDeviation || m_count == 0)
         return m_accumulator;
-    m_result.create(m_m2.size(), CV_64F);
-    const double n = static_cast<double>(m_count);
-    for (int y = 0; y < m_m2.rows; ++y) {
-        const auto* m2 = m_m2.ptr<double>(y);
+    m_result.create(m_accumulator.size(), CV_64F);
+    const long double n = static_cast<long double>(m_count);
+    for (int y = 0; y < m_result.rows; ++y) {
+        const auto* sum = m_accumulator.ptr<double>(y);
+        const auto* sumOfSquares = m_sumOfSquares.ptr<double>(y);
         auto* deviation = m_result.ptr<double>(y);
-        for (int x = 0; x < m_m2.cols; ++x)
-            deviation[x] = std::sqrt(m2[x] / n);
+        for (int x = 0; x < m_result.cols; ++x) {
+            const long double s1 = sum[x];
+            const long double spread = n * sumOfSquares[x] - s1 * s1;
+            deviation[x] = static_cast<double>(std::sqrt(std::max(spread, 0.0L)) / n);
+        }
     }
     return m_result;
 }

@@ -14,11 +14,13 @@ namespace zarvi {
 ///   frames is saturated to 65535 on writing anyway);
 /// - Mean: the running mean A = (k A + frame) / (k + 1) after k frames, each update
 ///   evaluated in double and rounded once into A;
-/// - Standard Deviation: Welford's one-pass update of the mean and of the sum of squared
-///   deviations M2, both in double, giving the population deviation sqrt(M2 / n).
-///   One pass reads each frame once, and unlike sums of x and x^2 it does not lose the
-///   small variations of bright pixels by cancellation. The population form (n, not
-///   n - 1) describes the frames that are there, and makes one frame give 0.
+/// - Standard Deviation: per-pixel sums S1 of x and S2 of x^2 in double, giving the
+///   population deviation sqrt(n S2 - S1^2) / n with the difference taken in long
+///   double. Frames of 16-bit values make both sums exact integers (S2 stays below
+///   2^53 for two million frames) and the difference exact for stacks of up to 65,536
+///   frames, so even a bright pixel keeps its small variations; beyond that the
+///   rounding of the difference moves the variance by less than 1e-9. The population
+///   form (n, not n - 1) describes the frames that are there, and makes one frame give 0.
 /// Any thread; one object per projected stack.
 class StackProjection
 {
@@ -47,10 +49,10 @@ private:
 
     Method m_method;
     std::size_t m_count = 0;
-    /// A, or for Standard Deviation the running mean (CV_64F).
+    /// A, or for Standard Deviation the sum of the values (CV_64F).
     cv::Mat m_accumulator;
-    /// Standard Deviation: the sum of squared deviations from the running mean (CV_64F).
-    cv::Mat m_m2;
+    /// Standard Deviation: the sum of the squared values (CV_64F).
+    cv::Mat m_sumOfSquares;
     cv::Mat m_result;
 };
 
