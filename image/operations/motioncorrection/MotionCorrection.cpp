@@ -22,7 +22,8 @@ void prepareForRegistration(const cv::Mat& frame, double scale, cv::Mat& prepare
     cv::GaussianBlur(converted ? prepared : frame, prepared, cv::Size(motionBlurSize, motionBlurSize), 0.0,
                      0.0, cv::BORDER_REFLECT_101);
     cv::Laplacian(prepared, prepared, CV_32F, 1, 1.0, 0.0, cv::BORDER_REFLECT_101);
-    prepared = cv::abs(prepared);
+    // In place: cv::abs would allocate a new image for every frame.
+    cv::absdiff(prepared, cv::Scalar::all(0.0), prepared);
 }
 
 void shiftFrame(const cv::Mat& frame, FrameShift shift, cv::Mat& shifted)
