@@ -110,6 +110,30 @@ TEST(MotionCorrection, SubpixelMovesAreFoundToTheNearestSixth)
     }
 }
 
+TEST(MotionCorrection, TheTranslationMovesPixelsExactlyAsTheAffineWarp)
+{
+    // Whole, sixth and arbitrary shifts, some beyond the frame, on odd and even sizes.
+    cv::RNG rng(7);
+    for (const cv::Size size : {cv::Size(64, 64), cv::Size(37, 21), cv::Size(2, 3)}) {
+        cv::Mat frame(size, CV_32F);
+        rng.fill(frame, cv::RNG::UNIFORM, 0, 65535);
+        for (int k = 0; k < 200; ++k) {
+            const float range = 1.2f * static_cast<float>(std::max(size.width, size.height));
+            FrameShift shift{static_cast<float>(rng.uniform(-range, range)),
+                             static_cast<float>(rng.uniform(-range, range))};
+            if (k % 3 == 0)
+                shift = {std::round(shift.x * 6.0f) / 6.0f, std::round(shift.y * 6.0f) / 6.0f};
+            else if (k % 3 == 1)
+                shift = {std::round(shift.x), std::round(shift.y)};
+            cv::Mat warped, translated;
+            shiftFrame(frame, shift, warped);
+            translateFrame(frame, shift, translated);
+            ASSERT_EQ(cv::countNonZero(warped != translated), 0)
+                << size << " shifted by " << shift.x << ", " << shift.y;
+        }
+    }
+}
+
 TEST(MotionCorrection, TheFastPathFindsTheShiftsOfThePlainOneBitForBit)
 {
     // Odd and even sizes (the packed spectrum differs), 8 and 16 bits, moving detail and

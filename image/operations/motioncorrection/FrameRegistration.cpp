@@ -81,7 +81,7 @@ FrameShift FrameRegistration::measure(const cv::Mat& frame)
 FrameShift FrameRegistration::correct(const cv::Mat& frame, cv::Mat& corrected)
 {
     const FrameShift shift = measure(frame);
-    shiftFrame(frame, shift, corrected);
+    translateFrame(frame, shift, corrected);
     return shift;
 }
 

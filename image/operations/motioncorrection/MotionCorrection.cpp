@@ -2,6 +2,7 @@
 
 #include <opencv2/imgproc.hpp>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -35,6 +36,63 @@ void shiftFrame(const cv::Mat& frame, FrameShift shift, cv::Mat& shifted)
         {-shift.x, -shift.y}, {right - shift.x, -shift.y}, {-shift.x, bottom - shift.y}};
     cv::warpAffine(frame, shifted, cv::getAffineTransform(from, to), frame.size(), cv::INTER_LINEAR,
                    cv::BORDER_CONSTANT, cv::Scalar(0));
+}
+
+void translateFrame(const cv::Mat& frame, FrameShift shift, cv::Mat& shifted)
+{
+    if (frame.type() != CV_32FC1) {
+        shiftFrame(frame, shift, shifted);
+        return;
+    }
+    // The source position of output pixel x is x + shift, taken in 1/1024 pixel,
+    // rounded to the nearest 1/32 and split into a whole offset and a table index.
+    const auto tableIndex = [](float offset) { return (cvRound(static_cast<double>(offset) * 1024.0) + 16) >> 5; };
+    const int columnSteps = tableIndex(shift.x);
+    const int rowSteps = tableIndex(shift.y);
+    const int dx = columnSteps >> 5;
+    const int dy = rowSteps >> 5;
+    const float a = 1.0f / 32 * static_cast<float>(columnSteps & 31);
+    const float b = 1.0f / 32 * static_cast<float>(rowSteps & 31);
+    const float w00 = (1.0f - b) * (1.0f - a), w01 = (1.0f - b) * a, w10 = b * (1.0f - a), w11 = b * a;
+
+    const int width = frame.cols, height = frame.rows;
+    shifted.create(frame.size(), CV_32FC1);
+    const auto pixel = [&](int y, int x) {
+        return x >= 0 && x < width && y >= 0 && y < height ? frame.at<float>(y, x) : 0.0f;
+    };
+    // Columns whose four neighbours all lie inside: x + dx in 0 .. width - 2.
+    const int insideFirst = std::clamp(-dx, 0, width);
+    const int insideEnd = std::clamp(width - 1 - dx, insideFirst, width);
+    for (int y = 0; y < height; ++y) {
+        float* out = shifted.ptr<float>(y);
+        const int row = y + dy;
+        const bool rowInside = row >= 0 && row < height - 1;
+        // A pixel whose four neighbours all lie outside is 0; one with some inside takes
+        // 0 for the others.
+        const auto edgePixel = [&](int x) {
+            const int column = x + dx;
+            if (column >= width || column + 1 < 0 || row >= height || row + 1 < 0)
+                return 0.0f;
+            return pixel(row, column) * w00 + pixel(row, column + 1) * w01 + pixel(row + 1, column) * w10 +
+                   pixel(row + 1, column + 1) * w11;
+        };
+        if (!rowInside) {
+            for (int x = 0; x < width; ++x)
+                out[x] = edgePixel(x);
+            continue;
+        }
+        for (int x = 0; x < insideFirst; ++x)
+            out[x] = edgePixel(x);
+        const float* top = frame.ptr<float>(row);
+        const float* bottom = frame.ptr<float>(row + 1);
+        for (int x = insideFirst; x < insideEnd; ++x) {
+            const int column = x + dx;
+            out[x] = top[column] * w00 + top[column + 1] * w01 + bottom[column] * w10 +
+                     bottom[column + 1] * w11;
+        }
+        for (int x = insideEnd; x < width; ++x)
+            out[x] = edgePixel(x);
+    }
 }
 
 cv::Point firstMaximum(const cv::Mat& values)

@@ -210,7 +210,7 @@ bool MotionCorrectionProcess::lastPass(Feedback* feedback)
             addError(error);
             return false;
         }
-        shiftFrame(m_frame, m_shifts[k], m_corrected);
+        translateFrame(m_frame, m_shifts[k], m_corrected);
         if (!writer.append(m_corrected, reader.time()[k], error)) {
             addError(error);
             return false;
