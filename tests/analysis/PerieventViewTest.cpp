@@ -14,10 +14,12 @@
 #include "datafile/SignalDataset.h"
 #include "framework/BackgroundJob.h"
 #include "framework/OperationRunner.h"
+#include "framework/OperationSettings.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QHeaderView>
 #include <QLabel>
@@ -44,6 +46,9 @@ using FD = FileDefinitions;
 class PerieventViewTest : public ::testing::Test
 {
 protected:
+    // Each test starts from the declared defaults, whatever an earlier run remembered.
+    PerieventViewTest() { OperationSettings::remember(D::Perievents, {}); }
+
     const DemoTruth& truth = test::PerieventDemo::instance().truth;
     test::TempDir dir;
     QString file = test::PerieventDemo::instance().copyTo(dir);
@@ -245,6 +250,35 @@ TEST_F(PerieventViewTest, PreviewIsTheChunkOfTheChosenEvent)
             ++count;
         }
     EXPECT_NEAR(baseline / count, 0.0, 1e-9);
+}
+
+TEST_F(PerieventViewTest, TheNextOpeningShowsTheLastRunsParameters)
+{
+    test::writeEventArray(file, truth.eventPath, QStringLiteral("Tone"), {30.0, 70.0}, 1);
+    const QVariantMap last{{D::Event, QStringLiteral("Tone")},
+                           {D::EventPath, truth.eventPath},
+                           {D::PerieventTimeFrame, QVariantList{-3.0, 6.0}},
+                           {D::StatisticTimeFrames, QVariantList{-3.0, 0.0, 1.0, 4.0}},
+                           {D::TimeFramesNames, QStringList{"Before", "After"}},
+                           {D::Statistics, QStringList{D::Mean, D::Maximum}},
+                           {D::NormalizeWindow, QVariantList{-2.5, -0.5}},
+                           {D::NormalizeMethod, D::StandardZScore},
+                           {D::Resample, 1},
+                           {D::ResampleFrequency, 50.0}};
+    OperationSettings::remember(D::Perievents, last);
+    PerieventsView view;
+    view.setupProcess(file, {truth.biosensorPath});
+    ASSERT_TRUE(view.loadFileData());
+    EXPECT_EQ(child<QComboBox>(view, "cb_event")->currentText(), "Tone");
+    EXPECT_EQ(child<QDoubleSpinBox>(view, "dsb_onWindowStart")->value(), -3.0);
+    EXPECT_EQ(child<QDoubleSpinBox>(view, "dsb_onWindowEnd")->value(), 6.0);
+    EXPECT_TRUE(child<QCheckBox>(view, "cb_normalize")->isChecked());
+    EXPECT_EQ(child<QComboBox>(view, "cb_normalizeMethod")->currentText(), D::StandardZScore);
+    EXPECT_TRUE(child<QCheckBox>(view, "cb_resample")->isChecked());
+    const QVariantMap built = view.currentParameters();
+    // What the view would run is what was remembered.
+    for (auto it = last.begin(); it != last.end(); ++it)
+        EXPECT_EQ(built.value(it.key()), it.value()) << it.key().toStdString();
 }
 
 TEST_F(PerieventViewTest, AWindowLongerThanTheSignalIsSaidWithOneDurationEverywhere)

@@ -1,7 +1,7 @@
 // The per-file lock as the GUI thread meets it: busy during a run, waited for during a
 // worker's brief read.
-#include "common/TempDir.h"
 #include "framework/FileAccessLock.h"
+#include "common/TempDir.h"
 
 #include <gtest/gtest.h>
 

@@ -173,6 +173,13 @@ void PerieventOptionsPanel::setArrays(const std::vector<StoredArray>& events,
     m_periods = periods;
     fillArrays(m_normalizeEvent, m_events);
     fillArrays(m_timePeriod, m_periods);
+    // The arrays a restored run named are chosen once, when they are first listed.
+    for (auto [box, wanted] : {std::pair{m_normalizeEvent, &m_wantedNormalizeEvent},
+                               std::pair{m_timePeriod, &m_wantedTimePeriod}}) {
+        if (const int index = box->findText(*wanted); index >= 0)
+            box->setCurrentIndex(index);
+        wanted->clear();
+    }
     onTimePeriodChanged();
 }
 
@@ -235,6 +242,28 @@ void PerieventOptionsPanel::addParameters(QVariantMap& parameters) const
         parameters.insert(D::ResampleFrequency, m_resampleFrequency->value());
         parameters.insert(D::ResampleMethod, m_resampleMethod->currentText());
     }
+}
+
+void PerieventOptionsPanel::restore(const QVariantMap& parameters)
+{
+    const QVariantList window = parameters.value(D::NormalizeWindow).toList();
+    m_normalize->setChecked(window.size() == 2);
+    if (window.size() == 2) {
+        m_normalizeStart->setValue(window[0].toDouble());
+        m_normalizeEnd->setValue(window[1].toDouble());
+        m_normalizeMethod->setCurrentText(parameters.value(D::NormalizeMethod).toString());
+        m_normalizeSource->setCurrentIndex(parameters.contains(D::NormalizeEvent) ? 1 : 0);
+    }
+    m_selectEvents->setChecked(parameters.value(D::SelectEvents).toInt() == 1);
+    m_selectOption->setCurrentText(parameters.contains(D::TimePeriod) ? D::ByTimePeriod : D::ByNumber);
+    m_wantedNormalizeEvent = parameters.value(D::NormalizeEvent).toString();
+    m_wantedTimePeriod = parameters.value(D::TimePeriod).toString();
+    m_resample->setChecked(parameters.value(D::Resample).toInt() == 1);
+    if (m_resample->isChecked()) {
+        m_resampleFrequency->setValue(parameters.value(D::ResampleFrequency).toDouble());
+        m_resampleMethod->setCurrentText(parameters.value(D::ResampleMethod).toString());
+    }
+    updateEnabled();
 }
 
 } // namespace zarvi

@@ -30,6 +30,9 @@ public:
     void setEventCount(int count);
     /// Adds the keys of the stages switched on.
     void addParameters(QVariantMap& parameters) const;
+    /// Sets the stages from the keys addParameters wrote; the arrays named in them are
+    /// chosen later, when the file's arrays are listed, if they are there.
+    void restore(const QVariantMap& parameters);
 
     /// A combo box named `objectName` holding `items`.
     static QComboBox* comboBox(QWidget* parent, const char* objectName, const QStringList& items = {});
@@ -52,6 +55,8 @@ private:
 
     std::vector<StoredArray> m_events;
     std::vector<StoredArray> m_periods;
+    QString m_wantedNormalizeEvent;
+    QString m_wantedTimePeriod;
     QCheckBox* m_normalize;
     QDoubleSpinBox* m_normalizeStart;
     QDoubleSpinBox* m_normalizeEnd;

@@ -134,6 +134,18 @@ void PerieventSideBox::addFrame(const QString& name, double start, double end)
     }
 }
 
+void PerieventSideBox::restore(const QVariantList& window, const QVariantList& bounds,
+                               const QStringList& names)
+{
+    if (window.size() == 2)
+        setWindow(window[0].toDouble(), window[1].toDouble());
+    if (bounds.size() != 2 * names.size() || names.isEmpty())
+        return;
+    m_table->setRowCount(0);
+    for (int i = 0; i < names.size(); ++i)
+        addFrame(names[i], bounds[2 * i].toDouble(), bounds[2 * i + 1].toDouble());
+}
+
 int PerieventSideBox::frameCount() const
 {
     return m_table->rowCount();

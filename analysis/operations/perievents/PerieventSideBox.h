@@ -29,6 +29,9 @@ public:
     double windowEnd() const;
     void setWindow(double start, double end);
     void addFrame(const QString& name, double start, double end);
+    /// Takes the time frame `window` [start, end] and the statistic time frames `bounds`
+    /// [s1, e1, ...] named `names`, as a run recorded them; a list of the wrong length is ignored.
+    void restore(const QVariantList& window, const QVariantList& bounds, const QStringList& names);
     int frameCount() const;
     /// The line edit of a table cell (column 0 name, 1 start, 2 end).
     QLineEdit* cell(int row, int column) const;

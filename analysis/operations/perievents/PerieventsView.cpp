@@ -96,7 +96,38 @@ PerieventsView::PerieventsView(QWidget* parent)
         updateRange();
         m_previewTimer->start();
     });
+    restoreRemembered();
     updateEnabled();
+}
+
+void PerieventsView::restoreRemembered()
+{
+    const QVariantMap& last = rememberedParameters();
+    if (last.isEmpty())
+        return;
+    const bool onset = last.value(D::Onset, 1).toInt() == 1;
+    const bool offset = last.value(D::Offset, 0).toInt() == 1;
+    const bool plain = last.value(D::PlainEvents).toInt() == 1;
+    m_wantedEvent = last.value(D::Event).toString();
+    m_wantedSide = onset && offset ? D::Both
+                   : onset         ? (plain ? D::OnlyOnsets : D::Onset)
+                                   : (plain ? D::OnlyOffsets : D::Offset);
+    // The unprefixed keys hold the side taken, the onset side when both are.
+    PerieventSideBox* first = onset ? m_onset : m_offset;
+    first->restore(last.value(D::PerieventTimeFrame).toList(), last.value(D::StatisticTimeFrames).toList(),
+                   last.value(D::TimeFramesNames).toStringList());
+    if (onset && offset)
+        m_offset->restore(last.value(D::OffsetPerieventTimeFrame).toList(),
+                          last.value(D::OffsetStatisticTimeFrames).toList(),
+                          last.value(D::OffsetTimeFramesNames).toStringList());
+    if (last.contains(D::Statistics)) {
+        const QStringList statistics = last.value(D::Statistics).toStringList();
+        for (int row = 0; row < m_statistics->count(); ++row) {
+            QListWidgetItem* item = m_statistics->item(row);
+            item->setCheckState(statistics.contains(item->text()) ? Qt::Checked : Qt::Unchecked);
+        }
+    }
+    m_options->restore(last);
 }
 
 QWidget* PerieventsView::buildEventRows()
@@ -181,7 +212,15 @@ bool PerieventsView::loadFileData()
     m_events = EventArrayFile::eventArrays(nodes);
     m_options->setArrays(m_events, EventArrayFile::timePeriodArrays(nodes));
     PerieventOptionsPanel::fillArrays(m_event, m_events); // last: its change updates everything else
+    if (const int index = m_event->findText(m_wantedEvent); !m_wantedEvent.isEmpty() && index >= 0) {
+        const QSignalBlocker blocker(m_event);
+        m_event->setCurrentIndex(index);
+    }
+    m_wantedEvent.clear();
     onEventChanged();
+    if (!m_wantedSide.isEmpty() && currentEvent() && currentEvent()->hasOffsets)
+        m_onoff->setCurrentText(m_wantedSide);
+    m_wantedSide.clear();
     return true;
 }
 

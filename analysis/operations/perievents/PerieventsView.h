@@ -59,6 +59,9 @@ private:
     QWidget* buildStatistics();
     void onEventChanged();
     void updateEnabled();
+    /// Sets the fields to the last run's parameters; the event and its side are chosen
+    /// when the file's arrays are listed.
+    void restoreRemembered();
     void updateRange();
     /// Shows the chunk the preview job computed (on the GUI thread, once it finished).
     void showPreviewChunk(bool canceled);
@@ -68,6 +71,8 @@ private:
 
     std::vector<StoredArray> m_events;
     bool m_loaded = false;
+    QString m_wantedEvent;
+    QString m_wantedSide;
     bool m_hasExtent = false;
     double m_firstTime = 0.0;
     double m_lastTime = 0.0;

@@ -46,7 +46,9 @@ void translateFrame(const cv::Mat& frame, FrameShift shift, cv::Mat& shifted)
     }
     // The source position of output pixel x is x + shift, taken in 1/1024 pixel,
     // rounded to the nearest 1/32 and split into a whole offset and a table index.
-    const auto tableIndex = [](float offset) { return (cvRound(static_cast<double>(offset) * 1024.0) + 16) >> 5; };
+    const auto tableIndex = [](float offset) {
+        return (cvRound(static_cast<double>(offset) * 1024.0) + 16) >> 5;
+    };
     const int columnSteps = tableIndex(shift.x);
     const int rowSteps = tableIndex(shift.y);
     const int dx = columnSteps >> 5;
@@ -87,8 +89,8 @@ void translateFrame(const cv::Mat& frame, FrameShift shift, cv::Mat& shifted)
         const float* bottom = frame.ptr<float>(row + 1);
         for (int x = insideFirst; x < insideEnd; ++x) {
             const int column = x + dx;
-            out[x] = top[column] * w00 + top[column + 1] * w01 + bottom[column] * w10 +
-                     bottom[column + 1] * w11;
+            out[x] =
+                top[column] * w00 + top[column + 1] * w01 + bottom[column] * w10 + bottom[column + 1] * w11;
         }
         for (int x = insideEnd; x < width; ++x)
             out[x] = edgePixel(x);
