@@ -284,9 +284,9 @@ void DatasetPlugin::buildPipelines()
                     emit sendStatusMessage(
                         ZarviMainDefinitions::writtenText().arg(RunSummary::describe(datapaths)));
                 });
-    // The analyses work on the datasets chosen for processing.
-    connect(m_pipeline->selector(), &DatasetSelector::selectionChanged, this,
-            [this](const QStringList& paths) { m_analysis->setData(filePath(), paths); });
+    // The analyses start from the datasets chosen for processing and may then choose others.
+    connect(m_pipeline->selector(), &DatasetSelector::selectionChanged, m_analysis,
+            &AnalysisPipeline::follow);
 }
 
 bool DatasetPlugin::reloadFile()
@@ -294,6 +294,8 @@ bool DatasetPlugin::reloadFile()
     std::vector<DataFileNode> nodes;
     if (!readFileTree(nodes))
         return false;
+    // The analyses' list first, so that it holds the new results when the processing page chooses them.
+    m_analysis->reload(filePath());
     m_pipeline->reload(filePath());
     m_behavior->setFile(filePath());
     m_tree->setNodes(std::move(nodes));

@@ -10,9 +10,11 @@
 #include "analysis/operations/perievents/PerieventSideBox.h"
 #include "analysis/operations/perievents/PerieventsView.h"
 #include "app/browser/DataFileTreeWidget.h"
+#include "app/plugins/DatasetPipeline.h"
 #include "app/plugins/DatasetPlugin.h"
 #include "datafile/SignalDataset.h"
 #include "framework/BackgroundJob.h"
+#include "framework/DatasetSelector.h"
 #include "framework/OperationRunner.h"
 #include "framework/OperationSettings.h"
 
@@ -279,6 +281,21 @@ TEST_F(PerieventViewTest, TheNextOpeningShowsTheLastRunsParameters)
     // What the view would run is what was remembered.
     for (auto it = last.begin(); it != last.end(); ++it)
         EXPECT_EQ(built.value(it.key()), it.value()) << it.key().toStdString();
+}
+
+TEST_F(PerieventViewTest, TheAnalysisPageChoosesItsOwnSignalsStartingFromTheProcessingChoice)
+{
+    DatasetPlugin plugin(QStringLiteral("zarvi"), QStringLiteral("2.0.8.1"), nullptr);
+    ASSERT_TRUE(plugin.loadFile(file));
+    DatasetSelector* processing = plugin.pipeline()->selector();
+    DatasetSelector* analysis = plugin.analysis()->selector();
+    processing->select({truth.biosensorPath});
+    EXPECT_EQ(analysis->selectedPaths(), QStringList{truth.biosensorPath});
+    // Another signal for the analyses leaves the processing choice as it was.
+    analysis->select({truth.isosbesticPath});
+    EXPECT_EQ(processing->selectedPaths(), QStringList{truth.biosensorPath});
+    AbstractOperationView* view = plugin.analysis()->openOperation(D::Perievents)->view();
+    EXPECT_EQ(view->datapaths(), QStringList{truth.isosbesticPath});
 }
 
 TEST_F(PerieventViewTest, AWindowLongerThanTheSignalIsSaidWithOneDurationEverywhere)
