@@ -2,6 +2,7 @@
 
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/PlotStyle.h"
 #include "signal/MinMaxDecimator.h"
 
 #include <QVBoxLayout>
@@ -27,18 +28,6 @@ const QColor& traceColor(std::size_t index)
     return colors[index % colors.size()];
 }
 
-void styleAxis(QCPAxis* axis)
-{
-    const QColor text(ZMD::ColorLightGrey);
-    const QColor line(ZMD::ColorMidGrey);
-    axis->setBasePen(QPen(line));
-    axis->setTickPen(QPen(line));
-    axis->setSubTickPen(QPen(line));
-    axis->setTickLabelColor(text);
-    axis->setLabelColor(text);
-    axis->grid()->setPen(QPen(QColor(ZMD::ColorDarkGrey), 1, Qt::DotLine));
-}
-
 } // namespace
 
 SignalPlotWidget::SignalPlotWidget(QWidget* parent) : QWidget(parent), m_plot(new QCustomPlot(this))
@@ -47,9 +36,7 @@ SignalPlotWidget::SignalPlotWidget(QWidget* parent) : QWidget(parent), m_plot(ne
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_plot);
 
-    m_plot->setBackground(QColor(ZMD::ColorDarkerGrey));
-    styleAxis(m_plot->xAxis);
-    styleAxis(m_plot->yAxis);
+    PlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(DatasetDefinitions::timeAxisLabel());
     m_plot->legend->setVisible(true);
     QColor legendBackground(ZMD::ColorDarkerGrey);
