@@ -1,5 +1,7 @@
 #include "app/browser/SignalPlotWidget.h"
 
+#include "app/browser/EventMarks.h"
+
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/PlotStyle.h"
@@ -74,6 +76,17 @@ void SignalPlotWidget::addSignal(const QString& name, Signal signal)
     trace.signal = std::move(signal);
     m_traces.push_back(std::move(trace));
     resetView();
+}
+
+void SignalPlotWidget::addEvents(const LabelledEvents& events)
+{
+    auto* marks =
+        new EventMarks(m_plot->xAxis, m_plot->yAxis, events.events, EventMarks::color(m_events.size()));
+    marks->setName(events.label);
+    // Below the signals, so that the traces stay on top of the spans.
+    marks->setLayer(QStringLiteral("grid"));
+    m_events.push_back(marks);
+    m_plot->replot(QCustomPlot::rpQueuedReplot);
 }
 
 int SignalPlotWidget::drawnPointCount(int index) const
