@@ -66,7 +66,7 @@ EventDisplayWidget::EventDisplayWidget(std::vector<LabelledEvents> events, QWidg
 double EventDisplayWidget::rowCentre(int row) const
 {
     // The first array at the top, as a list reads.
-    return static_cast<double>(rowCount() > 0 ? static_cast<int>(m_events.size()) - 1 - row : 0);
+    return static_cast<double>(m_events.size()) - 1.0 - row;
 }
 
 void EventDisplayWidget::setSignalLoader(SignalLoader loader)

@@ -100,7 +100,8 @@ void DatasetPlugin::buildFileManager(QSplitter* splitter)
     layout->setContentsMargins(2, 2, 2, 2);
     auto* buttons = new QHBoxLayout;
     tb_display = makeToolButton(w_fileManager, "tb_display", tr("Display"),
-                                tr("Show the selected signals and image stacks"), icons(), IconFont::Eye);
+                                tr("Show the selected signals, event arrays and image stacks"), icons(),
+                                IconFont::Eye);
     tb_delete =
         makeToolButton(w_fileManager, "tb_delete", tr("Delete"),
                        tr("Delete the selected groups and datasets from the file"), icons(), IconFont::Trash);
