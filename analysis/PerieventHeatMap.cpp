@@ -1,8 +1,8 @@
 #include "analysis/PerieventHeatMap.h"
 
-#include "analysis/PerieventPlotStyle.h"
 #include "analysis/operations/perievents/PerieventResultFile.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "framework/PlotStyle.h"
 
 #include <QVBoxLayout>
 
@@ -15,7 +15,7 @@ PerieventHeatMap::PerieventHeatMap(QWidget* parent) : QWidget(parent), m_plot(ne
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_plot);
-    PerieventPlotStyle::apply(m_plot);
+    PlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(AnalysisOperationDefinitions::TimeAxis);
     m_plot->yAxis->setLabel(AnalysisOperationDefinitions::TrialsAxis);
     // Trial 1 on top, as the rows of the matrix are read; ticks on whole trials.
@@ -29,7 +29,7 @@ PerieventHeatMap::PerieventHeatMap(QWidget* parent) : QWidget(parent), m_plot(ne
     m_map->setInterpolate(false);
     m_scale = new QCPColorScale(m_plot);
     m_plot->plotLayout()->addElement(0, 1, m_scale);
-    PerieventPlotStyle::apply(m_scale->axis());
+    PlotStyle::apply(m_scale->axis());
     QCPColorGradient gradient(QCPColorGradient::gpJet);
     gradient.setNanHandling(QCPColorGradient::nhTransparent);
     m_map->setGradient(gradient);

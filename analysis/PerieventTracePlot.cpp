@@ -1,9 +1,9 @@
 #include "analysis/PerieventTracePlot.h"
 
-#include "analysis/PerieventPlotStyle.h"
 #include "analysis/operations/perievents/PerieventResultFile.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/PlotStyle.h"
 #include "numeric/Statistics.h"
 
 #include <QVBoxLayout>
@@ -43,7 +43,7 @@ PerieventTracePlot::PerieventTracePlot(QWidget* parent) : QWidget(parent), m_plo
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_plot);
-    PerieventPlotStyle::apply(m_plot);
+    PlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(D::TimeAxis);
 
     // The band is filled from the upper to the lower bound; the mean is drawn over it.

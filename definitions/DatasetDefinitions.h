@@ -44,6 +44,7 @@ public:
     }
     static QString deleteFailedMessage() { return tr("Unable to delete <b>%1</b>: %2"); }
     static QString readFailedMessage() { return tr("Unable to read %1: %2"); }
+    static QString notEventArrayMessage() { return tr("not an array of event times in one or two columns"); }
 
     // Viewers.
     static QString timeAxisLabel() { return tr("Time (s)"); }
@@ -52,6 +53,13 @@ public:
     static QString pixelLabel() { return tr("x %1  y %2  value %3"); }
     static QString autoContrastLabel() { return tr("Autocontrast"); }
     static QString signalsTabTitle() { return tr("Signals"); }
+    static QString eventsTabTitle() { return tr("Events"); }
+    static QString showOverSignalsLabel() { return tr("Show over signals"); }
+    static QString showOverSignalsTooltip()
+    {
+        return tr("Draw the events over the signals recorded with them (same device and series)");
+    }
+    static QString noRecordingSignalsMessage() { return tr("No signals were recorded with %1."); }
     static QString analysisNeedsDataFileMessage()
     {
         return tr("Open a data file and choose the signals to analyse first.");

@@ -4,6 +4,7 @@
 #include "behavior/operations/measures/ZoneOccupancy.h"
 #include "definitions/BehaviorViewDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/PlotStyle.h"
 #include "roi/RoiGeometry.h"
 
 #include <qcustomplot.h>
@@ -23,14 +24,7 @@ constexpr int occupancyCells = 40;
 
 void styleAxis(QCPAxis* axis)
 {
-    const QColor text(ZMD::ColorLightGrey);
-    const QColor line(ZMD::ColorMidGrey);
-    axis->setBasePen(QPen(line));
-    axis->setTickPen(QPen(line));
-    axis->setSubTickPen(QPen(line));
-    axis->setTickLabelColor(text);
-    axis->setLabelColor(text);
-    axis->grid()->setPen(QPen(QColor(ZMD::ColorDarkGrey), 1, Qt::DotLine));
+    PlotStyle::apply(axis);
     // Pixel 0 is the image's edge, not a value worth a line of its own.
     axis->grid()->setZeroLinePen(Qt::NoPen);
 }
@@ -39,7 +33,7 @@ QCustomPlot* makePlot(const QString& objectName, QWidget* parent)
 {
     auto* plot = new QCustomPlot(parent);
     plot->setObjectName(objectName);
-    plot->setBackground(QColor(ZMD::ColorDarkerGrey));
+    PlotStyle::apply(plot);
     for (QCPAxis* axis : {plot->xAxis, plot->yAxis})
         styleAxis(axis);
     plot->xAxis->setLabel(QStringLiteral("x (px)"));

@@ -28,6 +28,8 @@ public:
     void setNodes(std::vector<DataFileNode> nodes, const QString& rootPath = {});
     /// The node at a path, null when the file has none.
     const DataFileNode* node(const QString& path) const;
+    /// Every node shown, in tree order.
+    const std::vector<DataFileNode>& nodes() const { return m_nodes; }
 
     /// Paths of the selected items, in tree order.
     QStringList selectedPaths() const;

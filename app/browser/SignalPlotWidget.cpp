@@ -1,7 +1,10 @@
 #include "app/browser/SignalPlotWidget.h"
 
+#include "app/browser/EventMarks.h"
+
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/PlotStyle.h"
 #include "signal/MinMaxDecimator.h"
 
 #include <QVBoxLayout>
@@ -27,18 +30,6 @@ const QColor& traceColor(std::size_t index)
     return colors[index % colors.size()];
 }
 
-void styleAxis(QCPAxis* axis)
-{
-    const QColor text(ZMD::ColorLightGrey);
-    const QColor line(ZMD::ColorMidGrey);
-    axis->setBasePen(QPen(line));
-    axis->setTickPen(QPen(line));
-    axis->setSubTickPen(QPen(line));
-    axis->setTickLabelColor(text);
-    axis->setLabelColor(text);
-    axis->grid()->setPen(QPen(QColor(ZMD::ColorDarkGrey), 1, Qt::DotLine));
-}
-
 } // namespace
 
 SignalPlotWidget::SignalPlotWidget(QWidget* parent) : QWidget(parent), m_plot(new QCustomPlot(this))
@@ -47,9 +38,7 @@ SignalPlotWidget::SignalPlotWidget(QWidget* parent) : QWidget(parent), m_plot(ne
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_plot);
 
-    m_plot->setBackground(QColor(ZMD::ColorDarkerGrey));
-    styleAxis(m_plot->xAxis);
-    styleAxis(m_plot->yAxis);
+    PlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(DatasetDefinitions::timeAxisLabel());
     m_plot->legend->setVisible(true);
     QColor legendBackground(ZMD::ColorDarkerGrey);
@@ -87,6 +76,17 @@ void SignalPlotWidget::addSignal(const QString& name, Signal signal)
     trace.signal = std::move(signal);
     m_traces.push_back(std::move(trace));
     resetView();
+}
+
+void SignalPlotWidget::addEvents(const LabelledEvents& events)
+{
+    auto* marks =
+        new EventMarks(m_plot->xAxis, m_plot->yAxis, events.events, EventMarks::color(m_events.size()));
+    marks->setName(events.label);
+    // Below the signals, so that the traces stay on top of the spans.
+    marks->setLayer(QStringLiteral("grid"));
+    m_events.push_back(marks);
+    m_plot->replot(QCustomPlot::rpQueuedReplot);
 }
 
 int SignalPlotWidget::drawnPointCount(int index) const

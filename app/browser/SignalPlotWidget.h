@@ -1,6 +1,7 @@
 #pragma once
 
 #include "datafile/SignalDataset.h"
+#include "events/EventDisplayData.h"
 
 #include <QWidget>
 
@@ -11,7 +12,10 @@ class QCustomPlot;
 
 namespace zarvi {
 
-/// Plots signals against time in seconds, overlaid with a legend. Drag pans,
+class EventMarks;
+
+/// Plots signals against time in seconds, overlaid with a legend, and event arrays
+/// over them (a line at each onset, a shaded span to each offset). Drag pans,
 /// the wheel zooms time (with Ctrl: values), a double click shows everything.
 /// It keeps the whole signals in memory but draws only the minimum and maximum
 /// of each pixel column of the visible range, recomputed whenever the range or
@@ -26,6 +30,10 @@ public:
     /// Adds a signal on top of those shown (the plot keeps it) and shows everything.
     void addSignal(const QString& name, Signal signal);
     int signalCount() const { return static_cast<int>(m_traces.size()); }
+    /// Draws an event array over the signals, at their full height.
+    void addEvents(const LabelledEvents& events);
+    int eventArrayCount() const { return static_cast<int>(m_events.size()); }
+    EventMarks* eventMarks(int index) const { return m_events.at(static_cast<std::size_t>(index)); }
     /// How many points are drawn for signal `index` in the current view.
     int drawnPointCount(int index) const;
     /// Shows every signal whole.
@@ -49,6 +57,7 @@ private:
 
     QCustomPlot* m_plot;
     std::vector<Trace> m_traces;
+    std::vector<EventMarks*> m_events;
 };
 
 } // namespace zarvi

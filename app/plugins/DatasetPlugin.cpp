@@ -7,6 +7,8 @@
 #include "app/behavior/BehaviorView.h"
 #include "app/browser/AttributesTable.h"
 #include "app/browser/DataFileTreeWidget.h"
+#include "app/browser/DisplayDataReader.h"
+#include "app/browser/EventDisplayWidget.h"
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
 #include "app/plugins/DatasetPipeline.h"
@@ -17,7 +19,6 @@
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/DatasetDeletion.h"
 #include "framework/DatasetSelector.h"
-#include "framework/LockedFileRead.h"
 #include "framework/RunSummary.h"
 
 #include <QHBoxLayout>
@@ -41,22 +42,6 @@ using FD = FileDefinitions;
 constexpr const char* DisplayPathsProperty = "zarviDatapaths";
 // The first tabs of the view area are the pipeline, analysis and behaviour pages.
 constexpr int PageCount = 3;
-
-// "Biosensor" for ".../Series1/Biosensor/Signal", "FilteredSignals1/Biosensor" for a
-// processed one: what follows the series level, without the name of the dataset
-// that holds the values ("Signal", "ImageStack").
-QString displayName(const QString& path)
-{
-    QStringList parts = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    if (parts.size() > 1 && (parts.last() == FD::SignalValues || parts.last() == FD::ImageStack))
-        parts.removeLast();
-    qsizetype series = -1;
-    for (qsizetype i = 0; i < parts.size(); ++i)
-        if (parts[i].contains(FD::SeriesText))
-            series = i;
-    const qsizetype first = series >= 0 && series + 1 < parts.size() ? series + 1 : parts.size() - 1;
-    return parts.mid(first).join(QLatin1Char('/'));
-}
 
 QToolButton* makeToolButton(QWidget* parent, const char* objectName, const QString& text, const QString& tip,
                             IconFont* icons, IconFont::Glyph glyph)
@@ -115,7 +100,8 @@ void DatasetPlugin::buildFileManager(QSplitter* splitter)
     layout->setContentsMargins(2, 2, 2, 2);
     auto* buttons = new QHBoxLayout;
     tb_display = makeToolButton(w_fileManager, "tb_display", tr("Display"),
-                                tr("Show the selected signals and image stacks"), icons(), IconFont::Eye);
+                                tr("Show the selected signals, event arrays and image stacks"), icons(),
+                                IconFont::Eye);
     tb_delete =
         makeToolButton(w_fileManager, "tb_delete", tr("Delete"),
                        tr("Delete the selected groups and datasets from the file"), icons(), IconFont::Trash);
@@ -307,6 +293,7 @@ bool DatasetPlugin::reloadFile()
 int DatasetPlugin::displayPaths(const QStringList& paths)
 {
     QStringList signalPaths;
+    QStringList eventPaths;
     QStringList stackPaths;
     int added = 0;
     for (const QString& path : paths) {
@@ -328,50 +315,69 @@ int DatasetPlugin::displayPaths(const QStringList& paths)
         const DataFileNode* shown = target.isEmpty() ? nullptr : m_tree->node(target);
         if (!shown || shown->kind != ObjectKind::Dataset)
             continue;
-        if (shown->dimensions.size() == 3 && !stackPaths.contains(target))
+        if (EventDisplayData::isEventArray(*shown)) {
+            if (!eventPaths.contains(target))
+                eventPaths << target;
+        } else if (shown->dimensions.size() == 3 && !stackPaths.contains(target))
             stackPaths << target;
         else if (shown->dimensions.size() == 1 && shown->name != FD::Time && !signalPaths.contains(target))
             signalPaths << target;
     }
-    added += signalPaths.isEmpty() ? 0 : showSignals(signalPaths);
+    // Events recorded with a signal shown go over its plot; the others get a raster.
+    const QStringList overSignals = EventDisplayData::sameRecording(eventPaths, signalPaths);
+    added += signalPaths.isEmpty() ? 0 : showSignals(signalPaths, overSignals);
+    for (const QString& path : overSignals)
+        eventPaths.removeAll(path);
+    added += eventPaths.isEmpty() ? 0 : showEvents(eventPaths);
     for (const QString& path : stackPaths)
         added += showImageStack(path);
     return added;
 }
 
-int DatasetPlugin::showSignals(const QStringList& paths)
+bool DatasetPlugin::readDisplayData(const QStringList& signalPaths, const QStringList& eventPaths,
+                                    DisplayData& data)
 {
-    std::vector<std::pair<QString, Signal>> loaded;
-    QStringList shownPaths;
-    {
-        LockedFileRead read(filePath());
-        if (!read.isOpen()) {
-            emit sendStatusMessage(read.isBusy() ? read.error()
-                                                 : DD::readFailedMessage().arg(filePath(), read.error()));
-            return 0;
-        }
-        for (const QString& path : paths) {
-            Signal signal;
-            QString error;
-            if (SignalDataset::read(read.reader(), path, signal, error)) {
-                loaded.emplace_back(displayName(path), std::move(signal));
-                shownPaths << path;
-            } else {
-                emit sendStatusMessage(DD::readFailedMessage().arg(path, error));
-            }
-        }
-    }
-    if (loaded.empty())
+    QString error;
+    const bool read = DisplayDataReader::read(filePath(), signalPaths, eventPaths, data, error);
+    for (const QString& message : read ? data.errors : QStringList{error})
+        emit sendStatusMessage(message);
+    return read;
+}
+
+int DatasetPlugin::showSignals(const QStringList& paths, const QStringList& eventPaths)
+{
+    DisplayData data;
+    if (!readDisplayData(paths, eventPaths, data) || data.signalList.empty())
         return 0;
     auto plot = std::make_unique<SignalPlotWidget>();
-    QStringList names;
-    for (auto& [name, signal] : loaded) {
-        names << name;
+    for (auto& [name, signal] : data.signalList)
         plot->addSignal(name, std::move(signal));
-    }
-    // The tab widget owns the plot from here on.
-    return addDisplayTab(plot.release(), names.size() == 1 ? names.first() : DD::signalsTabTitle(),
-                         shownPaths);
+    for (const LabelledEvents& events : data.eventList)
+        plot->addEvents(events);
+    const QString title = data.signalList.size() == 1 ? data.signalList.front().first : DD::signalsTabTitle();
+    return addDisplayTab(plot.release(), title, data.readPaths); // the tab widget owns it now
+}
+
+int DatasetPlugin::showEvents(const QStringList& paths)
+{
+    DisplayData data;
+    if (!readDisplayData({}, paths, data) || data.eventList.empty())
+        return 0;
+    QStringList recorded;
+    for (const QString& path : data.readPaths)
+        for (const QString& signal : EventDisplayData::recordingSignals(m_tree->nodes(), path))
+            if (!recorded.contains(signal))
+                recorded << signal;
+    auto display = std::make_unique<EventDisplayWidget>(std::move(data.eventList));
+    if (!recorded.isEmpty())
+        display->setSignalLoader([this, recorded] {
+            DisplayData signalData;
+            readDisplayData(recorded, {}, signalData);
+            return std::move(signalData.signalList);
+        });
+    const QString title = data.readPaths.size() == 1 ? DisplayDataReader::displayName(data.readPaths.first())
+                                                     : DD::eventsTabTitle();
+    return addDisplayTab(display.release(), title, data.readPaths); // the tab widget owns it now
 }
 
 QStringList DatasetPlugin::perieventResults(const QString& path) const
@@ -397,7 +403,8 @@ int DatasetPlugin::showPerievents(const QString& path)
         emit sendStatusMessage(error);
         return 0;
     }
-    return addDisplayTab(view.release(), displayName(path), {path}); // the tab widget owns it now
+    return addDisplayTab(view.release(), DisplayDataReader::displayName(path),
+                         {path}); // the tab widget owns it now
 }
 
 int DatasetPlugin::showImageStack(const QString& path)
@@ -409,7 +416,8 @@ int DatasetPlugin::showImageStack(const QString& path)
         return 0;
     }
     connect(stack.get(), &ImageStackWidget::sendStatusMessage, this, &AbstractPlugin::sendStatusMessage);
-    return addDisplayTab(stack.release(), displayName(path), {path}); // the tab widget owns it now
+    return addDisplayTab(stack.release(), DisplayDataReader::displayName(path),
+                         {path}); // the tab widget owns it now
 }
 
 int DatasetPlugin::addDisplayTab(QWidget* display, const QString& title, const QStringList& paths)

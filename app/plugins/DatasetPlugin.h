@@ -15,6 +15,7 @@ class AttributesTable;
 class BehaviorView;
 class DataFileTreeWidget;
 class DatasetPipeline;
+struct DisplayData;
 
 /// Shows a data file: on the left the file manager (the file tree with the
 /// attributes of the selection, display and delete buttons), on the right the
@@ -42,10 +43,12 @@ public:
     /// The behaviour page (`tb_behavior`); the plug-in takes ownership.
     void setBehaviorWidget(QWidget* behavior);
 
-    /// Shows the datasets at these paths: 1-D signals together in one plot,
-    /// each image stack in a browser of its own (a sensor group stands for the
-    /// signal or stack it holds), each perievent result in a result view (its group
-    /// stands for it, or for both of its sides). Returns how many tabs were added.
+    /// Shows the datasets at these paths: 1-D signals together in one plot, with
+    /// the event arrays recorded with them drawn over it, the other event arrays
+    /// together as a raster, each image stack in a browser of its own (a sensor group
+    /// stands for the signal or stack it holds), each perievent result in a result view
+    /// (its group stands for it, or for both of its sides). Returns how many tabs were
+    /// added.
     int displayPaths(const QStringList& paths);
     /// Asks for confirmation, then removes the groups and datasets and re-reads
     /// the file. False when refused, busy or when a removal failed.
@@ -79,7 +82,11 @@ private:
     QWidget* makePage(const char* objectName, const QString& placeholder);
     void showPage(QWidget* page);
     void placeInPage(QWidget* page, QWidget* content);
-    int showSignals(const QStringList& paths);
+    /// Reads signals and event arrays for a display; every failure goes to the
+    /// status bar. False when the file is busy or cannot be opened.
+    bool readDisplayData(const QStringList& signalPaths, const QStringList& eventPaths, DisplayData& data);
+    int showSignals(const QStringList& paths, const QStringList& eventPaths);
+    int showEvents(const QStringList& paths);
     int showImageStack(const QString& path);
     /// The saved perievent matrices that `path` names (itself, or in its group).
     QStringList perieventResults(const QString& path) const;

@@ -1,6 +1,6 @@
 #include "analysis/operations/perievents/PerieventPreview.h"
 
-#include "analysis/PerieventPlotStyle.h"
+#include "framework/PlotStyle.h"
 
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
@@ -30,7 +30,7 @@ PerieventPreview::PerieventPreview(QWidget* parent) : QWidget(parent), m_plot(ne
     layout->addWidget(m_note);
     layout->addWidget(m_plot, 1);
     m_plot->setMinimumHeight(160);
-    PerieventPlotStyle::apply(m_plot);
+    PlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(D::TimeAxis);
     m_plot->addGraph()->setPen(QPen(QColor(ZMD::ColorBlue), 1.5));
 }

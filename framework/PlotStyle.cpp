@@ -1,4 +1,4 @@
-#include "analysis/PerieventPlotStyle.h"
+#include "framework/PlotStyle.h"
 
 #include "definitions/ZarviMainDefinitions.h"
 
@@ -8,14 +8,14 @@ namespace zarvi {
 
 using ZMD = ZarviMainDefinitions;
 
-void PerieventPlotStyle::apply(QCustomPlot* plot)
+void PlotStyle::apply(QCustomPlot* plot)
 {
     plot->setBackground(QColor(ZMD::ColorDarkerGrey));
     apply(plot->xAxis);
     apply(plot->yAxis);
 }
 
-void PerieventPlotStyle::apply(QCPAxis* axis)
+void PlotStyle::apply(QCPAxis* axis)
 {
     const QColor line(ZMD::ColorMidGrey);
     axis->setBasePen(QPen(line));

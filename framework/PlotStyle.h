@@ -5,8 +5,9 @@ class QCustomPlot;
 
 namespace zarvi {
 
-/// The dark look the perievent plots share with the signal plots. GUI thread.
-class PerieventPlotStyle
+/// The dark look every plot of the program shares: background, axis pens, text and
+/// dotted grid in the palette's greys. GUI thread.
+class PlotStyle
 {
 public:
     /// Background, axes and grid of a whole plot.
