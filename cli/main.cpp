@@ -1,9 +1,11 @@
 #include "analysis/AnalysisOperations.h"
+#include "cli/CompactCommand.h"
 #include "cli/ConvertCommand.h"
 #include "cli/DemoCommand.h"
 #include "cli/ExportCommand.h"
 #include "cli/HelpCommand.h"
 #include "cli/InfoCommand.h"
+#include "cli/RenameCommand.h"
 #include "cli/RoisCommand.h"
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
@@ -40,7 +42,10 @@ const char* usage =
     "  export FILE --data PATH... --to OUT.(csv|xlsx|tif) [--frames A:B]\n"
     "                            write datasets to a table or a TIFF stack\n"
     "  rois FILE --image PATH [--add JSON | --import FILE.roi|RoiSet.zip | --remove NAME]\n"
-    "                            list, add, import (ImageJ) or remove the ROIs of an image stack\n";
+    "                            list, add, import (ImageJ) or remove the ROIs of an image stack\n"
+    "  rename FILE OLD_PATH NEW_NAME\n"
+    "                            give a result group or dataset a new name\n"
+    "  compact FILE              reclaim the space of deleted data; prints the sizes before and after\n";
 
 } // namespace
 
@@ -82,6 +87,10 @@ int main(int argc, char* argv[])
         return zarvi::ExportCommand::run(arguments);
     if (command == QStringLiteral("rois"))
         return zarvi::RoisCommand::run(arguments);
+    if (command == QStringLiteral("rename"))
+        return zarvi::RenameCommand::run(arguments);
+    if (command == QStringLiteral("compact"))
+        return zarvi::CompactCommand::run(arguments);
     QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
     return 2;
 }

@@ -32,6 +32,9 @@ public:
     bool move(hid_t location, const QString& from, const QString& to);
     bool copy(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
               const QString& destinationName);
+    /// Gives destination (a file, group or dataset, possibly of another file) exactly the
+    /// attributes of source, each in its stored type and shape; its own are removed first.
+    bool copyAttributes(hid_t source, hid_t destination);
 
     /// Chunked dataset; deflateLevel 0 means uncompressed. Use H5S_UNLIMITED in
     /// maximumDimensions for growable axes.

@@ -46,6 +46,38 @@ public:
     static QString readFailedMessage() { return tr("Unable to read %1: %2"); }
     static QString notEventArrayMessage() { return tr("not an array of event times in one or two columns"); }
 
+    // Actions of the file tree.
+    static QString displayAction() { return tr("Display"); }
+    static QString deleteAction() { return tr("Delete"); }
+
+    // Renaming a result.
+    static QString renameAction() { return tr("Rename..."); }
+    static QString renameTitle() { return tr("Rename"); }
+    static QString renameLabel() { return tr("New name of <b>%1</b>:"); }
+    static QString renameEmptyMessage() { return tr("The new name is empty."); }
+    static QString renameForbiddenTextMessage() { return tr("A name cannot contain <b>%1</b>."); }
+    static QString renameReservedMessage()
+    {
+        return tr("<b>%1</b> is a name the file keeps for its own levels and datasets.");
+    }
+    static QString renameExistsMessage() { return tr("<b>%1</b> already exists in this group."); }
+    static QString renameRefusedMessage()
+    {
+        return tr("<b>%1</b> cannot be renamed: only the results of processing and analyses can.");
+    }
+    static QString renameFailedMessage() { return tr("Unable to rename <b>%1</b>: %2"); }
+    static QString renamedMessage() { return tr("Renamed %1 to %2"); }
+
+    // Compacting the file.
+    static QString compactAction() { return tr("Compact File"); }
+    static QString compactTip() { return tr("Rewrite the file without the space of deleted data"); }
+    static QString compactQuestion()
+    {
+        return tr("Compact the file now to reclaim the space of deleted data?");
+    }
+    static QString compactLabel() { return tr("Compacting %1..."); }
+    static QString compactedMessage() { return tr("File compacted: %1 → %2"); }
+
     // Viewers.
     static QString timeAxisLabel() { return tr("Time (s)"); }
     static QString frameLabel() { return tr("Frame %1 / %2"); }

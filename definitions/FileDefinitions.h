@@ -175,7 +175,7 @@ public:
     }
     static QString unableToReadFrameMessage() { return tr("Unable to read frame %1 of <b>%2</b>."); }
     static QString unableToWriteFrameMessage() { return tr("Unable to write frame %1 of <b>%2</b>."); }
-    static QString repackFailedMessage() { return tr("Failed to repack file %1."); }
+    static QString repackFailedMessage() { return tr("Failed to repack file <b>%1</b>."); }
     static QString repackFailedTitle() { return tr("Error File Repacking"); }
 };
 

@@ -3,8 +3,10 @@
 #include "app/IconFont.h"
 #include "definitions/DatasetDefinitions.h"
 #include "definitions/FileDefinitions.h"
+#include "framework/DatasetRenaming.h"
 
 #include <QHeaderView>
+#include <QMenu>
 
 #include <algorithm>
 
@@ -39,6 +41,29 @@ DataFileTreeWidget::DataFileTreeWidget(IconFont* icons, QWidget* parent) : QTree
     connect(this, &QTreeWidget::currentItemChanged, this, [this](QTreeWidgetItem* item) {
         emit currentPathChanged(item ? item->data(0, PathRole).toString() : QString());
     });
+    setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(this, &QWidget::customContextMenuRequested, this, [this](const QPoint& position) {
+        const QTreeWidgetItem* item = itemAt(position);
+        makeContextMenu(item ? item->data(0, PathRole).toString() : QString())
+            ->exec(viewport()->mapToGlobal(position));
+    });
+}
+
+std::unique_ptr<QMenu> DataFileTreeWidget::makeContextMenu(const QString& path)
+{
+    using DD = DatasetDefinitions;
+    auto menu = std::make_unique<QMenu>(this);
+    const bool any = !selectedPaths().isEmpty();
+    menu->addAction(DD::displayAction(), this, &DataFileTreeWidget::displayRequested)->setEnabled(any);
+    QAction* rename = menu->addAction(DD::renameAction(), this, [this, path] { emit renameRequested(path); });
+    rename->setObjectName(QStringLiteral("actionRename"));
+    rename->setEnabled(DatasetRenaming::isRenamable(path));
+    menu->addAction(DD::deleteAction(), this, &DataFileTreeWidget::deleteRequested)->setEnabled(any);
+    menu->addSeparator();
+    QAction* compact = menu->addAction(DD::compactAction(), this, &DataFileTreeWidget::compactRequested);
+    compact->setObjectName(QStringLiteral("actionCompact"));
+    compact->setStatusTip(DD::compactTip());
+    return menu;
 }
 
 QTreeWidgetItem* DataFileTreeWidget::makeItem(const DataFileNode& node) const

@@ -5,7 +5,10 @@
 #include <QHash>
 #include <QTreeWidget>
 
+#include <memory>
 #include <vector>
+
+class QMenu;
 
 namespace zarvi {
 
@@ -14,7 +17,8 @@ class IconFont;
 /// The groups and datasets of a data file as an expandable tree with name,
 /// shape and element type. It shows a copy read beforehand (it never touches the
 /// file) and keeps the expanded groups and the selection across reloads when
-/// their paths still exist. Several items can be selected. GUI thread.
+/// their paths still exist. Several items can be selected. Its context menu asks
+/// for the edits of the file (display, rename, delete, compact) by signals. GUI thread.
 class DataFileTreeWidget : public QTreeWidget
 {
     Q_OBJECT
@@ -36,9 +40,16 @@ public:
     QString currentPath() const;
     /// Selects (and reveals) the items at these paths; unknown paths are skipped.
     void selectPaths(const QStringList& paths);
+    /// The context menu for a right click on the item at `path` (empty: beside the items):
+    /// Display and Delete of the selection, Rename... of a result, and Compact File.
+    std::unique_ptr<QMenu> makeContextMenu(const QString& path);
 
 signals:
     void currentPathChanged(const QString& path);
+    void displayRequested();
+    void renameRequested(const QString& path);
+    void deleteRequested();
+    void compactRequested();
 
 private:
     QTreeWidgetItem* makeItem(const DataFileNode& node) const;

@@ -11,6 +11,7 @@
 #include "app/browser/EventDisplayWidget.h"
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
+#include "app/plugins/DataFileEditing.h"
 #include "app/plugins/DatasetPipeline.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
@@ -77,6 +78,8 @@ DatasetPlugin::DatasetPlugin(const QString& applicationName, const QString& vers
         box.setTextFormat(Qt::RichText);
         box.exec();
     };
+    m_editing = new DataFileEditing(this, [this](const QString& text) { m_message(text); });
+    connect(m_editing, &DataFileEditing::sendStatusMessage, this, &DatasetPlugin::sendStatusMessage);
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -99,11 +102,11 @@ void DatasetPlugin::buildFileManager(QSplitter* splitter)
     auto* layout = new QVBoxLayout(w_fileManager);
     layout->setContentsMargins(2, 2, 2, 2);
     auto* buttons = new QHBoxLayout;
-    tb_display = makeToolButton(w_fileManager, "tb_display", tr("Display"),
+    tb_display = makeToolButton(w_fileManager, "tb_display", DD::displayAction(),
                                 tr("Show the selected signals, event arrays and image stacks"), icons(),
                                 IconFont::Eye);
     tb_delete =
-        makeToolButton(w_fileManager, "tb_delete", tr("Delete"),
+        makeToolButton(w_fileManager, "tb_delete", DD::deleteAction(),
                        tr("Delete the selected groups and datasets from the file"), icons(), IconFont::Trash);
     buttons->addWidget(tb_display);
     buttons->addWidget(tb_delete);
@@ -122,6 +125,10 @@ void DatasetPlugin::buildFileManager(QSplitter* splitter)
 
     connect(tb_display, &QToolButton::clicked, this, &DatasetPlugin::onDisplayClicked);
     connect(tb_delete, &QToolButton::clicked, this, &DatasetPlugin::onDeleteClicked);
+    connect(m_tree, &DataFileTreeWidget::displayRequested, this, &DatasetPlugin::onDisplayClicked);
+    connect(m_tree, &DataFileTreeWidget::deleteRequested, this, &DatasetPlugin::onDeleteClicked);
+    connect(m_tree, &DataFileTreeWidget::renameRequested, this, &DatasetPlugin::renamePath);
+    connect(m_tree, &DataFileTreeWidget::compactRequested, this, &DatasetPlugin::compactFile);
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &DatasetPlugin::onSelectionChanged);
     connect(m_tree, &DataFileTreeWidget::currentPathChanged, this,
             [this](const QString& path) { m_attributes->showHistory(*m_tree, path); });
@@ -449,22 +456,48 @@ bool DatasetPlugin::deletePaths(const QStringList& paths)
         return false;
     }
     const QStringList& failures = removal.failures;
+    closeDisplaysUnder(targets);
+    reloadFile();
+    if (!failures.isEmpty()) {
+        m_message(failures.join(QStringLiteral("<br>")));
+        return false;
+    }
+    // The file keeps the space of what was removed until it is rewritten.
+    if (m_confirm(DD::compactQuestion()))
+        compactFile();
+    return true;
+}
 
-    // Displays of removed data would show what the file no longer holds.
+QString DatasetPlugin::renamePath(const QString& path)
+{
+    const QString newPath = m_editing->rename(filePath(), path);
+    if (newPath.isEmpty())
+        return {};
+    closeDisplaysUnder({path});
+    reloadFile();
+    m_tree->selectPaths({newPath});
+    return newPath;
+}
+
+bool DatasetPlugin::compactFile()
+{
+    const bool compacted = m_editing->compact(filePath());
+    if (compacted)
+        reloadFile();
+    return compacted;
+}
+
+void DatasetPlugin::closeDisplaysUnder(const QStringList& paths)
+{
     for (int i = tw_view->count() - 1; i >= PageCount; --i) {
         const QStringList shown = tw_view->widget(i)->property(DisplayPathsProperty).toStringList();
-        const bool removed = std::any_of(shown.begin(), shown.end(), [&](const QString& p) {
-            return std::any_of(targets.begin(), targets.end(), [&](const QString& target) {
-                return DatasetDeletion::isSameOrUnder(p, target);
-            });
+        const bool gone = std::any_of(shown.begin(), shown.end(), [&](const QString& p) {
+            return std::any_of(paths.begin(), paths.end(),
+                               [&](const QString& path) { return DatasetDeletion::isSameOrUnder(p, path); });
         });
-        if (removed)
+        if (gone)
             onViewTabCloseRequested(i);
     }
-    reloadFile();
-    if (!failures.isEmpty())
-        m_message(failures.join(QStringLiteral("<br>")));
-    return failures.isEmpty();
 }
 
 void DatasetPlugin::onDisplayClicked()

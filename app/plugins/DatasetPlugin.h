@@ -13,12 +13,14 @@ namespace zarvi {
 class AnalysisPipeline;
 class AttributesTable;
 class BehaviorView;
+class DataFileEditing;
 class DataFileTreeWidget;
 class DatasetPipeline;
 struct DisplayData;
 
 /// Shows a data file: on the left the file manager (the file tree with the
-/// attributes of the selection, display and delete buttons), on the right the
+/// attributes of the selection, display and delete buttons, and the tree's menu
+/// that also renames a result and compacts the file), on the right the
 /// view area with the processing pipeline, the analysis and the behaviour pages
 /// and one tab per displayed selection (signal plots, image stacks). The
 /// pipeline and the analysis pages are its own; after every run they report
@@ -51,14 +53,21 @@ public:
     /// added.
     int displayPaths(const QStringList& paths);
     /// Asks for confirmation, then removes the groups and datasets and re-reads
-    /// the file. False when refused, busy or when a removal failed.
+    /// the file, and then offers to compact it. False when refused, busy or when a
+    /// removal failed.
     bool deletePaths(const QStringList& paths);
+    /// Asks a new name for the result at `path`, renames it and selects it; its new path,
+    /// or empty when nothing was renamed.
+    QString renamePath(const QString& path);
+    /// Compacts the file (with a progress dialog) and re-reads it. True when compacted.
+    bool compactFile();
 
     /// Replace the confirmation box and the message box (rich text) used by deletion.
     void setConfirmHandler(std::function<bool(const QString&)> confirm);
     void setMessageHandler(std::function<void(const QString&)> message);
 
     DataFileTreeWidget* fileTree() const { return m_tree; }
+    DataFileEditing* editing() const { return m_editing; }
     DatasetPipeline* pipeline() const { return m_pipeline; }
     AnalysisPipeline* analysis() const { return m_analysis; }
     BehaviorView* behavior() const { return m_behavior; }
@@ -92,11 +101,14 @@ private:
     QStringList perieventResults(const QString& path) const;
     int showPerievents(const QString& path);
     int addDisplayTab(QWidget* display, const QString& title, const QStringList& paths);
+    /// Closes the displays of data at or under these paths, which the file no longer has.
+    void closeDisplaysUnder(const QStringList& paths);
 
     QWidget* w_fileManager = nullptr;
     QToolButton* tb_display = nullptr;
     QToolButton* tb_delete = nullptr;
     DataFileTreeWidget* m_tree = nullptr;
+    DataFileEditing* m_editing = nullptr;
     AttributesTable* m_attributes = nullptr;
     DatasetPipeline* m_pipeline = nullptr;
     AnalysisPipeline* m_analysis = nullptr;

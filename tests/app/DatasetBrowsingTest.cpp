@@ -5,6 +5,7 @@
 #include "app/browser/DataFileTreeWidget.h"
 #include "app/browser/ImageStackWidget.h"
 #include "app/browser/SignalPlotWidget.h"
+#include "app/plugins/DataFileEditing.h"
 #include "app/plugins/DatasetPlugin.h"
 #include "app/plugins/ExperimentPlugin.h"
 #include "common/TempDir.h"
@@ -12,7 +13,11 @@
 #include "datafile/SignalDataset.h"
 #include "framework/FileAccessLock.h"
 
+#include <QAction>
+#include <QFile>
 #include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
 #include <QTabWidget>
 #include <QToolButton>
 
@@ -191,9 +196,12 @@ TEST(DatasetBrowsing, TreeAttributesDisplaysAndDeletion)
         return true;
     });
     EXPECT_TRUE(plugin->deletePaths({stackGroup, stackPath}));
-    ASSERT_EQ(questions.size(), 2);
-    EXPECT_TRUE(questions.last().contains(stackGroup));
-    EXPECT_FALSE(questions.last().contains(stackPath));
+    // Then it offers to compact the file, which runs with its progress dialog.
+    ASSERT_EQ(questions.size(), 3);
+    EXPECT_TRUE(questions[1].contains(stackGroup));
+    EXPECT_FALSE(questions[1].contains(stackPath));
+    EXPECT_EQ(questions[2], QStringLiteral("Compact the file now to reclaim the space of deleted data?"));
+    EXPECT_TRUE(status.last().startsWith(QStringLiteral("File compacted: "))) << status.last().toStdString();
     EXPECT_EQ(tree->node(stackGroup), nullptr);
     EXPECT_NE(tree->node(rawPath), nullptr);
     zarvi::test::settle();
@@ -228,6 +236,73 @@ TEST(DatasetBrowsing, TreeAttributesDisplaysAndDeletion)
     emit views->tabCloseRequested(views->count() - 1);
     EXPECT_EQ(views->count(), pages);
     EXPECT_EQ(views->currentWidget(), behaviorPage);
+}
+
+TEST(DatasetBrowsing, TheTreeMenuRenamesAResultAndRefusesBadNames)
+{
+    TempDir dir;
+    const QString file = dir.file("rename.orvel");
+    ASSERT_TRUE(writeBrowsingFile(file));
+    MainWindow window(nullptr);
+    auto* plugin = qobject_cast<DatasetPlugin*>(window.tabs().plugin(window.openFile(file).tabIndex));
+    ASSERT_NE(plugin, nullptr);
+    QStringList messages;
+    plugin->setMessageHandler([&](const QString& text) { messages << text; });
+    QStringList status;
+    QObject::connect(plugin, &AbstractPlugin::sendStatusMessage,
+                     [&](const QString& text) { status << text; });
+    QStringList names{QStringLiteral(""), QStringLiteral("a/b"), QStringLiteral("Lowpass")};
+    QStringList labels;
+    plugin->editing()->setNameAsker(
+        [&](const QString& label, const QString& current) -> std::optional<QString> {
+            labels << label + QLatin1Char('|') + current;
+            return names.takeFirst();
+        });
+    DataFileTreeWidget* tree = plugin->fileTree();
+    const QString result = QStringLiteral("DataProcessed/Dev/Signals/Series1/FilteredSignals1");
+    const QString renamed = QStringLiteral("DataProcessed/Dev/Signals/Series1/Lowpass");
+
+    // Only a result can be renamed, and not the datasets found by their names.
+    for (const QString& path : {rawGroup, processedPath, QStringLiteral("DataProcessed")})
+        EXPECT_FALSE(tree->makeContextMenu(path)->findChild<QAction*>("actionRename")->isEnabled())
+            << path.toStdString();
+    const auto triggerRename = [&] {
+        const std::unique_ptr<QMenu> menu = tree->makeContextMenu(result);
+        QAction* rename = menu->findChild<QAction*>("actionRename");
+        ASSERT_TRUE(rename && rename->isEnabled());
+        rename->trigger();
+    };
+    triggerRename();
+    triggerRename();
+    EXPECT_EQ(messages, QStringList({"The new name is empty.", "A name cannot contain <b>/</b>."}));
+    EXPECT_NE(tree->node(result), nullptr);
+    triggerRename();
+    EXPECT_EQ(labels.first(), QStringLiteral("New name of <b>%1</b>:|FilteredSignals1").arg(result));
+    EXPECT_EQ(tree->node(result), nullptr);
+    ASSERT_NE(tree->node(renamed + QStringLiteral("/S1/Signal")), nullptr);
+    EXPECT_EQ(tree->selectedPaths(), QStringList({renamed}));
+    EXPECT_EQ(status.last(), QStringLiteral("Renamed %1 to %2").arg(result, renamed));
+    EXPECT_EQ(messages.size(), 2);
+}
+
+TEST(DatasetBrowsing, AFailedCompactionIsReportedWithItsTitle)
+{
+    TempDir dir;
+    const QString file = dir.file("notes.orvel");
+    {
+        QFile text(file);
+        ASSERT_TRUE(text.open(QIODevice::WriteOnly));
+        text.write("no data file");
+    }
+    QWidget parent;
+    DataFileEditing editing(&parent, [](const QString&) {});
+    QStringList shown;
+    editing.setMessagePresenter([&](const QString& title, const QString& message, int icon) {
+        shown << title << message << QString::number(icon);
+    });
+    EXPECT_FALSE(editing.compact(file));
+    EXPECT_EQ(shown, QStringList({"Error File Repacking", "Failed to repack file <b>notes.orvel</b>.",
+                                  QString::number(QMessageBox::Critical)}));
 }
 
 TEST(DatasetBrowsing, ReloadShowsNewDataAndKeepsTheView)
