@@ -37,11 +37,13 @@ const QMap<QString, QStringList>& optionsOfSource()
     static const QMap<QString, QStringList> options{
         {tiffOption, {"--rate", "--timestamps", "--device", "--sensor", "--series", "--into"}},
         {videoOption, {"--device", "--sensor", "--series", "--into"}},
-        {csvOption, {"--time-column", "--time-unit", "--event-columns", "--device", "--series", "--into"}},
+        {csvOption,
+         {"--time-column", "--time-unit", "--event-columns", "--trigger-columns", "--unit", "--device",
+          "--series", "--into"}},
         {v5Option, {"--into"}},
         {fileSource,
          {"--device", "--series", "--into", "--stores", "--digital-inputs", "--sensor", "--rate",
-          "--timestamps", "--time-column", "--time-unit", "--event-columns"}},
+          "--timestamps", "--time-column", "--time-unit", "--event-columns", "--trigger-columns", "--unit"}},
     };
     return options;
 }
@@ -170,6 +172,13 @@ bool spreadsheetFrom(const Arguments& parsed, SpreadsheetConversionConfig& confi
         }
         config.eventColumns.push_back(*column - 1);
     }
+    if (!parseTriggerColumns(parsed.values.value(QStringLiteral("--trigger-columns")),
+                             config.triggerColumns)) {
+        problem = QStringLiteral("--trigger-columns takes column numbers from 1, each with an optional "
+                                 "threshold after a colon (6 or 6:2.5), separated by commas");
+        return false;
+    }
+    config.signalUnit = parsed.values.value(QStringLiteral("--unit"));
     return true;
 }
 
@@ -276,7 +285,8 @@ const char* ConvertCommand::usage()
            "       zarvi-cli convert --video PATH [--as-stack] --device NAME [--sensor NAME]\n"
            "                         [--series N] --into FILE.orvel\n"
            "       zarvi-cli convert --csv PATH --time-column N [--time-unit s|ms|us|min]\n"
-           "                         [--event-columns I,J] --device NAME [--series N] --into FILE.orvel\n"
+           "                         [--event-columns I,J] [--trigger-columns K[:LEVEL],...] [--unit UNIT]\n"
+           "                         --device NAME [--series N] --into FILE.orvel\n"
            "       zarvi-cli convert --v5 FILE [--into NEW.orvel]\n"
            "FILE's format is taken from its content: a pyPhotometry .ppd, a Neurophotometrics .csv\n"
            "(--digital-inputs: its digital-input .csv), a TDT block folder (--stores: the stores to\n"

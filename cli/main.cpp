@@ -36,7 +36,7 @@ const char* usage =
     "          [--series N] --into FILE.orvel\n"
     "  convert --video PATH [--as-stack] --device NAME [--sensor NAME] [--series N] --into FILE.orvel\n"
     "  convert --csv PATH --time-column N [--time-unit s|ms|us|min] [--event-columns I,J]\n"
-    "          --device NAME [--series N] --into FILE.orvel\n"
+    "          [--trigger-columns K[:LEVEL],...] [--unit UNIT] --device NAME [--series N] --into FILE.orvel\n"
     "  convert --v5 FILE [--into NEW.orvel]\n"
     "                            bring files into a data file (Ctrl-C cancels)\n"
     "  export FILE --data PATH... --to OUT.(csv|xlsx|tif) [--frames A:B]\n"

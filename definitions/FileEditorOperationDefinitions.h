@@ -136,6 +136,11 @@ public:
     {
         return tr("Column %1 cannot be both the time column and an event column.");
     }
+    static QString twoRolesColumnMessage() { return tr("Column %1 is given two roles; choose one."); }
+    static QString triggerWithoutTimeMessage()
+    {
+        return tr("A trigger column needs the time column: its edges are taken at the times of the samples.");
+    }
     static QString emptyTableMessage() { return tr("The table to export has no columns."); }
     static QString tooManySheetColumnsMessage()
     {
@@ -364,6 +369,36 @@ public:
     static QString eventColumnsMessage()
     {
         return tr("Event columns are column numbers from 1, separated by commas, not <b>%1</b>.");
+    }
+    static QString triggerColumnsLabel() { return tr("Trigger columns"); }
+    static QString triggerColumnsPlaceholder() { return tr("e.g. 6 or 6:2.5 (column:threshold)"); }
+    static QString triggerColumnsTooltip()
+    {
+        return tr("Columns that record a digital line sample by sample (0/1 or two voltage levels). A "
+                  "rising edge becomes an onset and a falling edge an offset. The line is high above the "
+                  "threshold: half-way between the column's lowest and highest values, or the number "
+                  "typed after a colon.");
+    }
+    static QString triggerColumnsMessage()
+    {
+        return tr("Trigger columns are column numbers from 1, each with an optional threshold after a "
+                  "colon, separated by commas, not <b>%1</b>.");
+    }
+    static QString signalUnitLabel() { return tr("Unit of the signals"); }
+    static QString columnPreviewTooltip()
+    {
+        return tr("The first rows of the file, each column with the role it takes in the conversion.");
+    }
+    static QString timeRoleText() { return tr("Time"); }
+    static QString signalRoleText() { return tr("Signal"); }
+    static QString signalWithUnitRoleText() { return tr("Signal (%1)"); }
+    static QString eventRoleText() { return tr("Event times"); }
+    static QString triggerRoleText() { return tr("Trigger, high above half-way"); }
+    static QString triggerLevelRoleText() { return tr("Trigger, high above %1"); }
+    static QString signalUnitTooltip()
+    {
+        return tr("The unit of the value columns, used for a column whose header names no unit, as "
+                  "\"Green (V)\" does.");
     }
 
     // Labels of the Export dialog.

@@ -1,5 +1,7 @@
 #include "fileeditor/ConvertDialog.h"
 
+#include "fileeditor/CsvColumnPreview.h"
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
@@ -149,6 +151,19 @@ void ConvertDialog::buildWidgets()
     m_eventColumns->setObjectName(QStringLiteral("le_eventColumns"));
     m_eventColumns->setPlaceholderText(Texts::eventColumnsPlaceholder());
     columnsForm->addRow(Texts::eventColumnsLabel(), m_eventColumns);
+    m_triggerColumns = new QLineEdit(m_columns);
+    m_triggerColumns->setObjectName(QStringLiteral("le_triggerColumns"));
+    m_triggerColumns->setPlaceholderText(Texts::triggerColumnsPlaceholder());
+    m_triggerColumns->setToolTip(Texts::triggerColumnsTooltip());
+    columnsForm->addRow(Texts::triggerColumnsLabel(), m_triggerColumns);
+    m_signalUnit = new QLineEdit(m_columns);
+    m_signalUnit->setObjectName(QStringLiteral("le_signalUnit"));
+    m_signalUnit->setToolTip(Texts::signalUnitTooltip());
+    columnsForm->addRow(Texts::signalUnitLabel(), m_signalUnit);
+    m_columnPreview = new CsvColumnPreview(m_columns);
+    m_columnPreview->setObjectName(QStringLiteral("tw_columnPreview"));
+    m_columnPreview->setMinimumHeight(200);
+    columnsForm->addRow(m_columnPreview);
     auto* note = new QLabel(Texts::spreadsheetNoteText(), m_columns);
     note->setObjectName(QStringLiteral("lb_spreadsheetNote"));
     note->setWordWrap(true);
@@ -186,6 +201,15 @@ void ConvertDialog::buildWidgets()
     layout->addLayout(buttons);
 
     connect(m_sourceType, &QComboBox::currentIndexChanged, this, &ConvertDialog::updateVisibility);
+    // The preview follows the file and every field that gives a column its role.
+    connect(m_source, &QLineEdit::textChanged, this, [this] {
+        if (sourceType() == Spreadsheet)
+            m_columnPreview->setSource(m_source->text().trimmed());
+    });
+    connect(m_timeColumn, &QSpinBox::valueChanged, this, &ConvertDialog::updateColumnRoles);
+    for (QLineEdit* field : {m_eventColumns, m_triggerColumns, m_signalUnit})
+        connect(field, &QLineEdit::textChanged, this, &ConvertDialog::updateColumnRoles);
+    updateColumnRoles();
     connect(m_asStack, &QCheckBox::toggled, this, &ConvertDialog::updateVisibility);
     connect(m_nextSeries, &QCheckBox::toggled, this, &ConvertDialog::updateVisibility);
     connect(m_useRate, &QRadioButton::toggled, this, &ConvertDialog::updateVisibility);
@@ -215,11 +239,31 @@ void ConvertDialog::updateVisibility()
     m_timestamps->setEnabled(!m_useRate->isChecked());
     m_asStack->setVisible(type == Video);
     m_columns->setVisible(type == Spreadsheet);
+    if (type == Spreadsheet)
+        m_columnPreview->setSource(m_source->text().trimmed());
     // A version-5 file is copied into a new file of its own.
     m_existingFile->setEnabled(type != Version5);
     if (type == Version5)
         m_newFile->setChecked(true);
     m_target->setPlaceholderText(type == Version5 ? Texts::version6TargetPlaceholder() : QString());
+}
+
+void ConvertDialog::updateColumnRoles()
+{
+    // Fields that do not parse yet keep the roles shown; Convert says what is wrong.
+    CsvColumnRoles roles;
+    roles.timeColumn = m_timeColumn->value() - 1;
+    for (const QString& text : m_eventColumns->text().split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        bool ok = false;
+        const int column = text.trimmed().toInt(&ok);
+        if (!ok || column < 1)
+            return;
+        roles.eventColumns.push_back(column - 1);
+    }
+    if (!parseTriggerColumns(m_triggerColumns->text(), roles.triggerColumns))
+        return;
+    roles.signalUnit = m_signalUnit->text().trimmed();
+    m_columnPreview->setRoles(roles);
 }
 
 void ConvertDialog::browseSource()
@@ -343,6 +387,11 @@ std::optional<ConversionRequest> ConvertDialog::buildRequest(QString& problem) c
             }
             config.eventColumns.push_back(column - 1);
         }
+        if (!parseTriggerColumns(m_triggerColumns->text(), config.triggerColumns)) {
+            problem = Texts::triggerColumnsMessage().arg(m_triggerColumns->text());
+            return std::nullopt;
+        }
+        config.signalUnit = m_signalUnit->text().trimmed();
         return config;
     }
     TiffStackConversionConfig config;

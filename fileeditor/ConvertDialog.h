@@ -19,6 +19,8 @@ class QSpinBox;
 
 namespace zarvi {
 
+class CsvColumnPreview;
+
 /// The Convert window of the main window's actionConvert / tb_convert: the kind of
 /// source (TIFF file or folder, video, .csv table, version-5 file), its path, the device,
 /// sensor and series names, the frame times (rate or timestamps file), the time and event
@@ -61,6 +63,8 @@ private:
     void buildWidgets();
     void updateVisibility();
     void browseSource();
+    /// Shows in the preview the roles the column fields give.
+    void updateColumnRoles();
     void browseTimestamps();
     void browseTarget();
     SourceType sourceType() const;
@@ -85,6 +89,9 @@ private:
     QSpinBox* m_timeColumn = nullptr;
     QComboBox* m_timeUnit = nullptr;
     QLineEdit* m_eventColumns = nullptr;
+    QLineEdit* m_triggerColumns = nullptr;
+    QLineEdit* m_signalUnit = nullptr;
+    CsvColumnPreview* m_columnPreview = nullptr;
     QRadioButton* m_existingFile = nullptr;
     QRadioButton* m_newFile = nullptr;
     QLineEdit* m_target = nullptr;

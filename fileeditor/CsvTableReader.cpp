@@ -1,16 +1,20 @@
 #include "fileeditor/CsvTableReader.h"
 
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
+#include "fileeditor/DigitalEdges.h"
 
 namespace zarvi {
 
@@ -28,7 +32,8 @@ struct ColumnRole
     {
         Time,
         Data,
-        Event
+        Event,
+        Trigger
     } kind = Data;
     std::size_t slot = 0;
 };
@@ -168,6 +173,8 @@ QString assignRoles(const CsvTableReaderConfig& config, std::size_t columnCount,
     };
     if (config.timeColumn != -1 && missing(config.timeColumn))
         return Texts::missingColumnMessage().arg(config.timeColumn + 1).arg(columnCount);
+    if (!config.triggerColumns.empty() && config.timeColumn < 0)
+        return Texts::triggerWithoutTimeMessage();
     roles.assign(columnCount, ColumnRole());
     if (config.timeColumn >= 0)
         roles[config.timeColumn].kind = ColumnRole::Time;
@@ -181,6 +188,14 @@ QString assignRoles(const CsvTableReaderConfig& config, std::size_t columnCount,
         if (roles[column].kind != ColumnRole::Event)
             roles[column] = ColumnRole{ColumnRole::Event, events++};
     }
+    std::size_t triggers = 0;
+    for (const CsvTriggerColumn& trigger : config.triggerColumns) {
+        if (missing(trigger.column))
+            return Texts::missingColumnMessage().arg(trigger.column + 1).arg(columnCount);
+        if (roles[trigger.column].kind != ColumnRole::Data)
+            return Texts::twoRolesColumnMessage().arg(trigger.column + 1);
+        roles[trigger.column] = ColumnRole{ColumnRole::Trigger, triggers++};
+    }
     std::size_t data = 0;
     for (ColumnRole& role : roles) {
         if (role.kind == ColumnRole::Data)
@@ -189,39 +204,133 @@ QString assignRoles(const CsvTableReaderConfig& config, std::size_t columnCount,
     return QString();
 }
 
-/// Names every column from the header cells (empty when there is no header); columns
-/// without a header text get the generated names.
-void nameColumns(const std::vector<std::string_view>& header, const std::vector<ColumnRole>& roles,
-                 CsvTable& table)
+/// A time unit named in a header, for event columns whose times are written in it.
+std::optional<TimeUnit> timeUnitNamed(const QString& unit)
 {
+    const QString u = unit.toLower();
+    if (u == QStringLiteral("s") || u == QStringLiteral("sec") || u == QStringLiteral("seconds"))
+        return TimeUnit::Seconds;
+    if (u == QStringLiteral("ms"))
+        return TimeUnit::Milliseconds;
+    if (u == QStringLiteral("us") || u == QString::fromUtf8("\u00b5s"))
+        return TimeUnit::Microseconds;
+    if (u == QStringLiteral("min"))
+        return TimeUnit::Minutes;
+    return std::nullopt;
+}
+
+/// Names every column from the header cells (empty when there is no header); columns
+/// without a header text get the generated names. Returns each column's unit.
+QStringList nameColumns(const std::vector<std::string_view>& header, const std::vector<ColumnRole>& roles,
+                        CsvTable& table)
+{
+    QStringList units;
     for (std::size_t c = 0; c < roles.size(); ++c) {
-        QString name = c < header.size()
-                           ? QString::fromUtf8(header[c].data(), static_cast<qsizetype>(header[c].size()))
-                           : QString();
+        auto [name, unit] = splitHeaderUnit(
+            c < header.size() ? QString::fromUtf8(header[c].data(), static_cast<qsizetype>(header[c].size()))
+                              : QString());
         if (name.isEmpty()) {
             const ColumnRole& role = roles[c];
             if (role.kind == ColumnRole::Time)
                 name = FileDefinitions::TimeKey;
             else if (role.kind == ColumnRole::Event)
                 name = FileDefinitions::EventPattern.arg(role.slot + 1);
+            else if (role.kind == ColumnRole::Trigger)
+                name = FileDefinitions::EventPattern.arg(table.events.size() + role.slot + 1);
             else
                 name = FileDefinitions::SensorPattern.arg(role.slot + 1);
         }
         table.columnNames.append(name);
+        units.append(unit);
     }
     for (std::size_t c = 0; c < roles.size(); ++c) {
         if (roles[c].kind == ColumnRole::Data)
-            table.columns.push_back(CsvColumn{table.columnNames[c], {}});
+            table.columns.push_back(CsvColumn{table.columnNames[c], units[c], {}});
     }
-    table.events.resize(std::count_if(roles.begin(), roles.end(),
-                                      [](const ColumnRole& role) { return role.kind == ColumnRole::Event; }));
     for (std::size_t c = 0; c < roles.size(); ++c) {
         if (roles[c].kind == ColumnRole::Event)
-            table.events[roles[c].slot].name = table.columnNames[c];
+            table.events[roles[c].slot] = CsvColumn{table.columnNames[c], units[c], {}};
+        else if (roles[c].kind == ColumnRole::Trigger)
+            table.triggers[roles[c].slot].name = table.columnNames[c];
     }
+    return units;
+}
+
+/// The pulses of a sampled digital line: high above the threshold (half-way between the
+/// lowest and highest values unless one is given).
+void findPulses(const std::vector<double>& values, const std::vector<double>& time,
+                std::optional<double> threshold, CsvPulses& pulses)
+{
+    if (values.empty())
+        return;
+    const auto [low, high] = std::minmax_element(values.begin(), values.end());
+    pulses.threshold = threshold.value_or(*low + (*high - *low) / 2.0);
+    DigitalEdges edges;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        edges.add(values[i] > pulses.threshold, time[i]);
+    edges.finish();
+    pulses.onsets = edges.onsets();
+    pulses.offsets = edges.offsets();
 }
 
 } // namespace
+
+std::pair<QString, QString> splitHeaderUnit(const QString& header)
+{
+    static const QRegularExpression withUnit(QStringLiteral("^(.*\\S)\\s*\\(([^()]+)\\)\\s*$"));
+    const QRegularExpressionMatch match = withUnit.match(header.trimmed());
+    if (!match.hasMatch())
+        return {header.trimmed(), QString()};
+    return {match.captured(1), match.captured(2).trimmed()};
+}
+
+bool parseTriggerColumns(const QString& text, std::vector<CsvTriggerColumn>& columns)
+{
+    columns.clear();
+    for (const QString& item : text.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        const QStringList parts = item.split(QLatin1Char(':'));
+        bool ok = parts.size() <= 2;
+        CsvTriggerColumn trigger;
+        trigger.column = ok ? parts[0].trimmed().toInt(&ok) - 1 : -1;
+        if (ok && parts.size() == 2) {
+            trigger.threshold = parts[1].trimmed().toDouble(&ok);
+            ok = ok && std::isfinite(*trigger.threshold);
+        }
+        if (!ok || trigger.column < 0)
+            return false;
+        columns.push_back(trigger);
+    }
+    return true;
+}
+
+CsvPreview CsvTableReader::preview(const QString& path, int lineCount, CsvDelimiter delimiter)
+{
+    CsvPreview preview;
+    std::ifstream in(std::filesystem::path(path.toStdU16String()), std::ios::binary);
+    if (!QFileInfo(path).isFile() || !in) {
+        preview.error = Texts::unableToOpenMessage().arg(path);
+        return preview;
+    }
+    std::string line;
+    std::vector<std::string_view> cells;
+    char used = 0;
+    while (static_cast<int>(preview.lines.size()) < lineCount && std::getline(in, line)) {
+        if (preview.lines.empty() && used == 0 && line.starts_with("\xEF\xBB\xBF"))
+            line.erase(0, 3);
+        if (!line.empty() && line.back() == '\r')
+            line.pop_back();
+        if (isBlankLine(line))
+            continue;
+        if (used == 0)
+            used = delimiterOf(delimiter, line);
+        splitLine(line, used, cells);
+        QStringList texts;
+        for (const std::string_view cell : cells)
+            texts << QString::fromUtf8(cell.data(), static_cast<qsizetype>(cell.size()));
+        preview.lines.push_back(texts);
+    }
+    return preview;
+}
 
 CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feedback)
 {
@@ -248,6 +357,9 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
     std::size_t rows = 0;
     bool headerPending = config.hasHeader;
     bool allowDecimalComma = false;
+    // Trigger columns are held as sampled until their levels are known.
+    std::vector<std::vector<double>> triggerValues;
+    std::vector<TimeUnit> eventUnits;
 
     while (std::getline(in, line)) {
         ++lineNumber;
@@ -277,7 +389,18 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
             table.error = assignRoles(config, columnCount, roles);
             if (!table.error.isEmpty())
                 return table;
-            nameColumns(headerPending ? cells : std::vector<std::string_view>(), roles, table);
+            table.events.resize(std::count_if(roles.begin(), roles.end(), [](const ColumnRole& role) {
+                return role.kind == ColumnRole::Event;
+            }));
+            table.triggers.resize(config.triggerColumns.size());
+            triggerValues.resize(config.triggerColumns.size());
+            eventUnits.assign(table.events.size(), config.timeUnit);
+            const QStringList units =
+                nameColumns(headerPending ? cells : std::vector<std::string_view>(), roles, table);
+            for (std::size_t c = 0; c < roles.size(); ++c) {
+                if (roles[c].kind == ColumnRole::Event)
+                    eventUnits[roles[c].slot] = timeUnitNamed(units[c]).value_or(config.timeUnit);
+            }
             // Room for all rows, judged from the length of the first line.
             const std::size_t expectedRows = static_cast<std::size_t>(info.size()) / (line.size() + 1) + 1;
             if (config.timeColumn >= 0)
@@ -317,7 +440,10 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
                 table.time.push_back(toSeconds(value, config.timeUnit));
                 break;
             case ColumnRole::Event:
-                table.events[role.slot].values.push_back(toSeconds(value, config.timeUnit));
+                table.events[role.slot].values.push_back(toSeconds(value, eventUnits[role.slot]));
+                break;
+            case ColumnRole::Trigger:
+                triggerValues[role.slot].push_back(value);
                 break;
             case ColumnRole::Data:
                 table.columns[role.slot].values.push_back(value);
@@ -333,6 +459,8 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
         table.error = Texts::emptyFileMessage().arg(config.path);
     else if (rows == 0)
         table.error = Texts::noDataRowsMessage().arg(config.path);
+    for (std::size_t t = 0; table.ok() && t < triggerValues.size(); ++t)
+        findPulses(triggerValues[t], table.time, config.triggerColumns[t].threshold, table.triggers[t]);
     return table;
 }
 

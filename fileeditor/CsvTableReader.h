@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "datafile/Feedback.h"
@@ -29,6 +31,24 @@ enum class TimeUnit
     Minutes
 };
 
+/// A column recording a digital line (0/1, or two voltage levels) sample by sample.
+struct CsvTriggerColumn
+{
+    /// Column from 0.
+    int column = 0;
+    /// A value above it is high; when absent, half-way between the column's lowest and
+    /// highest values.
+    std::optional<double> threshold;
+};
+
+/// Splits a header text "Name (unit)" into the name and the unit; a header without a
+/// trailing parenthesis is all name.
+std::pair<QString, QString> splitHeaderUnit(const QString& header);
+
+/// Reads "6" or "6:2.5" items separated by commas (columns from 1, thresholds after a
+/// colon) into 0-based trigger columns; false on any other text.
+bool parseTriggerColumns(const QString& text, std::vector<CsvTriggerColumn>& columns);
+
 struct CsvTableReaderConfig
 {
     QString path;
@@ -40,12 +60,27 @@ struct CsvTableReaderConfig
     TimeUnit timeUnit = TimeUnit::Seconds;
     /// Columns (from 0) whose cells are event times; their empty cells are skipped.
     std::vector<int> eventColumns;
+    /// Columns whose rising edges are onsets and falling edges offsets.
+    std::vector<CsvTriggerColumn> triggerColumns;
 };
 
 struct CsvColumn
 {
     QString name;
+    /// The unit written in the header after the name, "Name (unit)"; empty without one.
+    QString unit;
     std::vector<double> values;
+};
+
+/// The pulses of a trigger column, in seconds: onset k is the time of the first high
+/// sample of pulse k, offset k the time of the first low sample after it (or the last
+/// sample, for a pulse still high at the end).
+struct CsvPulses
+{
+    QString name;
+    double threshold = 0.0;
+    std::vector<double> onsets;
+    std::vector<double> offsets;
 };
 
 /// The parsed table, or why the file could not be read.
@@ -53,20 +88,32 @@ struct CsvTable
 {
     /// The delimiter that was used.
     char delimiter = ',';
-    /// Every column's name in file order: the header texts, or generated names ("Time",
-    /// "Sensor%1" for the data columns and "Event%1" for the event columns, each
-    /// numbered from 1) when there is no header or a header cell is empty.
+    /// Every column's name in file order: the header texts without a trailing unit in
+    /// parentheses, or generated names ("Time", "Sensor%1" for the data columns and
+    /// "Event%1" for the event and trigger columns, each numbered from 1) when there is
+    /// no header or a header cell is empty.
     QStringList columnNames;
     /// The time column in seconds; empty when there is none.
     std::vector<double> time;
     /// The numeric columns other than time and events, in file order, one value per row.
     std::vector<CsvColumn> columns;
-    /// The event columns in the order configured, as event times in seconds.
+    /// The event columns in the order configured, as event times in seconds; a time unit
+    /// in the column's header ("Reward (ms)") takes the place of the configured one.
     std::vector<CsvColumn> events;
+    /// The trigger columns in the order configured.
+    std::vector<CsvPulses> triggers;
     QString error;
     bool canceled = false;
 
     bool ok() const { return error.isEmpty(); }
+};
+
+/// The first lines of a table as text, to show before converting it.
+struct CsvPreview
+{
+    /// One text per cell, the first line included; each line as long as the file has it.
+    std::vector<QStringList> lines;
+    QString error;
 };
 
 /// Parses a delimited text table of numbers (.csv, .txt) for the spreadsheet conversion.
@@ -79,6 +126,9 @@ class CsvTableReader
 {
 public:
     static CsvTable read(const CsvTableReaderConfig& config, Feedback* feedback = nullptr);
+    /// The first `lineCount` non-blank lines split into cells as read() splits them.
+    static CsvPreview preview(const QString& path, int lineCount,
+                              CsvDelimiter delimiter = CsvDelimiter::Automatic);
 };
 
 } // namespace zarvi

@@ -80,8 +80,10 @@ bool writeSignals(const SpreadsheetConversionConfig& config, CsvTable& table, Co
             return false;
         }
         signal.values = std::move(column.values);
-        if (!SignalDataset::write(target.file(), groupPath, signal, {{FD::Username, column.name}},
-                                  result.error))
+        QVariantMap attributes{{FD::Username, column.name}};
+        if (const QString unit = column.unit.isEmpty() ? config.signalUnit : column.unit; !unit.isEmpty())
+            attributes.insert(FD::Unit, unit);
+        if (!SignalDataset::write(target.file(), groupPath, signal, attributes, result.error))
             return false;
         signal.values = std::vector<double>();
         result.datapaths << SignalDataset::valuesPath(groupPath);
@@ -90,11 +92,39 @@ bool writeSignals(const SpreadsheetConversionConfig& config, CsvTable& table, Co
     return true;
 }
 
-/// Writes one event array [events, 1] per event column into one Events series.
+/// One event array as it is stored: rows of (onset) or (onset, offset).
+struct StoredEvents
+{
+    QString name;
+    /// Row-major, `columns` values a row.
+    std::vector<double> values;
+    hsize_t columns = 1;
+};
+
+/// The event columns sorted, then the trigger columns' pulses, in the order configured.
+std::vector<StoredEvents> eventArrays(CsvTable& table)
+{
+    std::vector<StoredEvents> arrays;
+    for (CsvColumn& column : table.events) {
+        std::sort(column.values.begin(), column.values.end());
+        arrays.push_back({column.name, std::move(column.values), 1});
+    }
+    for (const CsvPulses& pulses : table.triggers) {
+        StoredEvents stored{pulses.name, {}, 2};
+        stored.values.reserve(2 * pulses.onsets.size());
+        for (std::size_t k = 0; k < pulses.onsets.size(); ++k)
+            stored.values.insert(stored.values.end(), {pulses.onsets[k], pulses.offsets[k]});
+        arrays.push_back(std::move(stored));
+    }
+    return arrays;
+}
+
+/// Writes the event and trigger columns as event arrays into one Events series.
 bool writeEvents(const SpreadsheetConversionConfig& config, CsvTable& table, ConversionTarget& target,
                  ConversionResult& result, ProgressTracker& progress, std::size_t& done)
 {
-    if (table.events.empty())
+    std::vector<StoredEvents> arrays = eventArrays(table);
+    if (arrays.empty())
         return true;
     const ConversionDestination& to = config.destination;
     const int series = target.seriesNumber(to.device, FD::Events, to.series);
@@ -108,27 +138,27 @@ bool writeEvents(const SpreadsheetConversionConfig& config, CsvTable& table, Con
     const QString source = QFileInfo(config.sourcePath).absoluteFilePath();
     QSet<QString> used;
     bool ok = true;
-    for (std::size_t e = 0; ok && e < table.events.size(); ++e) {
-        CsvColumn& column = table.events[e];
-        const QString name = storedName(column.name, FD::EventPattern.arg(e + 1), used);
-        if (name != column.name)
-            result.notes << Texts::renamedColumnMessage().arg(column.name, name);
+    for (std::size_t e = 0; ok && e < arrays.size(); ++e) {
+        const StoredEvents& array = arrays[e];
+        const QString name = storedName(array.name, FD::EventPattern.arg(e + 1), used);
+        if (name != array.name)
+            result.notes << Texts::renamedColumnMessage().arg(array.name, name);
         const QString path = seriesPath + QLatin1Char('/') + name;
         if (file.exists(group, name)) {
             result.error = Texts::pathExistsMessage().arg(path, config.destination.filepath);
             ok = false;
             break;
         }
-        std::vector<double>& times = column.values;
-        std::sort(times.begin(), times.end());
-        const hsize_t n = times.size();
-        const hid_t dataset = file.createDataset(group, ElementKind::Float64, name, 2, {H5S_UNLIMITED, 1},
-                                                 {std::clamp<hsize_t>(n, 1, 65536), 1}, {n, 1}, 0);
+        const hsize_t n = array.values.size() / array.columns;
+        const hid_t dataset =
+            file.createDataset(group, ElementKind::Float64, name, 2, {H5S_UNLIMITED, array.columns},
+                               {std::clamp<hsize_t>(n, 1, 65536), array.columns}, {n, array.columns}, 0);
         if (dataset >= 0)
             target.track(path);
-        ok = dataset >= 0 && (n == 0 || file.write(dataset, times.data(), {0, 0}, {n, 1})) &&
+        ok = dataset >= 0 &&
+             (n == 0 || file.write(dataset, array.values.data(), {0, 0}, {n, array.columns})) &&
              file.writeAttribute(dataset, FD::Unit, Texts::SecondsUnit) &&
-             file.writeAttribute(dataset, FD::Username, column.name) &&
+             file.writeAttribute(dataset, FD::Username, array.name) &&
              file.writeAttribute(dataset, FD::SourceFilepath, source);
         if (!ok)
             result.error =
@@ -193,6 +223,7 @@ ConversionResult SpreadsheetConverter::convert(const SpreadsheetConversionConfig
     csv.timeColumn = config.timeColumn;
     csv.timeUnit = config.timeUnit;
     csv.eventColumns = config.eventColumns;
+    csv.triggerColumns = config.triggerColumns;
     ScaledFeedback reading(feedback, 0, ReadPercent);
     CsvTable table = CsvTableReader::read(csv, &reading);
     if (!table.ok()) {
@@ -200,7 +231,7 @@ ConversionResult SpreadsheetConverter::convert(const SpreadsheetConversionConfig
         result.canceled = table.canceled;
         return result;
     }
-    if (table.columns.empty() && table.events.empty()) {
+    if (table.columns.empty() && table.events.empty() && table.triggers.empty()) {
         result.error = Texts::noValueColumnsMessage().arg(config.sourcePath);
         return result;
     }
@@ -208,7 +239,8 @@ ConversionResult SpreadsheetConverter::convert(const SpreadsheetConversionConfig
     ConversionTarget target;
     if (!target.open(to.filepath, false, result.error))
         return result;
-    ProgressTracker progress(feedback, table.columns.size() + table.events.size(), ReadPercent, 100);
+    ProgressTracker progress(feedback, table.columns.size() + table.events.size() + table.triggers.size(),
+                             ReadPercent, 100);
     std::size_t done = 0;
     if (!writeSignals(config, table, target, result, progress, done) ||
         !writeEvents(config, table, target, result, progress, done) || !target.commit(result.error)) {

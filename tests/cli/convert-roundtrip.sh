@@ -14,3 +14,13 @@ printf 'Time (s),Green\n0,1.5\n0.5,2.5\n1,3.5\n' | cmp - green.csv
 test ! -e copy.orvel
 "$cli" convert --tiff missing.tif --rate 10 --device D --sensor S --into none.orvel && exit 1 || test $? -eq 1
 test ! -e none.orvel
+# A 0/5 V trigger column read at its half-way level, a unit from the header and one typed.
+printf 'Time,Green (V),Red,TTL\n0,1,2,0\n0.1,1,2,5\n0.2,1,2,5\n0.3,1,2,0\n' > ttl.csv
+"$cli" convert --csv ttl.csv --time-column 1 --trigger-columns 4 --unit mV --device Rig --into ttl.orvel
+"$cli" info ttl.orvel | grep -q 'TTL  float64 \[1 x 2\]'
+"$cli" export ttl.orvel --data DataConverted/Rig/Events/Series1/TTL --to ttl-out.csv
+grep -qx 'Event1,0.1,0.3' ttl-out.csv
+"$cli" info ttl.orvel | grep -q '@Unit = "mV"'
+"$cli" convert --csv ttl.csv --time-column 1 --trigger-columns 4:x --device Rig --into bad.orvel && exit 1 ||
+  test $? -eq 2
+test ! -e bad.orvel

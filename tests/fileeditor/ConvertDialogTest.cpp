@@ -17,6 +17,7 @@
 #include "datafile/SignalDataset.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "fileeditor/ConvertDialog.h"
+#include "fileeditor/CsvColumnPreview.h"
 #include "fileeditor/ExportDialog.h"
 #include "fileeditor/TiffStackReader.h"
 #include "fileeditor/TiffStackWriter.h"
@@ -99,6 +100,41 @@ TEST(ConvertDialog, BuildsRequestFromWidgetsAndConvertsOffTheGuiThread)
     child<QLineEdit>(dialog, "le_device")->setText(QStringLiteral("Images"));
     EXPECT_FALSE(dialog.buildRequest(problem));
     EXPECT_TRUE(problem.startsWith(QStringLiteral("The device name <b>Images</b> cannot be used")));
+}
+
+TEST(ConvertDialog, PreviewsTheFirstRowsWithTheRoleOfEachColumn)
+{
+    test::TempDir dir;
+    const QString csv = dir.file(QStringLiteral("roles.csv"));
+    test::writeText(csv, "Time,Green (V),Red,Cue\n0,1,2,0\n0.1,1,2,1\n0.2,1,2,1\n");
+    ConvertDialog dialog(QString(), nullptr);
+    child<QComboBox>(dialog, "cb_sourceType")->setCurrentIndex(ConvertDialog::Spreadsheet);
+    child<QLineEdit>(dialog, "le_source")->setText(csv);
+    child<QLineEdit>(dialog, "le_signalUnit")->setText(QStringLiteral("mV"));
+    child<QLineEdit>(dialog, "le_triggerColumns")->setText(QStringLiteral("4:0.5"));
+    const auto* preview = child<CsvColumnPreview>(dialog, "tw_columnPreview");
+    ASSERT_EQ(preview->columnCount(), 4);
+    EXPECT_EQ(preview->horizontalHeaderItem(1)->text(), "2: Green");
+    EXPECT_EQ(preview->roleText(0), "Time");
+    EXPECT_EQ(preview->roleText(1), "Signal (V)");
+    EXPECT_EQ(preview->roleText(2), "Signal (mV)");
+    EXPECT_EQ(preview->roleText(3), "Trigger, high above 0.5");
+    // The role row, then the three data rows as written.
+    ASSERT_EQ(preview->rowCount(), 4);
+    EXPECT_EQ(preview->item(3, 0)->text(), "0.2");
+    child<QLineEdit>(dialog, "le_triggerColumns")->clear();
+    child<QLineEdit>(dialog, "le_eventColumns")->setText(QStringLiteral("4"));
+    EXPECT_EQ(preview->roleText(3), "Event times");
+
+    child<QLineEdit>(dialog, "le_eventColumns")->clear();
+    child<QLineEdit>(dialog, "le_triggerColumns")->setText(QStringLiteral("4:high"));
+    EXPECT_EQ(preview->roleText(3), "Signal (mV)"); // the last roles that parsed
+    child<QLineEdit>(dialog, "le_device")->setText(QStringLiteral("Rig"));
+    child<QLineEdit>(dialog, "le_target")->setText(dir.file(QStringLiteral("new.orvel")));
+    QString problem;
+    EXPECT_FALSE(dialog.buildRequest(problem));
+    EXPECT_EQ(problem, "Trigger columns are column numbers from 1, each with an optional threshold after a "
+                       "colon, separated by commas, not <b>4:high</b>.");
 }
 
 TEST(ConvertDialog, ShowsVersionRefusalsAsWarningsAndKeepsVersion5CopiesNew)

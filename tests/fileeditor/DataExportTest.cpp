@@ -102,8 +102,11 @@ TEST(DataExporter, ExportsSignalsWithTheirTimeExactly)
     read.path = csv;
     const CsvTable table = CsvTableReader::read(read);
     ASSERT_TRUE(table.ok()) << table.error.toStdString();
-    EXPECT_EQ(table.columnNames, (QStringList{"Time (s)", "Green (V)", "Red (mV)"}));
+    // The header's units read back as the columns' units.
+    EXPECT_EQ(table.columnNames, (QStringList{"Time", "Green", "Red"}));
     ASSERT_EQ(table.columns.size(), 2u);
+    EXPECT_EQ(table.columns[0].unit, "V");
+    EXPECT_EQ(table.columns[1].unit, "mV");
     EXPECT_EQ(table.time,
               test::storedValues(file, QStringLiteral("DataAcquisition/Rig/Signals/Series1/Green/Time")));
     EXPECT_EQ(table.columns[0].values, test::storedValues(file, greenPath));

@@ -4,6 +4,8 @@
 #include "fileeditor/SpreadsheetConverter.h"
 #include "framework/OperationRunner.h"
 
+#include <QFileInfo>
+
 namespace zarvi {
 namespace {
 
@@ -78,6 +80,56 @@ TEST(SpreadsheetConverter, TurnsColumnsIntoSignalsAndEventsThatOperationsAccept)
     EXPECT_EQ(second.datapaths.first(),
               QStringLiteral("DataConverted/Photometry/Signals/Series2/Green/Signal"));
     EXPECT_EQ(second.datapaths.last(), QStringLiteral("DataConverted/Photometry/Events/Series2/Lever"));
+}
+
+TEST(SpreadsheetConverter, TriggerColumnsBecomePulsesAndHeaderUnitsBecomeUnits)
+{
+    test::TempDir dir;
+    const QString csv = dir.file(QStringLiteral("triggers.csv"));
+    // A 0/1 line high on rows 2-3 and 6 (to the end), a 0/5 V line read with its
+    // half-way level 2.5 (high on rows 1 and 4-5), and the same 0/5 V line read with a
+    // typed level of 4.9 (4.8 stays low). Reward times are in milliseconds by the header.
+    test::writeText(csv, "Time,Green (V),Red,Cue,TTL (V),TTL2,Reward (ms)\n"
+                         "0.0,1,4,0,0,0,250\n"
+                         "0.1,2,5,0,5,4.8,\n"
+                         "0.2,3,6,1,0,0,\n"
+                         "0.3,4,7,1,0,0,1500\n"
+                         "0.4,5,8,0,5,5,\n"
+                         "0.5,6,9,0,5,5,\n"
+                         "0.6,7,1,1,0,0,\n");
+    const QString file = dir.file(QStringLiteral("triggers.orvel"));
+    SpreadsheetConversionConfig config = tableConfig(csv, file);
+    config.eventColumns = {6};
+    ASSERT_TRUE(parseTriggerColumns(QStringLiteral("4, 5,6:4.9"), config.triggerColumns));
+    config.signalUnit = QStringLiteral("mV");
+    const ConversionResult result = SpreadsheetConverter::convert(config);
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+
+    const QString series = QStringLiteral("DataConverted/Photometry/Signals/Series1/");
+    const QString events = QStringLiteral("DataConverted/Photometry/Events/Series1/");
+    EXPECT_EQ(result.datapaths,
+              (QStringList{series + "Green/Signal", series + "Red/Signal", events + "Reward", events + "Cue",
+                           events + "TTL", events + "TTL2"}));
+    // The header's unit, else the typed one.
+    EXPECT_EQ(test::storedDataset(file, series + "Green/Signal").attributes.value("Unit").toString(), "V");
+    EXPECT_EQ(test::storedDataset(file, series + "Red/Signal").attributes.value("Unit").toString(), "mV");
+    EXPECT_EQ(test::storedValues(file, events + "Reward"), (std::vector<double>{0.25, 1.5}));
+    // Onset: the first high sample; offset: the first low one, or the last sample.
+    const test::StoredDataset cue = test::storedDataset(file, events + "Cue");
+    EXPECT_EQ(cue.dimensions, (std::vector<hsize_t>{2, 2}));
+    EXPECT_EQ(test::storedValues(file, events + "Cue"), (std::vector<double>{0.2, 0.4, 0.6, 0.6}));
+    EXPECT_EQ(test::storedValues(file, events + "TTL"), (std::vector<double>{0.1, 0.2, 0.4, 0.6}));
+    EXPECT_EQ(test::storedValues(file, events + "TTL2"), (std::vector<double>{0.4, 0.6}));
+    EXPECT_EQ(cue.attributes.value("Username").toString(), "Cue");
+
+    // A trigger column must have the time to place its edges, and one role per column.
+    std::vector<CsvTriggerColumn> parsed;
+    EXPECT_FALSE(parseTriggerColumns(QStringLiteral("4:high"), parsed));
+    EXPECT_FALSE(parseTriggerColumns(QStringLiteral("0"), parsed));
+    config.destination.filepath = dir.file(QStringLiteral("refused.orvel"));
+    config.triggerColumns = {CsvTriggerColumn{6, {}}};
+    EXPECT_EQ(SpreadsheetConverter::convert(config).error, "Column 7 is given two roles; choose one.");
+    EXPECT_FALSE(QFileInfo::exists(config.destination.filepath));
 }
 
 TEST(SpreadsheetConverter, RefusesWorkbooksAndUnreadableTablesWithTheirLine)
