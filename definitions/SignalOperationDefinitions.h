@@ -69,6 +69,8 @@ public:
     static inline const QString SlopeOrder = QStringLiteral("SlopeOrder");
     static inline const QString StandardizeMethod = QStringLiteral("StandardizeMethod");
     static inline const QString ResidualThreshold = QStringLiteral("ResidualThreshold");
+    /// Attribute of a ΔF/F output: the share of samples (0 to 1) the line fit kept as inliers.
+    static inline const QString InlierFraction = QStringLiteral("InlierFraction");
 
     // Method names. "Running Average" names both a smoothing and a slope method.
     static inline const QString RunningAverage = QStringLiteral("Running Average");

@@ -112,10 +112,12 @@ QVariantMap RunTransaction::datasetAttributes(const QString& inputPath) const
 }
 
 QString RunTransaction::writeSignal(const QString& inputPath, const Signal& signal, QString& error,
-                                    const QString& sensor)
+                                    const QString& sensor, const QVariantMap& extra)
 {
     const QString group = sensorGroup(inputPath, error, sensor);
-    if (group.isEmpty() || !SignalDataset::write(m_file, group, signal, datasetAttributes(inputPath), error))
+    QVariantMap attributes = datasetAttributes(inputPath);
+    attributes.insert(extra);
+    if (group.isEmpty() || !SignalDataset::write(m_file, group, signal, attributes, error))
         return QString();
     return SignalDataset::valuesPath(group);
 }

@@ -73,10 +73,10 @@ public:
     /// series, which is created with the recorded parameters on first use. Empty with
     /// `error` set on failure.
     QString sensorGroup(const QString& inputPath, QString& error, const QString& sensor = QString());
-    /// Writes a signal into a new sensor group with the parameters and its
-    /// "SourceDatapath"; returns the written values path, empty on failure.
+    /// Writes a signal into a new sensor group with the parameters, its
+    /// "SourceDatapath" and `extra`; returns the written values path, empty on failure.
     QString writeSignal(const QString& inputPath, const Signal& signal, QString& error,
-                        const QString& sensor = QString());
+                        const QString& sensor = QString(), const QVariantMap& extra = {});
     /// Attributes every output dataset of the run carries.
     QVariantMap datasetAttributes(const QString& inputPath) const;
 

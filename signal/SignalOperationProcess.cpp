@@ -40,9 +40,11 @@ void SignalOperationProcess::runOperation()
         m_inputPath = paths.last();
         m_output = Signal{};
         m_output.unit = m_input.unit;
+        m_outputAttributes.clear();
         if (!computeOperation() || isCanceled())
             return false;
-        const QString written = run.writeSignal(m_inputPath, m_output, error, outputSensor());
+        const QString written =
+            run.writeSignal(m_inputPath, m_output, error, outputSensor(), m_outputAttributes);
         if (written.isEmpty()) {
             addError(error);
             return false;
@@ -54,6 +56,7 @@ void SignalOperationProcess::runOperation()
     m_input = Signal{};
     m_otherInputs.clear();
     m_output = Signal{};
+    m_outputAttributes.clear();
 }
 
 } // namespace zarvi

@@ -42,6 +42,8 @@ protected:
     std::vector<Signal> m_otherInputs;
     /// What computeOperation() produces (with the input's unit unless it sets another).
     Signal m_output;
+    /// Attributes of the output's values besides the run's, e.g. what a fit found.
+    QVariantMap m_outputAttributes;
     /// Progress of the current input, already scaled into the whole run.
     Feedback* m_stepFeedback = nullptr;
 };

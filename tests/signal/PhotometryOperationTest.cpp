@@ -160,6 +160,8 @@ TEST_F(PhotometryOperationTest, UnitFollowsTheStagesAndKernelWarningsBecomeMessa
     EXPECT_EQ(attributes.value(QStringLiteral("SlopeOrder")).typeId(), QMetaType::Int);
     EXPECT_EQ(attributes.value(QStringLiteral("DecimationFactor")).typeId(), QMetaType::Int);
     EXPECT_EQ(attributes.value(QStringLiteral("SmoothFrequency(Hz)")).typeId(), QMetaType::Double);
+    // The run records what the fit kept: here every sample.
+    EXPECT_EQ(attributes.value(QStringLiteral("InlierFraction")).toDouble(), 1.0);
 }
 
 TEST_F(PhotometryOperationTest, AFailedOrCancelledRunRemovesWhatItWrote)

@@ -41,6 +41,10 @@ bool PhotometryDeltaFProcess::computeOperation()
         addError(result.outcome.error);
     if (!result.outcome.ok())
         return false;
+    // The share of samples the fit kept says whether the threshold suits the signals' scale.
+    if (const std::size_t n = result.deltaF.size(); n > 0)
+        m_outputAttributes.insert(SD::InlierFraction,
+                                  static_cast<double>(result.fit.inlierCount) / static_cast<double>(n));
     m_output.values = std::move(result.deltaF);
     m_output.time = std::move(result.time);
     if (!config.standardizeMethod.isEmpty())
