@@ -386,6 +386,7 @@ TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
     EXPECT_GT(QFileInfo(pdf).size(), 0);
     // Saved as a figure: 1200 x 800 pixels on white, the plot on screen still dark.
     const QImage heat(png);
+    heat.save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/perievent-figure.png")); // for people to look at
     EXPECT_EQ(heat.size(), QSize(1200, 800));
     EXPECT_EQ(heat.pixelColor(0, 0), QColor(Qt::white));
     EXPECT_EQ(view.heatMap()->plot()->toPixmap(60, 40).toImage().pixelColor(0, 0),
