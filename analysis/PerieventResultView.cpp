@@ -4,6 +4,9 @@
 #include "analysis/PerieventHeatMap.h"
 #include "analysis/PerieventTracePlot.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "definitions/FigureDefinitions.h"
+#include "framework/FigureExport.h"
+#include "framework/FigureExportDialog.h"
 #include "framework/LockedFileRead.h"
 
 #include <QFileDialog>
@@ -44,10 +47,11 @@ PerieventResultView::PerieventResultView(QWidget* parent) : QWidget(parent)
     auto* header = new QHBoxLayout;
     m_title = new QLabel(this);
     m_title->setObjectName(QStringLiteral("lb_title"));
-    m_saveImage = toolButton(this, "tb_saveImage", D::saveImageLabel(), D::saveImageTooltip());
+    m_exportFigure = toolButton(this, "tb_exportFigure", FigureDefinitions::exportFigureLabel(),
+                                FigureDefinitions::exportFigureTooltip());
     m_export = toolButton(this, "tb_exportCsv", D::exportCsvLabel(), D::exportCsvTooltip());
     header->addWidget(m_title, 1);
-    header->addWidget(m_saveImage);
+    header->addWidget(m_exportFigure);
     header->addWidget(m_export);
     layout->addLayout(header);
 
@@ -63,7 +67,8 @@ PerieventResultView::PerieventResultView(QWidget* parent) : QWidget(parent)
     m_tabs->addTab(m_table, D::statisticsTitle());
     layout->addWidget(m_tabs, 1);
 
-    connect(m_saveImage, &QToolButton::clicked, this, &PerieventResultView::onSaveImageClicked);
+    connect(m_exportFigure, &QToolButton::clicked, this,
+            [this] { FigureExportDialog::exportPlot(currentPlot(), figureTitle(), this); });
     connect(m_export, &QToolButton::clicked, this, &PerieventResultView::onExportClicked);
 }
 
@@ -117,23 +122,32 @@ void PerieventResultView::fillTable()
     m_table->horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
+QCustomPlot* PerieventResultView::currentPlot() const
+{
+    return m_tabs->currentWidget() == m_traces ? m_traces->plot() : m_heatMap->plot();
+}
+
+QString PerieventResultView::figureTitle() const
+{
+    return m_title->text();
+}
+
 bool PerieventResultView::saveImage(const QString& path)
 {
-    QCustomPlot* plot = m_tabs->currentWidget() == m_traces ? m_traces->plot() : m_heatMap->plot();
-    return path.endsWith(QStringLiteral(".pdf"), Qt::CaseInsensitive) ? plot->savePdf(path)
-                                                                      : plot->savePng(path);
+    QCustomPlot* plot = currentPlot();
+    FigureExport::Options options;
+    options.path = path;
+    options.format = FigureExport::formatOf(path, FigureExport::Format::Png);
+    options.title = figureTitle();
+    options.xLabel = plot->xAxis->label();
+    options.yLabel = plot->yAxis->label();
+    QString error;
+    return FigureExport::write(plot, options, error);
 }
 
 QString PerieventResultView::exportCsv(const QString& path, QStringList& written)
 {
     return PerieventExport::write(m_result, path, written);
-}
-
-void PerieventResultView::onSaveImageClicked()
-{
-    const QString path = QFileDialog::getSaveFileName(this, D::saveImageLabel(), QString(), D::imageFilter());
-    if (!path.isEmpty() && !saveImage(path))
-        QMessageBox::warning(this, D::saveImageLabel(), D::cannotSaveImageMessage().arg(path));
 }
 
 void PerieventResultView::onExportClicked()

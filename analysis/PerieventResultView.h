@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QCustomPlot;
 class QLabel;
 class QTabWidget;
 class QTableWidget;
@@ -15,8 +16,8 @@ class PerieventHeatMap;
 class PerieventTracePlot;
 
 /// A saved perievent result on screen: the heat map of the trials, the mean ± SEM
-/// trace and the table of statistics, with buttons that save the plot shown as a
-/// PNG or PDF image and export the matrix and statistics to .csv. It keeps the result
+/// trace and the table of statistics, with buttons that export the plot shown as a
+/// figure (FigureExportDialog) and the matrix and statistics to .csv. It keeps the result
 /// in memory and reads the file only in load(). GUI thread.
 class PerieventResultView : public QWidget
 {
@@ -31,9 +32,14 @@ public:
     void setResult(StoredPerieventResult result);
     const StoredPerieventResult& result() const { return m_result; }
 
-    /// Saves the plot of the current tab (the heat map when the table is shown) as PNG,
-    /// or as PDF when `path` ends with ".pdf".
+    /// Saves the plot of the current tab (the heat map when the table is shown) as a
+    /// figure with the default options of FigureExport, in the format of the extension of
+    /// `path` (PNG when it names none); false when it cannot be written.
     bool saveImage(const QString& path);
+    /// The plot of the current tab: the heat map when the table is shown.
+    QCustomPlot* currentPlot() const;
+    /// The result's title, proposed as the figure's.
+    QString figureTitle() const;
     /// Writes the matrix and the statistics as PerieventExport does.
     QString exportCsv(const QString& path, QStringList& written);
 
@@ -44,12 +50,11 @@ public:
 
 private:
     void fillTable();
-    void onSaveImageClicked();
     void onExportClicked();
 
     StoredPerieventResult m_result;
     QLabel* m_title;
-    QToolButton* m_saveImage;
+    QToolButton* m_exportFigure;
     QToolButton* m_export;
     QTabWidget* m_tabs;
     PerieventHeatMap* m_heatMap;

@@ -1,7 +1,7 @@
 # Every third-party dependency is found here once, so later work adds no set-up step.
 find_package(PkgConfig REQUIRED)
 
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network PrintSupport OpenGL OpenGLWidgets Test)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Widgets Network PrintSupport OpenGL OpenGLWidgets Svg Test)
 
 find_package(HDF5 REQUIRED COMPONENTS C)
 add_library(zarvi::hdf5 INTERFACE IMPORTED)

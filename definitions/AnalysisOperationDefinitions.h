@@ -250,20 +250,15 @@ public:
     static QString statisticsTitle() { return tr("Statistics"); }
     static QString meanTraceName() { return tr("Mean"); }
     static QString semBandName() { return tr("SEM"); }
-    static QString saveImageLabel() { return tr("Save Image..."); }
-    static QString saveImageTooltip() { return tr("Save the plot shown as a PNG or PDF image."); }
     static QString exportCsvLabel() { return tr("Export CSV..."); }
     static QString exportCsvTooltip()
     {
         return tr("Export the perievent matrix and every statistic to .csv files, one row per event.");
     }
-    static QString imageFilter() { return tr("PNG Image (*.png);;PDF Document (*.pdf)"); }
     static QString csvFilter() { return tr("CSV File (*.csv)"); }
     /// %1 result path, %2 reason.
     static QString cannotReadResultMessage() { return tr("Cannot read the perievent result <b>%1</b>: %2"); }
     static QString notAResultMessage() { return tr("Not a perievent matrix."); }
-    /// %1 file path.
-    static QString cannotSaveImageMessage() { return tr("Unable to save the image <b>%1</b>."); }
 
     // Progress and messages.
     static QString perieventProgressLabel() { return tr("Calculating perievent arrays..."); }

@@ -80,6 +80,9 @@ public:
 
     // Viewers.
     static QString timeAxisLabel() { return tr("Time (s)"); }
+    static QString signalAxisLabel() { return tr("Signal"); }
+    /// %1 the unit the signals shown share.
+    static QString signalUnitAxisLabel() { return tr("Signal (%1)"); }
     static QString frameLabel() { return tr("Frame %1 / %2"); }
     static QString frameTimeLabel() { return tr("Frame %1 / %2   t = %3 s"); }
     static QString pixelLabel() { return tr("x %1  y %2  value %3"); }

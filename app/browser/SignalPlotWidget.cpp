@@ -3,10 +3,13 @@
 #include "app/browser/EventMarks.h"
 
 #include "definitions/DatasetDefinitions.h"
+#include "definitions/FigureDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/FigureExportDialog.h"
 #include "framework/PlotStyle.h"
 #include "signal/MinMaxDecimator.h"
 
+#include <QAction>
 #include <QVBoxLayout>
 
 #include <qcustomplot.h>
@@ -40,12 +43,8 @@ SignalPlotWidget::SignalPlotWidget(QWidget* parent) : QWidget(parent), m_plot(ne
 
     PlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(DatasetDefinitions::timeAxisLabel());
+    m_plot->yAxis->setLabel(DatasetDefinitions::signalAxisLabel());
     m_plot->legend->setVisible(true);
-    QColor legendBackground(ZMD::ColorDarkerGrey);
-    legendBackground.setAlpha(200);
-    m_plot->legend->setBrush(legendBackground);
-    m_plot->legend->setBorderPen(QPen(QColor(ZMD::ColorMidGrey)));
-    m_plot->legend->setTextColor(QColor(ZMD::ColorLightGrey));
     m_plot->setInteractions(QCP::iRangeDrag | QCP::iRangeZoom);
     m_plot->axisRect()->setRangeDrag(Qt::Horizontal | Qt::Vertical);
     m_plot->axisRect()->setRangeZoom(Qt::Horizontal);
@@ -58,6 +57,22 @@ SignalPlotWidget::SignalPlotWidget(QWidget* parent) : QWidget(parent), m_plot(ne
     connect(m_plot->xAxis, qOverload<const QCPRange&>(&QCPAxis::rangeChanged), this,
             [this] { reduceForView(); });
     m_plot->installEventFilter(this);
+
+    m_exportFigure = new QAction(FigureDefinitions::exportFigureLabel(), m_plot);
+    m_exportFigure->setObjectName(QStringLiteral("act_exportFigure"));
+    m_exportFigure->setToolTip(FigureDefinitions::exportFigureTooltip());
+    m_plot->addAction(m_exportFigure);
+    m_plot->setContextMenuPolicy(Qt::ActionsContextMenu);
+    connect(m_exportFigure, &QAction::triggered, this,
+            [this] { FigureExportDialog::exportPlot(m_plot, figureTitle(), this); });
+}
+
+QString SignalPlotWidget::figureTitle() const
+{
+    QStringList names;
+    for (const Trace& trace : m_traces)
+        names << trace.name;
+    return names.join(QStringLiteral(", "));
 }
 
 void SignalPlotWidget::addSignal(const QString& name, Signal signal)
@@ -73,8 +88,10 @@ void SignalPlotWidget::addSignal(const QString& name, Signal signal)
     trace.graph->setName(signal.unit.isEmpty() ? name : QStringLiteral("%1 (%2)").arg(name, signal.unit));
     trace.graph->setPen(QPen(traceColor(m_traces.size()), 1));
     trace.graph->setAdaptiveSampling(false); // the reduction below already keeps every extreme
+    trace.name = name;
     trace.signal = std::move(signal);
     m_traces.push_back(std::move(trace));
+    updateValueLabel();
     resetView();
 }
 
@@ -87,6 +104,20 @@ void SignalPlotWidget::addEvents(const LabelledEvents& events)
     marks->setLayer(QStringLiteral("grid"));
     m_events.push_back(marks);
     m_plot->replot(QCustomPlot::rpQueuedReplot);
+}
+
+void SignalPlotWidget::updateValueLabel()
+{
+    // One signal is named with its unit, as in the legend; several by the unit they share.
+    if (m_traces.size() == 1) {
+        m_plot->yAxis->setLabel(m_traces.front().graph->name());
+        return;
+    }
+    const QString unit = m_traces.front().signal.unit;
+    const bool shared = std::all_of(m_traces.begin(), m_traces.end(),
+                                    [&unit](const Trace& trace) { return trace.signal.unit == unit; });
+    m_plot->yAxis->setLabel(shared && !unit.isEmpty() ? DatasetDefinitions::signalUnitAxisLabel().arg(unit)
+                                                      : DatasetDefinitions::signalAxisLabel());
 }
 
 int SignalPlotWidget::drawnPointCount(int index) const

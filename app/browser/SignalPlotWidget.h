@@ -7,6 +7,7 @@
 
 #include <vector>
 
+class QAction;
 class QCPGraph;
 class QCustomPlot;
 
@@ -19,7 +20,8 @@ class EventMarks;
 /// the wheel zooms time (with Ctrl: values), a double click shows everything.
 /// It keeps the whole signals in memory but draws only the minimum and maximum
 /// of each pixel column of the visible range, recomputed whenever the range or
-/// the size changes, so that 10^7 samples stay fluid. GUI thread.
+/// the size changes, so that 10^7 samples stay fluid. The value axis is named after the
+/// signals' unit; the context menu exports the plot as a figure. GUI thread.
 class SignalPlotWidget : public QWidget
 {
     Q_OBJECT
@@ -39,6 +41,9 @@ public:
     /// Shows every signal whole.
     void resetView();
     QCustomPlot* plot() const { return m_plot; }
+    /// The names of the signals shown, the title proposed for a figure of the plot.
+    QString figureTitle() const;
+    QAction* exportFigureAction() const { return m_exportFigure; }
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -46,6 +51,7 @@ protected:
 private:
     struct Trace
     {
+        QString name;
         Signal signal;
         QCPGraph* graph = nullptr;
         double minValue = 0.0;
@@ -54,8 +60,10 @@ private:
 
     /// Recomputes what each graph draws for the visible time range.
     void reduceForView();
+    void updateValueLabel();
 
     QCustomPlot* m_plot;
+    QAction* m_exportFigure;
     std::vector<Trace> m_traces;
     std::vector<EventMarks*> m_events;
 };

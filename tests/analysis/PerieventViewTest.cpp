@@ -24,6 +24,7 @@
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QHeaderView>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -383,6 +384,14 @@ TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
     EXPECT_TRUE(view.saveImage(pdf));
     EXPECT_GT(QFileInfo(png).size(), 0);
     EXPECT_GT(QFileInfo(pdf).size(), 0);
+    // Saved as a figure: 1200 x 800 pixels on white, the plot on screen still dark.
+    const QImage heat(png);
+    heat.save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/perievent-figure.png")); // for people to look at
+    EXPECT_EQ(heat.size(), QSize(1200, 800));
+    EXPECT_EQ(heat.pixelColor(0, 0), QColor(Qt::white));
+    EXPECT_EQ(view.heatMap()->plot()->toPixmap(60, 40).toImage().pixelColor(0, 0),
+              QColor(QStringLiteral("#302f2f")));
+    EXPECT_EQ(view.heatMap()->colorScale()->axis()->labelColor(), QColor(QStringLiteral("#cccccc")));
     QStringList written;
     EXPECT_EQ(view.exportCsv(dir.file("trials.csv"), written), QString());
     EXPECT_EQ(written.size(), 3);

@@ -6,6 +6,7 @@
 #include "framework/OperationDialog.h"
 #include "framework/OperationRunner.h"
 #include "framework/OperationSettings.h"
+#include "framework/PlotStyle.h"
 #include "signal/SignalPipeline.h"
 #include "signal/operations/photometry/PhotometryDeltaFView.h"
 #include "signal/operations/photometry/PhotometryPreviewPlots.h"
@@ -174,6 +175,12 @@ TEST_F(PhotometryViewTest, PreviewDrawsSignalsSlopesAndTheFit)
     // 200000 samples are drawn as every 10th.
     EXPECT_EQ(plots->isosbesticPlot()->graph(0)->dataCount(), 20000);
     EXPECT_EQ(plots->isosbesticPlot()->graph(1)->dataCount(), 20000);
+    // Dark like every other plot: the palette's darker grey, #302f2f, and light grey text.
+    for (QCustomPlot* plot : {plots->isosbesticPlot(), plots->biosensorPlot(), plots->fitPlot()}) {
+        EXPECT_EQ(PlotStyle::backgroundOf(plot).color(), QColor(QStringLiteral("#302f2f")));
+        EXPECT_EQ(plot->toPixmap(60, 40).toImage().pixelColor(0, 0), QColor(QStringLiteral("#302f2f")));
+        EXPECT_EQ(plot->legend->item(0)->textColor(), QColor(QStringLiteral("#cccccc")));
+    }
     const QCustomPlot* fit = plots->fitPlot();
     EXPECT_EQ(fit->graph(0)->name(), QStringLiteral("Outliers"));
     EXPECT_EQ(fit->graph(1)->name(), QStringLiteral("Inliers"));

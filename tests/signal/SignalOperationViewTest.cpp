@@ -4,6 +4,7 @@
 #include "framework/BackgroundJob.h"
 #include "framework/OperationDialog.h"
 #include "framework/OperationViewRegistry.h"
+#include "framework/PlotStyle.h"
 #include "signal/operations/decimation/DecimationView.h"
 #include "signal/operations/filter/FilterView.h"
 #include "signal/operations/smooth/SmoothView.h"
@@ -94,6 +95,10 @@ TEST_F(SignalViewTest, FilterViewShowsWhyCutoffsAreRefusedAndRunsOnceTheyAreCons
     }
     QCustomPlot* plot = view.plot();
     ASSERT_EQ(plot->graphCount(), 2);
+    // Dark like every other plot: the palette's darker grey, #302f2f, and light grey text.
+    EXPECT_EQ(PlotStyle::backgroundOf(plot).color(), QColor(QStringLiteral("#302f2f")));
+    EXPECT_EQ(plot->toPixmap(60, 40).toImage().pixelColor(0, 0), QColor(QStringLiteral("#302f2f")));
+    EXPECT_EQ(plot->xAxis->labelColor(), QColor(QStringLiteral("#cccccc")));
     EXPECT_EQ(plot->graph(0)->name(), QStringLiteral("Signal FFT"));
     EXPECT_EQ(plot->graph(1)->name(), QStringLiteral("Filter Respone"));
     EXPECT_EQ(plot->xAxis->label(), QStringLiteral("Frequency (Hz)"));

@@ -2,6 +2,7 @@
 
 #include "definitions/ImageOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/PlotStyle.h"
 
 #include <QVBoxLayout>
 
@@ -17,6 +18,7 @@ MotionShiftPlot::MotionShiftPlot(QWidget* parent) : QWidget(parent), m_plot(new 
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_plot);
     m_plot->setMinimumHeight(180);
+    PlotStyle::apply(m_plot);
     m_plot->xAxis->setLabel(ID::timeAxisLabel());
     m_plot->yAxis->setLabel(ID::shiftAxisLabel());
     m_x = m_plot->addGraph();

@@ -3,6 +3,7 @@
 #include "definitions/SignalOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/BackgroundJob.h"
+#include "framework/PlotStyle.h"
 #include "signal/SignalFileReader.h"
 #include "signal/operations/filter/FilterDesign.h"
 #include "signal/operations/filter/FilterResponse.h"
@@ -48,6 +49,7 @@ FilterView::FilterView(QWidget* parent)
 
     m_plot = new QCustomPlot(this);
     m_plot->setObjectName(QStringLiteral("plot_filterResponse"));
+    PlotStyle::apply(m_plot);
     m_plot->setMinimumHeight(220);
     m_plot->setSizePolicy(QSizePolicy::Expanding,
                           QSizePolicy::Expanding); // takes what an enlarged dialog gains

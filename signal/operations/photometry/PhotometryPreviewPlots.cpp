@@ -2,6 +2,7 @@
 
 #include "definitions/SignalOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/PlotStyle.h"
 
 #include <QVBoxLayout>
 
@@ -54,6 +55,7 @@ QCustomPlot* makePlot(QWidget* parent, const QString& objectName, const QString&
 {
     auto* plot = new QCustomPlot(parent);
     plot->setObjectName(objectName);
+    PlotStyle::apply(plot);
     plot->setMinimumHeight(160);
     plot->xAxis->setLabel(xLabel);
     plot->yAxis->setLabel(yLabel);
@@ -68,7 +70,8 @@ PhotometryPreviewPlots::PhotometryPreviewPlots(QWidget* parent) : QWidget(parent
 {
     const QColor blue(ZarviMainDefinitions::ColorBlue);
     const QColor grey(ZarviMainDefinitions::ColorMidGrey);
-    const QColor signal(ZarviMainDefinitions::ColorSlate);
+    // Raw signals in light grey, which reads on the dark plots under the blue slopes.
+    const QColor signal(ZarviMainDefinitions::ColorLightGrey);
     m_isosbestic =
         makePlot(this, QStringLiteral("plot_isosbestic"), SD::timeAxisLabel(), SD::isosbesticLabel());
     addCurve(m_isosbestic, SD::isosbesticLabel(), signal);
