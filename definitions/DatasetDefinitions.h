@@ -70,7 +70,10 @@ public:
 
     // Saving the steps that produced a result.
     static QString savePipelineAction() { return tr("Save Pipeline..."); }
-    static QString savePipelineTip() { return tr("Save the operations that produced this result as a pipeline"); }
+    static QString savePipelineTip()
+    {
+        return tr("Save the operations that produced this result as a pipeline");
+    }
 
     // Compacting the file.
     static QString compactAction() { return tr("Compact File"); }

@@ -126,7 +126,10 @@ public:
     {
         return tr("<b>%1</b> was written without its parameters: its steps cannot be known.");
     }
-    static QString historyLoopMessage() { return tr("The recorded inputs of <b>%1</b> lead back to itself."); }
+    static QString historyLoopMessage()
+    {
+        return tr("The recorded inputs of <b>%1</b> lead back to itself.");
+    }
     static QString historyBranchesDifferMessage()
     {
         return tr("The step <b>%1</b> that wrote <b>%2</b> took inputs that went through different steps "
