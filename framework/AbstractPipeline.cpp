@@ -116,8 +116,8 @@ void AbstractPipeline::onProgressReceived(int progress)
 
 void AbstractPipeline::onLoadPipelineClicked()
 {
-    const QString path = QFileDialog::getOpenFileName(this, ZarviMainDefinitions::loadPipelineTitle(), QString(),
-                                                      ZarviMainDefinitions::pipelineFileFilter());
+    const QString path = QFileDialog::getOpenFileName(this, ZarviMainDefinitions::loadPipelineTitle(),
+                                                      QString(), ZarviMainDefinitions::pipelineFileFilter());
     if (!path.isEmpty())
         loadPipeline(path);
 }
@@ -137,7 +137,8 @@ RunResult AbstractPipeline::loadPipeline(const QString& path)
     RunResult result;
     QList<QVariantMap> steps;
     if (!readChecked(path, steps, result.errors)) {
-        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), result.errors.join(QStringLiteral("<br>")));
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(),
+                         result.errors.join(QStringLiteral("<br>")));
         return result;
     }
     if (m_datapaths.isEmpty()) {
@@ -153,7 +154,8 @@ RunResult AbstractPipeline::loadPipeline(const QString& path)
     }
     result = runSteps(steps);
     if (!result.succeeded() && !result.canceled)
-        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), result.errors.join(QStringLiteral("<br>")));
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(),
+                         result.errors.join(QStringLiteral("<br>")));
     return result;
 }
 

@@ -102,8 +102,8 @@ TEST_F(PipelineHistoryTest, AStepOfSeveralInputsNeedsAllToHaveGoneThroughTheSame
 
     // One decimation run over a filtered isosbestic and the raw biosensor: the branches differ.
     const QString isoFiltered = runOne(lowPass, {truth.isosbesticPath});
-    const QString mixed =
-        runGroupOf(runOne(decimation, {isoFiltered, truth.biosensorPath}, 2)) + QStringLiteral("/Biosensor/Signal");
+    const QString mixed = runGroupOf(runOne(decimation, {isoFiltered, truth.biosensorPath}, 2)) +
+                          QStringLiteral("/Biosensor/Signal");
     const PipelineHistory::Result refused = PipelineHistory::of(file, mixed);
     EXPECT_TRUE(refused.steps.isEmpty());
     EXPECT_EQ(refused.error,
@@ -141,15 +141,16 @@ TEST(PipelineFileCheck, NamesEachProblemWithItsStepAndDescribesStepsInDeclaredOr
     EXPECT_TRUE(problems.isEmpty());
     QVariantMap zeroFactor = decimation;
     zeroFactor.insert(QStringLiteral("DecimationFactor"), 0);
-    EXPECT_FALSE(PipelineFile::check(
-        {decimation, {{FD::Operations, QStringLiteral("Sharpen")}}, zeroFactor}, problems));
+    EXPECT_FALSE(PipelineFile::check({decimation, {{FD::Operations, QStringLiteral("Sharpen")}}, zeroFactor},
+                                     problems));
     EXPECT_EQ(problems, (QStringList{QStringLiteral("Step 2: Operation <b>Sharpen</b> does not exist."),
                                      QStringLiteral("Step 3: Bad value for decimation factor.")}));
 
     EXPECT_EQ(PipelineFile::describe(decimation), QStringLiteral("Decimation — DecimationFactor = 10"));
     // FilterType, LowCutoffFrequency, FilterName are declared in that order (not the map's).
-    EXPECT_EQ(PipelineFile::describe(lowPass),
-              QStringLiteral("Filter — FilterType = LowPass, LowCutoffFrequency = 5, FilterName = Butterworth"));
+    EXPECT_EQ(
+        PipelineFile::describe(lowPass),
+        QStringLiteral("Filter — FilterType = LowPass, LowCutoffFrequency = 5, FilterName = Butterworth"));
 }
 
 } // namespace
