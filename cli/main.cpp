@@ -1,16 +1,17 @@
 #include "analysis/AnalysisOperations.h"
+#include "behavior/BehaviorOperations.h"
 #include "cli/CompactCommand.h"
 #include "cli/ConvertCommand.h"
 #include "cli/DemoCommand.h"
 #include "cli/ExportCommand.h"
 #include "cli/HelpCommand.h"
 #include "cli/InfoCommand.h"
+#include "cli/PipelineCommand.h"
 #include "cli/RenameCommand.h"
 #include "cli/RoisCommand.h"
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/OperationRegistry.h"
-#include "behavior/BehaviorOperations.h"
 #include "image/ImageOperations.h"
 #include "signal/SignalOperations.h"
 
@@ -32,6 +33,8 @@ const char* usage =
     "  run FILE --operation NAME --params PARAMS.json --data PATH...\n"
     "  run FILE --pipeline PIPELINE.json --data PATH...\n"
     "                            run operations headless (Ctrl-C cancels)\n"
+    "  pipeline FILE RESULT_PATH [--out PIPELINE.json]\n"
+    "                            the steps that produced a result, as a pipeline for run --pipeline\n"
     "  convert --tiff PATH|FOLDER (--rate HZ | --timestamps CSV) --device NAME --sensor NAME\n"
     "          [--series N] --into FILE.orvel\n"
     "  convert --video PATH [--as-stack] --device NAME [--sensor NAME] [--series N] --into FILE.orvel\n"
@@ -81,6 +84,8 @@ int main(int argc, char* argv[])
         return zarvi::HelpCommand::describe(arguments);
     if (command == QStringLiteral("run"))
         return zarvi::RunCommand::run(arguments);
+    if (command == QStringLiteral("pipeline"))
+        return zarvi::PipelineCommand::run(arguments);
     if (command == QStringLiteral("convert"))
         return zarvi::ConvertCommand::run(arguments);
     if (command == QStringLiteral("export"))

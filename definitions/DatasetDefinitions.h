@@ -68,6 +68,13 @@ public:
     static QString renameFailedMessage() { return tr("Unable to rename <b>%1</b>: %2"); }
     static QString renamedMessage() { return tr("Renamed %1 to %2"); }
 
+    // Saving the steps that produced a result.
+    static QString savePipelineAction() { return tr("Save Pipeline..."); }
+    static QString savePipelineTip()
+    {
+        return tr("Save the operations that produced this result as a pipeline");
+    }
+
     // Compacting the file.
     static QString compactAction() { return tr("Compact File"); }
     static QString compactTip() { return tr("Rewrite the file without the space of deleted data"); }

@@ -99,6 +99,42 @@ public:
     }
     static QString writtenText() { return tr("Written: %1"); }
     static QString operationCanceledMessage() { return tr("The operation was cancelled."); }
+    // Saved pipelines.
+    static QString pipelineTitle() { return tr("Pipeline"); }
+    static QString savePipelineTitle() { return tr("Save Pipeline"); }
+    static QString loadPipelineTitle() { return tr("Load Pipeline"); }
+    static QString pipelineFileFilter() { return tr("Pipeline (*.json)"); }
+    static QString pipelineStepsText() { return tr("Steps:"); }
+    static QString recordedFromText() { return tr("Recorded from:"); }
+    static QString runButtonText() { return tr("Run"); }
+    static QString saveButtonText() { return tr("Save..."); }
+    static QString stageOffText() { return tr("(off)"); }
+    /// %1 step number from 1, %2 the problem.
+    static QString pipelineStepProblem() { return tr("Step %1: %2"); }
+    static QString pipelineSavedMessage() { return tr("Pipeline saved to %1"); }
+    static QString notAResultMessage()
+    {
+        return tr("<b>%1</b> is not the result of an operation: it records no <b>Operations</b>.");
+    }
+    static QString historyInputMissingMessage()
+    {
+        return tr("The input <b>%1</b> of <b>%2</b> is no longer in the file: its steps cannot be known.");
+    }
+    static QString resultMissingMessage() { return tr("<b>%1</b> is not in the file <b>%2</b>."); }
+    static QString historyNoInputMessage() { return tr("<b>%1</b> records no input it was computed from."); }
+    static QString historyNotRecordedMessage()
+    {
+        return tr("<b>%1</b> was written without its parameters: its steps cannot be known.");
+    }
+    static QString historyLoopMessage()
+    {
+        return tr("The recorded inputs of <b>%1</b> lead back to itself.");
+    }
+    static QString historyBranchesDifferMessage()
+    {
+        return tr("The step <b>%1</b> that wrote <b>%2</b> took inputs that went through different steps "
+                  "(<b>%3</b> and <b>%4</b>): one pipeline cannot repeat it.");
+    }
     static QString exportNeedsDataFileMessage()
     {
         return tr("Open a data file and select what to export first.");

@@ -5,6 +5,7 @@
 #include "framework/OperationDialog.h"
 #include "framework/OperationViewRegistry.h"
 #include "framework/PipelineFile.h"
+#include "framework/PipelineSummaryDialog.h"
 #include "framework/ProgressDialogFactory.h"
 
 #include <QFileDialog>
@@ -20,7 +21,8 @@ AbstractPipeline::AbstractPipeline(OperationFamily family, QWidget* parent)
     : QWidget(parent), m_family(family),
       m_presentMessage([this](const QString& title, const QString& message) {
           QMessageBox::critical(this, title, message);
-      })
+      }),
+      m_presentSummary([](PipelineSummaryDialog& dialog) { return dialog.exec() == QDialog::Accepted; })
 {
 }
 
@@ -114,25 +116,60 @@ void AbstractPipeline::onProgressReceived(int progress)
 
 void AbstractPipeline::onLoadPipelineClicked()
 {
-    const QString path =
-        QFileDialog::getOpenFileName(this, tr("Load Pipeline"), QString(), tr("Pipeline (*.json)"));
-    if (path.isEmpty())
-        return;
-    const RunResult result = runSavedPipeline(path);
+    const QString path = QFileDialog::getOpenFileName(this, ZarviMainDefinitions::loadPipelineTitle(),
+                                                      QString(), ZarviMainDefinitions::pipelineFileFilter());
+    if (!path.isEmpty())
+        loadPipeline(path);
+}
+
+bool AbstractPipeline::readChecked(const QString& path, QList<QVariantMap>& steps, QStringList& problems)
+{
+    QString error;
+    if (!PipelineFile::read(path, steps, error)) {
+        problems << error.toHtmlEscaped();
+        return false;
+    }
+    return PipelineFile::check(steps, problems);
+}
+
+RunResult AbstractPipeline::loadPipeline(const QString& path)
+{
+    RunResult result;
+    QList<QVariantMap> steps;
+    if (!readChecked(path, steps, result.errors)) {
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(),
+                         result.errors.join(QStringLiteral("<br>")));
+        return result;
+    }
+    if (m_datapaths.isEmpty()) {
+        result.errors << ZarviMainDefinitions::noDatasetsMessage();
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(), result.errors.first());
+        return result;
+    }
+    PipelineSummaryDialog summary(steps, ZarviMainDefinitions::runsOnText(), m_datapaths,
+                                  ZarviMainDefinitions::runButtonText(), this);
+    if (!m_presentSummary(summary)) {
+        result.canceled = true;
+        return result;
+    }
+    result = runSteps(steps);
     if (!result.succeeded() && !result.canceled)
-        QMessageBox::critical(this, ZarviMainDefinitions::errorOperationTitle(),
-                              result.errors.join(QStringLiteral("<br>")));
+        m_presentMessage(ZarviMainDefinitions::errorOperationTitle(),
+                         result.errors.join(QStringLiteral("<br>")));
+    return result;
 }
 
 RunResult AbstractPipeline::runSavedPipeline(const QString& path)
 {
     RunResult result;
     QList<QVariantMap> steps;
-    QString error;
-    if (!PipelineFile::read(path, steps, error)) {
-        result.errors << error;
+    if (!readChecked(path, steps, result.errors))
         return result;
-    }
+    return runSteps(steps);
+}
+
+RunResult AbstractPipeline::runSteps(const QList<QVariantMap>& steps)
+{
     m_runner = std::make_unique<OperationRunner>();
     m_pipelineProgress = ProgressDialogFactory::create(ZarviMainDefinitions::pipelineProgressTitle());
     connect(m_pipelineProgress.get(), &QProgressDialog::canceled, this,
@@ -140,7 +177,7 @@ RunResult AbstractPipeline::runSavedPipeline(const QString& path)
     m_runner->onProgress = [this](int progress) { onProgressReceived(progress); };
     m_runner->onLabel = [this](const QString& label) { m_pipelineProgress->setLabelText(label); };
     m_pipelineProgress->show();
-    result = m_runner->runPipeline(steps, m_filepath, m_datapaths);
+    const RunResult result = m_runner->runPipeline(steps, m_filepath, m_datapaths);
     m_pipelineProgress.reset();
     m_runner.reset();
     onPipelineFinished(result.filepath, result.datapaths, result.errors);

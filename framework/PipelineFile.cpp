@@ -1,5 +1,9 @@
 #include "framework/PipelineFile.h"
 
+#include "definitions/FileDefinitions.h"
+#include "definitions/ZarviMainDefinitions.h"
+#include "framework/OperationRegistry.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -33,7 +37,52 @@ bool load(const QString& path, QByteArray& text, QString& error)
     return true;
 }
 
+QString valueText(const QVariant& value)
+{
+    if (OperationParameter::isEmptyValue(value))
+        return ZarviMainDefinitions::stageOffText();
+    if (value.typeId() == QMetaType::QStringList || value.typeId() == QMetaType::QVariantList) {
+        QStringList items;
+        for (const QVariant& item : value.toList())
+            items << item.toString();
+        return QLatin1Char('[') + items.join(QStringLiteral(", ")) + QLatin1Char(']');
+    }
+    return value.toString();
+}
+
 } // namespace
+
+bool PipelineFile::check(const QList<QVariantMap>& steps, QStringList& problems)
+{
+    const qsizetype before = problems.size();
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        QStringList stepProblems;
+        QVariantMap normalized;
+        OperationRegistry::instance().normalize(steps[i], normalized, stepProblems);
+        for (const QString& problem : std::as_const(stepProblems))
+            problems << ZarviMainDefinitions::pipelineStepProblem().arg(QString::number(i + 1), problem);
+    }
+    return problems.size() == before;
+}
+
+QString PipelineFile::describe(const QVariantMap& step)
+{
+    const QString name = step.value(FileDefinitions::Operations).toString();
+    QStringList parts;
+    const OperationDescriptor* descriptor = OperationRegistry::instance().find(name);
+    QStringList keys;
+    if (descriptor)
+        for (const OperationParameter& declared : descriptor->parameters)
+            if (step.contains(declared.key))
+                keys << declared.key;
+    // Keys the operation does not declare are shown too (after the others): the check names them.
+    for (auto it = step.cbegin(); it != step.cend(); ++it)
+        if (it.key() != FileDefinitions::Operations && !keys.contains(it.key()))
+            keys << it.key();
+    for (const QString& key : std::as_const(keys))
+        parts << QStringLiteral("%1 = %2").arg(key, valueText(step.value(key)));
+    return parts.isEmpty() ? name : name + QStringLiteral(" — ") + parts.join(QStringLiteral(", "));
+}
 
 bool PipelineFile::read(const QString& path, QList<QVariantMap>& steps, QString& error)
 {

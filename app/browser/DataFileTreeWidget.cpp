@@ -58,12 +58,30 @@ std::unique_ptr<QMenu> DataFileTreeWidget::makeContextMenu(const QString& path)
     QAction* rename = menu->addAction(DD::renameAction(), this, [this, path] { emit renameRequested(path); });
     rename->setObjectName(QStringLiteral("actionRename"));
     rename->setEnabled(DatasetRenaming::isRenamable(path));
+    QAction* save =
+        menu->addAction(DD::savePipelineAction(), this, [this, path] { emit savePipelineRequested(path); });
+    save->setObjectName(QStringLiteral("actionSavePipeline"));
+    save->setStatusTip(DD::savePipelineTip());
+    save->setEnabled(isResult(path));
     menu->addAction(DD::deleteAction(), this, &DataFileTreeWidget::deleteRequested)->setEnabled(any);
     menu->addSeparator();
     QAction* compact = menu->addAction(DD::compactAction(), this, &DataFileTreeWidget::compactRequested);
     compact->setObjectName(QStringLiteral("actionCompact"));
     compact->setStatusTip(DD::compactTip());
     return menu;
+}
+
+bool DataFileTreeWidget::isResult(const QString& path) const
+{
+    const auto records = [this](const QString& candidate) {
+        const DataFileNode* found = node(candidate);
+        return found && found->attributes.contains(FileDefinitions::Operations);
+    };
+    if (path.isEmpty())
+        return false;
+    return records(path) || std::any_of(m_nodes.begin(), m_nodes.end(), [&](const DataFileNode& member) {
+               return parentPath(member.path) == path && records(member.path);
+           });
 }
 
 QTreeWidgetItem* DataFileTreeWidget::makeItem(const DataFileNode& node) const

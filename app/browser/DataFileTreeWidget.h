@@ -18,7 +18,8 @@ class IconFont;
 /// shape and element type. It shows a copy read beforehand (it never touches the
 /// file) and keeps the expanded groups and the selection across reloads when
 /// their paths still exist. Several items can be selected. Its context menu asks
-/// for the edits of the file (display, rename, delete, compact) by signals. GUI thread.
+/// for the edits of the file (display, rename, delete, compact) and for saving the
+/// pipeline of a result by signals. GUI thread.
 class DataFileTreeWidget : public QTreeWidget
 {
     Q_OBJECT
@@ -41,17 +42,21 @@ public:
     /// Selects (and reveals) the items at these paths; unknown paths are skipped.
     void selectPaths(const QStringList& paths);
     /// The context menu for a right click on the item at `path` (empty: beside the items):
-    /// Display and Delete of the selection, Rename... of a result, and Compact File.
+    /// Display and Delete of the selection, Rename... and Save Pipeline... of a result, and
+    /// Compact File.
     std::unique_ptr<QMenu> makeContextMenu(const QString& path);
 
 signals:
     void currentPathChanged(const QString& path);
     void displayRequested();
     void renameRequested(const QString& path);
+    void savePipelineRequested(const QString& path);
     void deleteRequested();
     void compactRequested();
 
 private:
+    /// The node records an operation's run, or is a sensor group holding such a dataset.
+    bool isResult(const QString& path) const;
     QTreeWidgetItem* makeItem(const DataFileNode& node) const;
     void fitColumn(int column);
 

@@ -13,6 +13,9 @@
 #include "app/browser/SignalPlotWidget.h"
 #include "app/plugins/DataFileEditing.h"
 #include "app/plugins/DatasetPipeline.h"
+#include "app/plugins/DisplayedPaths.h"
+#include "app/plugins/PipelineSaving.h"
+#include "app/plugins/PluginWidgets.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/DatasetDefinitions.h"
@@ -23,14 +26,11 @@
 #include "framework/RunSummary.h"
 
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QMessageBox>
 #include <QSplitter>
 #include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace zarvi {
 
@@ -39,27 +39,8 @@ namespace {
 using DD = DatasetDefinitions;
 using FD = FileDefinitions;
 
-// The dynamic property of a display tab listing the data paths it shows.
-constexpr const char* DisplayPathsProperty = "zarviDatapaths";
 // The first tabs of the view area are the pipeline, analysis and behaviour pages.
 constexpr int PageCount = 3;
-
-QToolButton* makeToolButton(QWidget* parent, const char* objectName, const QString& text, const QString& tip,
-                            IconFont* icons, IconFont::Glyph glyph)
-{
-    auto* button = new QToolButton(parent);
-    button->setObjectName(QString::fromLatin1(objectName));
-    button->setText(text);
-    button->setToolTip(tip);
-    button->setStatusTip(tip);
-    button->setWhatsThis(tip);
-    button->setAutoRaise(true);
-    button->setIconSize(QSize(20, 20));
-    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
-    if (icons)
-        button->setIcon(icons->icon(glyph));
-    return button;
-}
 
 } // namespace
 
@@ -80,6 +61,8 @@ DatasetPlugin::DatasetPlugin(const QString& applicationName, const QString& vers
     };
     m_editing = new DataFileEditing(this, [this](const QString& text) { m_message(text); });
     connect(m_editing, &DataFileEditing::sendStatusMessage, this, &DatasetPlugin::sendStatusMessage);
+    m_pipelineSaving = new PipelineSaving(this, [this](const QString& text) { m_message(text); });
+    connect(m_pipelineSaving, &PipelineSaving::sendStatusMessage, this, &DatasetPlugin::sendStatusMessage);
 
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -102,12 +85,12 @@ void DatasetPlugin::buildFileManager(QSplitter* splitter)
     auto* layout = new QVBoxLayout(w_fileManager);
     layout->setContentsMargins(2, 2, 2, 2);
     auto* buttons = new QHBoxLayout;
-    tb_display = makeToolButton(w_fileManager, "tb_display", DD::displayAction(),
-                                tr("Show the selected signals, event arrays and image stacks"), icons(),
-                                IconFont::Eye);
-    tb_delete =
-        makeToolButton(w_fileManager, "tb_delete", DD::deleteAction(),
-                       tr("Delete the selected groups and datasets from the file"), icons(), IconFont::Trash);
+    tb_display = PluginWidgets::toolButton(w_fileManager, "tb_display", DD::displayAction(),
+                                           tr("Show the selected signals, event arrays and image stacks"),
+                                           icons(), IconFont::Eye);
+    tb_delete = PluginWidgets::toolButton(w_fileManager, "tb_delete", DD::deleteAction(),
+                                          tr("Delete the selected groups and datasets from the file"),
+                                          icons(), IconFont::Trash);
     buttons->addWidget(tb_display);
     buttons->addWidget(tb_delete);
     buttons->addStretch(1);
@@ -129,6 +112,8 @@ void DatasetPlugin::buildFileManager(QSplitter* splitter)
     connect(m_tree, &DataFileTreeWidget::deleteRequested, this, &DatasetPlugin::onDeleteClicked);
     connect(m_tree, &DataFileTreeWidget::renameRequested, this, &DatasetPlugin::renamePath);
     connect(m_tree, &DataFileTreeWidget::compactRequested, this, &DatasetPlugin::compactFile);
+    connect(m_tree, &DataFileTreeWidget::savePipelineRequested, this,
+            [this](const QString& path) { m_pipelineSaving->save(filePath(), path); });
     connect(m_tree, &QTreeWidget::itemSelectionChanged, this, &DatasetPlugin::onSelectionChanged);
     connect(m_tree, &DataFileTreeWidget::currentPathChanged, this,
             [this](const QString& path) { m_attributes->showHistory(*m_tree, path); });
@@ -147,12 +132,13 @@ void DatasetPlugin::buildViewArea(QSplitter* splitter)
     auto* layout = new QVBoxLayout(w_view);
     layout->setContentsMargins(2, 2, 2, 2);
     auto* buttons = new QHBoxLayout;
-    tb_pipeline = makeToolButton(w_view, "tb_pipeline", DD::pipelineTitle(), tr("Process the selected data"),
-                                 icons(), IconFont::Sitemap);
-    tb_analysis = makeToolButton(w_view, "tb_analysis", DD::analysisTitle(), tr("Analyse the processed data"),
-                                 icons(), IconFont::BarChart);
-    tb_behavior = makeToolButton(w_view, "tb_behavior", DD::behaviorTitle(),
-                                 tr("Behaviour video, tracking and measures"), icons(), IconFont::Paw);
+    tb_pipeline = PluginWidgets::toolButton(w_view, "tb_pipeline", DD::pipelineTitle(),
+                                            tr("Process the selected data"), icons(), IconFont::Sitemap);
+    tb_analysis = PluginWidgets::toolButton(w_view, "tb_analysis", DD::analysisTitle(),
+                                            tr("Analyse the processed data"), icons(), IconFont::BarChart);
+    tb_behavior =
+        PluginWidgets::toolButton(w_view, "tb_behavior", DD::behaviorTitle(),
+                                  tr("Behaviour video, tracking and measures"), icons(), IconFont::Paw);
     for (QToolButton* button : {tb_pipeline, tb_analysis, tb_behavior}) {
         button->setCheckable(true);
         buttons->addWidget(button);
@@ -164,9 +150,9 @@ void DatasetPlugin::buildViewArea(QSplitter* splitter)
     tw_view->setObjectName(QStringLiteral("tw_view"));
     tw_view->setTabsClosable(true);
     tw_view->setDocumentMode(true);
-    w_pipeline = makePage("w_pipeline", DD::pipelinePlaceholder());
-    w_analysis = makePage("w_analysis", DD::analysisPlaceholder());
-    w_behavior = makePage("w_behavior", DD::behaviorPlaceholder());
+    w_pipeline = PluginWidgets::page(tw_view, "w_pipeline", DD::pipelinePlaceholder());
+    w_analysis = PluginWidgets::page(tw_view, "w_analysis", DD::analysisPlaceholder());
+    w_behavior = PluginWidgets::page(tw_view, "w_behavior", DD::behaviorPlaceholder());
     tw_view->addTab(w_pipeline, tb_pipeline->icon(), DD::pipelineTitle());
     tw_view->addTab(w_analysis, tb_analysis->icon(), DD::analysisTitle());
     tw_view->addTab(w_behavior, tb_behavior->icon(), DD::behaviorTitle());
@@ -185,50 +171,25 @@ void DatasetPlugin::buildViewArea(QSplitter* splitter)
     onViewTabChanged(tw_view->currentIndex());
 }
 
-QWidget* DatasetPlugin::makePage(const char* objectName, const QString& placeholder)
-{
-    auto* page = new QWidget(tw_view);
-    page->setObjectName(QString::fromLatin1(objectName));
-    auto* layout = new QVBoxLayout(page);
-    layout->setContentsMargins(0, 0, 0, 0);
-    auto* note = new QLabel(placeholder, page);
-    note->setAlignment(Qt::AlignCenter);
-    note->setEnabled(false);
-    layout->addWidget(note);
-    return page;
-}
-
 void DatasetPlugin::showPage(QWidget* page)
 {
     m_lastPage = page;
     tw_view->setCurrentWidget(page);
 }
 
-void DatasetPlugin::placeInPage(QWidget* page, QWidget* content)
-{
-    QLayout* layout = page->layout();
-    while (QLayoutItem* item = layout->takeAt(0)) {
-        if (QWidget* old = item->widget())
-            old->deleteLater();
-        delete item; // a layout item is owned by whoever takes it
-    }
-    content->setParent(page);
-    layout->addWidget(content);
-}
-
 void DatasetPlugin::setPipelineWidget(QWidget* pipeline)
 {
-    placeInPage(w_pipeline, pipeline);
+    PluginWidgets::place(w_pipeline, pipeline);
 }
 
 void DatasetPlugin::setAnalysisWidget(QWidget* analysis)
 {
-    placeInPage(w_analysis, analysis);
+    PluginWidgets::place(w_analysis, analysis);
 }
 
 void DatasetPlugin::setBehaviorWidget(QWidget* behavior)
 {
-    placeInPage(w_behavior, behavior);
+    PluginWidgets::place(w_behavior, behavior);
 }
 
 QIcon DatasetPlugin::icon() const
@@ -429,7 +390,7 @@ int DatasetPlugin::showImageStack(const QString& path)
 
 int DatasetPlugin::addDisplayTab(QWidget* display, const QString& title, const QStringList& paths)
 {
-    display->setProperty(DisplayPathsProperty, paths);
+    DisplayedPaths::set(display, paths);
     const int index = tw_view->addTab(display, title);
     tw_view->setTabToolTip(index, paths.join(QLatin1Char('\n')));
     tw_view->setCurrentIndex(index);
@@ -489,15 +450,9 @@ bool DatasetPlugin::compactFile()
 
 void DatasetPlugin::closeDisplaysUnder(const QStringList& paths)
 {
-    for (int i = tw_view->count() - 1; i >= PageCount; --i) {
-        const QStringList shown = tw_view->widget(i)->property(DisplayPathsProperty).toStringList();
-        const bool gone = std::any_of(shown.begin(), shown.end(), [&](const QString& p) {
-            return std::any_of(paths.begin(), paths.end(),
-                               [&](const QString& path) { return DatasetDeletion::isSameOrUnder(p, path); });
-        });
-        if (gone)
+    for (int i = tw_view->count() - 1; i >= PageCount; --i)
+        if (DisplayedPaths::anyUnder(tw_view->widget(i), paths))
             onViewTabCloseRequested(i);
-    }
 }
 
 void DatasetPlugin::onDisplayClicked()

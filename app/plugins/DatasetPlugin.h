@@ -16,11 +16,13 @@ class BehaviorView;
 class DataFileEditing;
 class DataFileTreeWidget;
 class DatasetPipeline;
+class PipelineSaving;
 struct DisplayData;
 
 /// Shows a data file: on the left the file manager (the file tree with the
 /// attributes of the selection, display and delete buttons, and the tree's menu
-/// that also renames a result and compacts the file), on the right the
+/// that also renames a result, saves the pipeline that produced it and compacts the
+/// file), on the right the
 /// view area with the processing pipeline, the analysis and the behaviour pages
 /// and one tab per displayed selection (signal plots, image stacks). The
 /// pipeline and the analysis pages are its own; after every run they report
@@ -68,6 +70,7 @@ public:
 
     DataFileTreeWidget* fileTree() const { return m_tree; }
     DataFileEditing* editing() const { return m_editing; }
+    PipelineSaving* pipelineSaving() const { return m_pipelineSaving; }
     DatasetPipeline* pipeline() const { return m_pipeline; }
     AnalysisPipeline* analysis() const { return m_analysis; }
     BehaviorView* behavior() const { return m_behavior; }
@@ -88,9 +91,7 @@ private:
     void buildFileManager(QSplitter* splitter);
     void buildViewArea(QSplitter* splitter);
     void buildPipelines();
-    QWidget* makePage(const char* objectName, const QString& placeholder);
     void showPage(QWidget* page);
-    void placeInPage(QWidget* page, QWidget* content);
     /// Reads signals and event arrays for a display; every failure goes to the
     /// status bar. False when the file is busy or cannot be opened.
     bool readDisplayData(const QStringList& signalPaths, const QStringList& eventPaths, DisplayData& data);
@@ -109,6 +110,7 @@ private:
     QToolButton* tb_delete = nullptr;
     DataFileTreeWidget* m_tree = nullptr;
     DataFileEditing* m_editing = nullptr;
+    PipelineSaving* m_pipelineSaving = nullptr;
     AttributesTable* m_attributes = nullptr;
     DatasetPipeline* m_pipeline = nullptr;
     AnalysisPipeline* m_analysis = nullptr;
