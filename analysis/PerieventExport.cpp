@@ -4,6 +4,10 @@
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "fileeditor/CsvTableWriter.h"
 #include "framework/LockedFileRead.h"
+#include "numeric/Statistics.h"
+
+#include <cmath>
+#include <span>
 
 namespace zarvi {
 
@@ -27,6 +31,29 @@ TableData PerieventExport::matrixTable(const StoredPerieventResult& result)
     const arma::mat rows = result.matrix.t();
     return TableData::fromRows(D::EventColumn, result.rowNames, result.time, QStringLiteral("s"),
                                std::span<const double>(rows.memptr(), rows.n_elem));
+}
+
+PerieventExport::TrialAverage PerieventExport::trialAverage(const arma::mat& trials)
+{
+    TrialAverage average{std::vector<double>(trials.n_cols, 0.0), std::vector<double>(trials.n_cols, 0.0)};
+    const auto rows = static_cast<std::size_t>(trials.n_rows);
+    for (arma::uword j = 0; rows > 0 && j < trials.n_cols; ++j) {
+        // Columns are contiguous in the column-major matrix.
+        const std::span<const double> column(trials.colptr(j), rows);
+        average.mean[j] = Statistics::mean(column);
+        average.sem[j] = Statistics::standardDeviation(column) / std::sqrt(static_cast<double>(rows));
+    }
+    return average;
+}
+
+TableData PerieventExport::averageTable(const StoredPerieventResult& result)
+{
+    TrialAverage average = trialAverage(result.matrix);
+    TableData table;
+    table.columns.push_back({D::timeColumnTitle(), QStringLiteral("s"), result.time});
+    table.columns.push_back({D::meanColumnTitle(), result.unit, std::move(average.mean)});
+    table.columns.push_back({D::semColumnTitle(), result.unit, std::move(average.sem)});
+    return table;
 }
 
 TableData PerieventExport::statisticTable(const StoredPerieventResult& result,
@@ -55,6 +82,8 @@ QString PerieventExport::write(const StoredPerieventResult& result, const QStrin
                                QStringList& paths, Feedback* feedback)
 {
     QString error = written(matrixTable(result), csvPath, paths, feedback);
+    if (error.isEmpty())
+        error = written(averageTable(result), statisticPath(csvPath, D::MeanSemFileSuffix), paths, nullptr);
     for (std::size_t s = 0; error.isEmpty() && s < result.statistics.size(); ++s) {
         const StoredPerieventResult::Statistic& statistic = result.statistics[s];
         error = written(statisticTable(result, statistic), statisticPath(csvPath, statistic.name), paths,

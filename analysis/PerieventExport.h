@@ -11,13 +11,22 @@ namespace zarvi {
 class Feedback;
 
 /// Exports saved perievent results to .csv: the matrix as one row per kept event (its
-/// name first) and one column per time point headed "<time> (s)", and each statistic
-/// as one row per event and one column per time frame headed "<frame> (<unit>)". The
-/// statistics go beside the matrix's file, named "<base>_<statistic>.csv". Plain
-/// functions, any thread.
+/// name first) and one column per time point headed "<time> (s)"; the mean ± SEM trace
+/// as columns "Time (s)", "Mean (<unit>)", "SEM (<unit>)" in "<base>_MeanSEM.csv"; and
+/// each statistic as one row per event and one column per time frame headed
+/// "<frame> (<unit>)" in "<base>_<statistic>.csv". Plain functions, any thread.
 class PerieventExport
 {
 public:
+    /// Per time point, the mean across trials and its standard error: the n - 1
+    /// standard deviation over sqrt(n), 0 for a single trial.
+    struct TrialAverage
+    {
+        std::vector<double> mean;
+        std::vector<double> sem;
+    };
+    static TrialAverage trialAverage(const arma::mat& trials);
+    static TableData averageTable(const StoredPerieventResult& result);
     static TableData matrixTable(const StoredPerieventResult& result);
     static TableData statisticTable(const StoredPerieventResult& result,
                                     const StoredPerieventResult::Statistic& statistic);

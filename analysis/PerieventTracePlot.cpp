@@ -1,10 +1,11 @@
 #include "analysis/PerieventTracePlot.h"
 
+#include "analysis/PerieventExport.h"
+
 #include "analysis/operations/perievents/PerieventResultFile.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/PlotStyle.h"
-#include "numeric/Statistics.h"
 
 #include <QVBoxLayout>
 
@@ -19,22 +20,6 @@ namespace {
 
 using D = AnalysisOperationDefinitions;
 using ZMD = ZarviMainDefinitions;
-
-/// Per column of a trial-by-time matrix, the mean across trials and its standard error:
-/// the n - 1 standard deviation over sqrt(n), 0 for a single trial.
-void trialAverage(const arma::mat& trials, QVector<double>& mean, QVector<double>& sem)
-{
-    mean = QVector<double>(static_cast<qsizetype>(trials.n_cols), 0.0);
-    sem = QVector<double>(static_cast<qsizetype>(trials.n_cols), 0.0);
-    const auto rows = static_cast<std::size_t>(trials.n_rows);
-    for (arma::uword j = 0; rows > 0 && j < trials.n_cols; ++j) {
-        // Columns are contiguous in the column-major matrix.
-        const std::span<const double> column(trials.colptr(j), rows);
-        mean[static_cast<qsizetype>(j)] = Statistics::mean(column);
-        sem[static_cast<qsizetype>(j)] =
-            Statistics::standardDeviation(column) / std::sqrt(static_cast<double>(rows));
-    }
-}
 
 } // namespace
 
@@ -71,8 +56,9 @@ PerieventTracePlot::PerieventTracePlot(QWidget* parent) : QWidget(parent), m_plo
 
 void PerieventTracePlot::setResult(const StoredPerieventResult& result)
 {
-    QVector<double> mean, sem;
-    trialAverage(result.matrix, mean, sem);
+    const PerieventExport::TrialAverage average = PerieventExport::trialAverage(result.matrix);
+    const QVector<double> mean(average.mean.begin(), average.mean.end());
+    const QVector<double> sem(average.sem.begin(), average.sem.end());
     const QVector<double> time(result.time.begin(), result.time.end());
     QVector<double> upper(mean.size()), lower(mean.size());
     for (qsizetype j = 0; j < mean.size(); ++j) {

@@ -70,6 +70,11 @@ public:
     static inline const QString TimeFramesAxis = QStringLiteral("Statistic Time Frames");
     /// Header of the event-name column of an exported table.
     static inline const QString EventColumn = QStringLiteral("Event");
+    /// The exported mean ± SEM trace: "<base>_MeanSEM.csv" with these column titles.
+    static inline const QString MeanSemFileSuffix = QStringLiteral("MeanSEM");
+    static QString timeColumnTitle() { return tr("Time"); }
+    static QString meanColumnTitle() { return tr("Mean"); }
+    static QString semColumnTitle() { return tr("SEM"); }
 
     // Choice values.
     static inline const QString Both = QStringLiteral("Both");

@@ -280,7 +280,8 @@ TEST_F(PerieventOperationTest, CsvExportReadsBackAsTheMatrix)
     const QString csv = dir.file(QStringLiteral("trials.csv"));
     QStringList written;
     ASSERT_EQ(PerieventExport::exportFromFile(file, resultGroup + "/Biosensor", csv, written), QString());
-    EXPECT_EQ(written, QStringList({csv, dir.file("trials_Mean.csv"), dir.file("trials_Maximum.csv")}));
+    EXPECT_EQ(written, QStringList({csv, dir.file("trials_MeanSEM.csv"), dir.file("trials_Mean.csv"),
+                                    dir.file("trials_Maximum.csv")}));
 
     // The first column holds the event names; the rest is numbers the reader parses.
     QFile text(csv);
@@ -317,6 +318,25 @@ TEST_F(PerieventOperationTest, CsvExportReadsBackAsTheMatrix)
         for (std::size_t r = 0; r < rows; ++r)
             ASSERT_EQ(table.columns[c].values[r], matrix.values[r * columns + c]) << r << ", " << c;
     }
+
+    // The mean ± SEM trace, by hand from the matrix at the first time point.
+    CsvTableReaderConfig averageConfig;
+    averageConfig.path = dir.file("trials_MeanSEM.csv");
+    const CsvTable average = CsvTableReader::read(averageConfig);
+    ASSERT_TRUE(average.ok()) << average.error.toStdString();
+    EXPECT_EQ(average.columnNames, (QStringList{"Time", "Mean", "SEM"}));
+    EXPECT_EQ(average.columns[0].unit, matrix.attributes.value(QStringLiteral("Unit")).toString());
+    EXPECT_EQ(average.time, time.values);
+    double sum = 0.0, squares = 0.0;
+    for (std::size_t r = 0; r < rows; ++r)
+        sum += matrix.values[r * columns];
+    const double mean = sum / static_cast<double>(rows);
+    for (std::size_t r = 0; r < rows; ++r)
+        squares += (matrix.values[r * columns] - mean) * (matrix.values[r * columns] - mean);
+    EXPECT_NEAR(average.columns[0].values[0], mean, 1e-12);
+    EXPECT_NEAR(average.columns[1].values[0],
+                std::sqrt(squares / static_cast<double>(rows - 1)) / std::sqrt(static_cast<double>(rows)),
+                1e-12);
 
     QFile statistic(dir.file("trials_Mean.csv"));
     ASSERT_TRUE(statistic.open(QIODevice::ReadOnly | QIODevice::Text));

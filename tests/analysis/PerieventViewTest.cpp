@@ -394,7 +394,7 @@ TEST_F(PerieventViewTest, SavedResultOpensInTheResultViews)
     EXPECT_EQ(view.heatMap()->colorScale()->axis()->labelColor(), QColor(QStringLiteral("#cccccc")));
     QStringList written;
     EXPECT_EQ(view.exportCsv(dir.file("trials.csv"), written), QString());
-    EXPECT_EQ(written.size(), 3);
+    EXPECT_EQ(written.size(), 4); // the matrix, the mean ± SEM trace and two statistics
 
     // The file browser shows the result group in the result view.
     DatasetPlugin plugin(QStringLiteral("zarvi"), QStringLiteral("2.0.8.1"), nullptr);
