@@ -78,9 +78,13 @@ QString PerieventExport::statisticPath(const QString& csvPath, const QString& st
     return QStringLiteral("%1_%2.csv").arg(base, statistic);
 }
 
-QString PerieventExport::write(const StoredPerieventResult& result, const QString& csvPath,
+QString PerieventExport::write(const StoredPerieventResult& result, const QString& typedPath,
                                QStringList& paths, Feedback* feedback)
 {
+    // A name typed without the extension gets it, as the files written beside it do.
+    const QString csvPath = typedPath.endsWith(QStringLiteral(".csv"), Qt::CaseInsensitive)
+                                ? typedPath
+                                : typedPath + QStringLiteral(".csv");
     QString error = written(matrixTable(result), csvPath, paths, feedback);
     if (error.isEmpty())
         error = written(averageTable(result), statisticPath(csvPath, D::MeanSemFileSuffix), paths, nullptr);

@@ -33,8 +33,9 @@ public:
     /// csvPath without its ".csv", then "_<statistic>.csv".
     static QString statisticPath(const QString& csvPath, const QString& statistic);
 
-    /// Writes the matrix to `csvPath` and every statistic beside it; `written` gets the
-    /// paths. The message of the first failure, else empty.
+    /// Writes the matrix to `csvPath` (".csv" added when it lacks it), the mean ± SEM
+    /// trace and every statistic beside it; `written` gets the paths. The message of the
+    /// first failure, else empty.
     static QString write(const StoredPerieventResult& result, const QString& csvPath, QStringList& written,
                          Feedback* feedback = nullptr);
 

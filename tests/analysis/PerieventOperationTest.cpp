@@ -8,6 +8,7 @@
 #include "fileeditor/CsvTableReader.h"
 #include "framework/OperationRunner.h"
 
+#include <QFileInfo>
 #include <QTextStream>
 
 #include <gtest/gtest.h>
@@ -341,6 +342,13 @@ TEST_F(PerieventOperationTest, CsvExportReadsBackAsTheMatrix)
     QFile statistic(dir.file("trials_Mean.csv"));
     ASSERT_TRUE(statistic.open(QIODevice::ReadOnly | QIODevice::Text));
     EXPECT_EQ(QString::fromUtf8(statistic.readLine()).trimmed(), "Event,Baseline (V),Response (V)");
+
+    // A name typed without the extension gets it, like the files beside it.
+    written.clear();
+    ASSERT_EQ(PerieventExport::exportFromFile(file, resultGroup + "/Biosensor", dir.file("plain"), written),
+              QString());
+    EXPECT_EQ(written.first(), dir.file("plain.csv"));
+    EXPECT_TRUE(QFileInfo::exists(dir.file("plain.csv")));
 }
 
 TEST(PerieventOperation, TooManyEventsOrACancelWriteNothing)
