@@ -122,6 +122,8 @@ TEST(ConvertDialog, PreviewsTheFirstRowsWithTheRoleOfEachColumn)
     // The role row, then the three data rows as written.
     ASSERT_EQ(preview->rowCount(), 4);
     EXPECT_EQ(preview->item(3, 0)->text(), "0.2");
+    dialog.show();
+    dialog.grab().save(QStringLiteral(ZARVI_TEST_BINARY_DIR "/convert-dialog.png")); // for people to look at
     child<QLineEdit>(dialog, "le_triggerColumns")->clear();
     child<QLineEdit>(dialog, "le_eventColumns")->setText(QStringLiteral("4"));
     EXPECT_EQ(preview->roleText(3), "Event times");
