@@ -1,6 +1,6 @@
 #include "roi/ImageJRoiReader.h"
 
-#include "roi/ZipArchiveReader.h"
+#include "datafile/ZipArchiveReader.h"
 
 #include <QFile>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "roi/ZipArchiveReader.h"
+#include "datafile/ZipArchiveReader.h"
 
 #include <QtEndian>
 
@@ -21,8 +21,9 @@ constexpr std::uint16_t Stored = 0;
 constexpr std::uint16_t Deflated = 8;
 constexpr std::uint16_t EncryptedFlag = 0x0001;
 constexpr std::uint16_t Utf8NameFlag = 0x0800;
-/// A ROI file holds a few kilobytes; a larger entry is no ROI and is not inflated.
-constexpr std::uint32_t LargestEntry = 64u << 20;
+/// A ROI file holds a few kilobytes and a workbook sheet of a million rows some hundred
+/// megabytes; a larger entry is not inflated, to keep a damaged size from taking the memory.
+constexpr std::uint32_t LargestEntry = 1024u << 20;
 
 /// Little-endian fields at an offset the caller has checked to lie inside `bytes`.
 std::uint16_t u16(const QByteArray& bytes, qsizetype at)
@@ -90,9 +91,7 @@ bool readEntry(const QByteArray& bytes, qsizetype at, ZipArchiveReader::Entry& e
         return false;
     }
     if (size > LargestEntry) {
-        error = QStringLiteral("The archive entry %1 holds %2 bytes, too many for a region of interest.")
-                    .arg(name)
-                    .arg(size);
+        error = QStringLiteral("The archive entry %1 holds %2 bytes, too many to read.").arg(name).arg(size);
         return false;
     }
     if (!fits(bytes, localHeader, LocalHeaderSize) || u32(bytes, localHeader) != LocalHeaderSignature) {

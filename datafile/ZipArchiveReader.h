@@ -7,8 +7,9 @@
 
 namespace zarvi {
 
-/// Reads every file of a ZIP archive into memory, for the small archives other imaging
-/// programs save their ROI sets in. Only what those archives use is read: entries
+/// Reads every file of a ZIP archive into memory, for the archives other programs save
+/// their ROI sets and spreadsheet workbooks (.xlsx) in. Only what those archives use is
+/// read: entries
 /// stored or deflated (inflated with zlib), without encryption or ZIP64, each checked
 /// against its CRC-32. We read the central directory ourselves because zlib, already a
 /// dependency of Qt and HDF5, is all that takes; no archive library is needed. Plain
