@@ -208,15 +208,24 @@ public:
     {
         return tr("<b>%1</b> holds %2 timestamps, but the stack has %3 frames.");
     }
-    static QString xlsxNotReadMessage()
+    static QString notWorkbookMessage() { return tr("<b>%1</b> is not an Excel workbook (.xlsx): %2"); }
+    static QString workbookPartMissingMessage()
     {
-        return tr("<b>%1</b> is an Excel workbook. Workbooks cannot be read: no .xlsx reader is available to "
-                  "this program. Save the sheet as .csv in your spreadsheet program and convert the .csv "
-                  "file.");
+        return tr("<b>%1</b> is damaged: its part <b>%2</b> is missing.");
+    }
+    static QString workbookPartDamagedMessage()
+    {
+        return tr("<b>%1</b> is damaged: its part <b>%2</b> is not readable XML (%3).");
+    }
+    static QString workbookNoSheetsMessage() { return tr("<b>%1</b> holds no sheets."); }
+    static QString sheetMissingMessage()
+    {
+        return tr("<b>%1</b> has no sheet named <b>%2</b>; its sheets are %3.");
     }
     static QString spreadsheetNoteText()
     {
-        return tr("Only .csv files are read: save .xlsx workbooks as .csv first.");
+        return tr(".csv files and the sheets of .xlsx workbooks are read; dates and times in a workbook are "
+                  "read as the serial numbers the workbook stores.");
     }
     static QString noTimeColumnMessage() { return tr("Choose the column that holds the time."); }
     static QString noValueColumnsMessage()
@@ -346,6 +355,7 @@ public:
     static QString timestampsText() { return tr("Timestamps file (.csv, one column of seconds)"); }
     static QString asImageStackText() { return tr("Also store the frames as a greyscale image stack"); }
     static QString spreadsheetTitle() { return tr("Columns"); }
+    static QString sheetLabel() { return tr("Sheet"); }
     static QString timeColumnLabel() { return tr("Time column"); }
     static QString timeUnitLabel() { return tr("Time unit"); }
     static QString eventColumnsLabel() { return tr("Event columns"); }
@@ -358,7 +368,7 @@ public:
     static QString closeButtonText() { return tr("Close"); }
     static QString tiffFilter() { return tr("TIFF stacks (*.tif *.tiff)"); }
     static QString videoFilter() { return tr("Videos (*.avi *.mp4 *.mpeg *.mpg)"); }
-    static QString spreadsheetFilter() { return tr("Spreadsheets (*.csv *.txt)"); }
+    static QString spreadsheetFilter() { return tr("Spreadsheets (*.csv *.txt *.xlsx *.xlsm)"); }
     static QString chooseSourceMessage() { return tr("Choose the file or folder to convert."); }
     static QString chooseTargetMessage() { return tr("Choose the data file to convert into."); }
     static QString chooseTimestampsMessage() { return tr("Choose the timestamps file."); }

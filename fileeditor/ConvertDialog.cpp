@@ -1,6 +1,7 @@
 #include "fileeditor/ConvertDialog.h"
 
 #include "fileeditor/CsvColumnPreview.h"
+#include "fileeditor/XlsxSheetReader.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -15,6 +16,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QSignalBlocker>
 #include <QSpinBox>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -136,6 +138,10 @@ void ConvertDialog::buildWidgets()
     m_columns = new QGroupBox(Texts::spreadsheetTitle(), this);
     m_columns->setObjectName(QStringLiteral("gb_columns"));
     auto* columnsForm = new QFormLayout(m_columns);
+    m_sheet = new QComboBox(m_columns);
+    m_sheet->setObjectName(QStringLiteral("cb_sheet"));
+    m_sheetLabel = new QLabel(Texts::sheetLabel(), m_columns);
+    columnsForm->addRow(m_sheetLabel, m_sheet);
     m_timeColumn = new QSpinBox(m_columns);
     m_timeColumn->setObjectName(QStringLiteral("sb_timeColumn"));
     m_timeColumn->setRange(1, 100000);
@@ -202,10 +208,8 @@ void ConvertDialog::buildWidgets()
 
     connect(m_sourceType, &QComboBox::currentIndexChanged, this, &ConvertDialog::updateVisibility);
     // The preview follows the file and every field that gives a column its role.
-    connect(m_source, &QLineEdit::textChanged, this, [this] {
-        if (sourceType() == Spreadsheet)
-            m_columnPreview->setSource(m_source->text().trimmed());
-    });
+    connect(m_source, &QLineEdit::textChanged, this, &ConvertDialog::updateSheets);
+    connect(m_sheet, &QComboBox::currentIndexChanged, this, &ConvertDialog::updatePreview);
     connect(m_timeColumn, &QSpinBox::valueChanged, this, &ConvertDialog::updateColumnRoles);
     for (QLineEdit* field : {m_eventColumns, m_triggerColumns, m_signalUnit})
         connect(field, &QLineEdit::textChanged, this, &ConvertDialog::updateColumnRoles);
@@ -239,13 +243,39 @@ void ConvertDialog::updateVisibility()
     m_timestamps->setEnabled(!m_useRate->isChecked());
     m_asStack->setVisible(type == Video);
     m_columns->setVisible(type == Spreadsheet);
-    if (type == Spreadsheet)
-        m_columnPreview->setSource(m_source->text().trimmed());
+    updateSheets();
     // A version-5 file is copied into a new file of its own.
     m_existingFile->setEnabled(type != Version5);
     if (type == Version5)
         m_newFile->setChecked(true);
     m_target->setPlaceholderText(type == Version5 ? Texts::version6TargetPlaceholder() : QString());
+}
+
+void ConvertDialog::updateSheets()
+{
+    if (sourceType() != Spreadsheet)
+        return;
+    const QString path = m_source->text().trimmed();
+    const bool workbook = XlsxSheetReader::isWorkbook(path);
+    QStringList names;
+    QString error;
+    // An unreadable workbook lists no sheets; Convert says what is wrong with it.
+    if (workbook)
+        XlsxSheetReader::sheetNames(path, names, error);
+    {
+        const QSignalBlocker blocker(m_sheet);
+        m_sheet->clear();
+        m_sheet->addItems(names);
+    }
+    m_sheetLabel->setVisible(workbook);
+    m_sheet->setVisible(workbook);
+    updatePreview();
+}
+
+void ConvertDialog::updatePreview()
+{
+    if (sourceType() == Spreadsheet)
+        m_columnPreview->setSource(m_source->text().trimmed(), m_sheet->currentText());
 }
 
 void ConvertDialog::updateColumnRoles()
@@ -375,6 +405,7 @@ std::optional<ConversionRequest> ConvertDialog::buildRequest(QString& problem) c
     if (type == Spreadsheet) {
         SpreadsheetConversionConfig config;
         config.sourcePath = source;
+        config.sheet = m_sheet->currentText();
         config.destination = to;
         config.timeColumn = m_timeColumn->value() - 1;
         config.timeUnit = static_cast<TimeUnit>(m_timeUnit->currentData().toInt());

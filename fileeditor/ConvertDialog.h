@@ -65,6 +65,9 @@ private:
     void browseSource();
     /// Shows in the preview the roles the column fields give.
     void updateColumnRoles();
+    /// Lists the sheets of a workbook source, shown only for one, and previews its columns.
+    void updateSheets();
+    void updatePreview();
     void browseTimestamps();
     void browseTarget();
     SourceType sourceType() const;
@@ -86,6 +89,8 @@ private:
     QLineEdit* m_timestamps = nullptr;
     QCheckBox* m_asStack = nullptr;
     QGroupBox* m_columns = nullptr;
+    QLabel* m_sheetLabel = nullptr;
+    QComboBox* m_sheet = nullptr;
     QSpinBox* m_timeColumn = nullptr;
     QComboBox* m_timeUnit = nullptr;
     QLineEdit* m_eventColumns = nullptr;

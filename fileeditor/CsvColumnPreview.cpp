@@ -27,10 +27,10 @@ CsvColumnPreview::CsvColumnPreview(QWidget* parent) : QTableWidget(parent)
     horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
 }
 
-void CsvColumnPreview::setSource(const QString& path)
+void CsvColumnPreview::setSource(const QString& path, const QString& sheet)
 {
-    m_preview = CsvTableReader::preview(path, PreviewLines);
-    m_hasHeader = m_preview.error.isEmpty() && SpreadsheetConverter::startsWithHeader(path);
+    m_preview = CsvTableReader::preview(path, PreviewLines, CsvDelimiter::Automatic, sheet);
+    m_hasHeader = m_preview.error.isEmpty() && SpreadsheetConverter::startsWithHeader(path, sheet);
     refresh();
 }
 

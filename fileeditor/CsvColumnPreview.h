@@ -27,8 +27,9 @@ class CsvColumnPreview : public QTableWidget
 public:
     explicit CsvColumnPreview(QWidget* parent = nullptr);
 
-    /// Reads the first rows of `path`; an unreadable file leaves the table empty.
-    void setSource(const QString& path);
+    /// Reads the first rows of `path` (of its sheet `sheet` for a workbook, the first when
+    /// empty); an unreadable file leaves the table empty.
+    void setSource(const QString& path, const QString& sheet = QString());
     void setRoles(const CsvColumnRoles& roles);
     /// The role shown above column `column` (from 0).
     QString roleText(int column) const;

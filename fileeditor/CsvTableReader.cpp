@@ -15,6 +15,7 @@
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/DigitalEdges.h"
+#include "fileeditor/XlsxSheetReader.h"
 
 namespace zarvi {
 
@@ -273,6 +274,151 @@ void findPulses(const std::vector<double>& values, const std::vector<double>& ti
     pulses.offsets = edges.offsets();
 }
 
+/// Turns rows of cell texts into the table, with the same rules whether the rows come
+/// from the lines of a delimited text file or from the rows of a workbook sheet. The
+/// first row fixes the number of columns and, when the table has a header, names them.
+class TableBuilder
+{
+public:
+    TableBuilder(const CsvTableReaderConfig& config, CsvTable& table, bool allowDecimalComma)
+        : m_config(config), m_table(table), m_allowDecimalComma(allowDecimalComma),
+          m_headerPending(config.hasHeader)
+    {
+    }
+
+    std::size_t columnCount() const { return m_columnCount; }
+
+    /// Adds one row; `expectedRows` sizes the columns when it is the first. False with the
+    /// table's error set when the row cannot be read.
+    bool add(const std::vector<std::string_view>& cells, std::size_t lineNumber, std::size_t expectedRows)
+    {
+        if (m_columnCount == 0) {
+            if (!start(cells, expectedRows))
+                return false;
+            if (m_headerPending) {
+                m_headerPending = false;
+                return true;
+            }
+        }
+        if (cells.size() != m_columnCount) {
+            m_table.error = Texts::columnCountMessage().arg(lineNumber).arg(cells.size()).arg(m_columnCount);
+            return false;
+        }
+        for (std::size_t c = 0; c < m_columnCount; ++c) {
+            const std::string_view cell = cells[c];
+            const ColumnRole role = m_roles[c];
+            if (cell.empty()) {
+                if (role.kind == ColumnRole::Event)
+                    continue;
+                m_table.error = Texts::emptyCellMessage().arg(lineNumber).arg(c + 1);
+                return false;
+            }
+            double value = 0.0;
+            if (!parseNumber(cell, m_allowDecimalComma, m_scratch, value)) {
+                m_table.error = Texts::notNumberMessage().arg(lineNumber).arg(c + 1).arg(cellText(cell));
+                return false;
+            }
+            switch (role.kind) {
+            case ColumnRole::Time:
+                m_table.time.push_back(toSeconds(value, m_config.timeUnit));
+                break;
+            case ColumnRole::Event:
+                m_table.events[role.slot].values.push_back(toSeconds(value, m_eventUnits[role.slot]));
+                break;
+            case ColumnRole::Trigger:
+                m_triggerValues[role.slot].push_back(value);
+                break;
+            case ColumnRole::Data:
+                m_table.columns[role.slot].values.push_back(value);
+                break;
+            }
+        }
+        ++m_rows;
+        return true;
+    }
+
+    /// Checks that the table holds rows and finds the trigger columns' pulses.
+    void finish(const QString& path)
+    {
+        if (m_columnCount == 0)
+            m_table.error = Texts::emptyFileMessage().arg(path);
+        else if (m_rows == 0)
+            m_table.error = Texts::noDataRowsMessage().arg(path);
+        for (std::size_t t = 0; m_table.ok() && t < m_triggerValues.size(); ++t)
+            findPulses(m_triggerValues[t], m_table.time, m_config.triggerColumns[t].threshold,
+                       m_table.triggers[t]);
+    }
+
+private:
+    bool start(const std::vector<std::string_view>& cells, std::size_t expectedRows)
+    {
+        m_columnCount = cells.size();
+        m_table.error = assignRoles(m_config, m_columnCount, m_roles);
+        if (!m_table.error.isEmpty())
+            return false;
+        m_table.events.resize(std::count_if(m_roles.begin(), m_roles.end(), [](const ColumnRole& role) {
+            return role.kind == ColumnRole::Event;
+        }));
+        m_table.triggers.resize(m_config.triggerColumns.size());
+        m_triggerValues.resize(m_config.triggerColumns.size());
+        m_eventUnits.assign(m_table.events.size(), m_config.timeUnit);
+        const QStringList units =
+            nameColumns(m_headerPending ? cells : std::vector<std::string_view>(), m_roles, m_table);
+        for (std::size_t c = 0; c < m_roles.size(); ++c) {
+            if (m_roles[c].kind == ColumnRole::Event)
+                m_eventUnits[m_roles[c].slot] = timeUnitNamed(units[c]).value_or(m_config.timeUnit);
+        }
+        if (m_config.timeColumn >= 0)
+            m_table.time.reserve(expectedRows);
+        for (CsvColumn& column : m_table.columns)
+            column.values.reserve(expectedRows);
+        return true;
+    }
+
+    const CsvTableReaderConfig& m_config;
+    CsvTable& m_table;
+    const bool m_allowDecimalComma;
+    bool m_headerPending;
+    std::vector<ColumnRole> m_roles;
+    std::size_t m_columnCount = 0;
+    std::size_t m_rows = 0;
+    std::string m_scratch;
+    // Trigger columns are held as sampled until their levels are known.
+    std::vector<std::vector<double>> m_triggerValues;
+    std::vector<TimeUnit> m_eventUnits;
+};
+
+/// Reads a sheet of a workbook: its rows, widened to the widest, in place of lines.
+/// Workbooks store numbers with a decimal point whatever the reader's locale, so a
+/// decimal comma is a text cell, not a number.
+CsvTable readSheet(const CsvTableReaderConfig& config, Feedback* feedback)
+{
+    CsvTable table;
+    std::vector<XlsxRow> rows;
+    if (!XlsxSheetReader::readSheet(config.path, config.sheet, rows, table.error))
+        return table;
+    std::size_t width = 0;
+    for (const XlsxRow& row : rows)
+        width = std::max(width, row.cells.size());
+    ProgressTracker progress(feedback, rows.size());
+    TableBuilder builder(config, table, false);
+    std::vector<std::string_view> cells;
+    for (std::size_t r = 0; r < rows.size(); ++r) {
+        if (progress.isCanceled()) {
+            table.canceled = true;
+            table.error = Texts::canceledMessage();
+            return table;
+        }
+        progress.update(r);
+        cells.assign(width, std::string_view());
+        std::copy(rows[r].cells.begin(), rows[r].cells.end(), cells.begin());
+        if (!builder.add(cells, rows[r].number, rows.size()))
+            return table;
+    }
+    builder.finish(config.path);
+    return table;
+}
+
 } // namespace
 
 std::pair<QString, QString> splitHeaderUnit(const QString& header)
@@ -303,9 +449,23 @@ bool parseTriggerColumns(const QString& text, std::vector<CsvTriggerColumn>& col
     return true;
 }
 
-CsvPreview CsvTableReader::preview(const QString& path, int lineCount, CsvDelimiter delimiter)
+CsvPreview CsvTableReader::preview(const QString& path, int lineCount, CsvDelimiter delimiter,
+                                   const QString& sheet)
 {
     CsvPreview preview;
+    if (XlsxSheetReader::isWorkbook(path)) {
+        std::vector<XlsxRow> rows;
+        if (!XlsxSheetReader::readSheet(path, sheet, rows, preview.error,
+                                        static_cast<std::size_t>(lineCount)))
+            return preview;
+        for (const XlsxRow& row : rows) {
+            QStringList texts;
+            for (const std::string& cell : row.cells)
+                texts << QString::fromStdString(cell);
+            preview.lines.push_back(texts);
+        }
+        return preview;
+    }
     std::ifstream in(std::filesystem::path(path.toStdU16String()), std::ios::binary);
     if (!QFileInfo(path).isFile() || !in) {
         preview.error = Texts::unableToOpenMessage().arg(path);
@@ -340,6 +500,8 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
         table.error = Texts::missingFileMessage().arg(config.path);
         return table;
     }
+    if (XlsxSheetReader::isWorkbook(config.path))
+        return readSheet(config, feedback);
     std::ifstream in(std::filesystem::path(config.path.toStdU16String()), std::ios::binary);
     if (!in) {
         table.error = Texts::unableToOpenMessage().arg(config.path);
@@ -348,18 +510,10 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
 
     ProgressTracker progress(feedback, static_cast<std::size_t>(info.size()));
     std::string line;
-    std::string scratch;
     std::vector<std::string_view> cells;
-    std::vector<ColumnRole> roles;
-    std::size_t columnCount = 0;
     std::size_t lineNumber = 0;
     std::size_t bytesRead = 0;
-    std::size_t rows = 0;
-    bool headerPending = config.hasHeader;
-    bool allowDecimalComma = false;
-    // Trigger columns are held as sampled until their levels are known.
-    std::vector<std::vector<double>> triggerValues;
-    std::vector<TimeUnit> eventUnits;
+    std::optional<TableBuilder> builder;
 
     while (std::getline(in, line)) {
         ++lineNumber;
@@ -377,90 +531,33 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
         if (isBlankLine(line))
             continue;
 
-        if (columnCount == 0) {
+        if (!builder) {
             table.delimiter = delimiterOf(config.delimiter, line);
-            allowDecimalComma = table.delimiter != ',';
+            builder.emplace(config, table, table.delimiter != ',');
             splitLine(line, table.delimiter, cells);
             // A delimiter after the last cell of the first line is a habit of the writing
             // program, not an extra column.
             if (cells.size() > 1 && cells.back().empty())
                 cells.pop_back();
-            columnCount = cells.size();
-            table.error = assignRoles(config, columnCount, roles);
-            if (!table.error.isEmpty())
-                return table;
-            table.events.resize(std::count_if(roles.begin(), roles.end(), [](const ColumnRole& role) {
-                return role.kind == ColumnRole::Event;
-            }));
-            table.triggers.resize(config.triggerColumns.size());
-            triggerValues.resize(config.triggerColumns.size());
-            eventUnits.assign(table.events.size(), config.timeUnit);
-            const QStringList units =
-                nameColumns(headerPending ? cells : std::vector<std::string_view>(), roles, table);
-            for (std::size_t c = 0; c < roles.size(); ++c) {
-                if (roles[c].kind == ColumnRole::Event)
-                    eventUnits[roles[c].slot] = timeUnitNamed(units[c]).value_or(config.timeUnit);
-            }
-            // Room for all rows, judged from the length of the first line.
-            const std::size_t expectedRows = static_cast<std::size_t>(info.size()) / (line.size() + 1) + 1;
-            if (config.timeColumn >= 0)
-                table.time.reserve(expectedRows);
-            for (CsvColumn& column : table.columns)
-                column.values.reserve(expectedRows);
-            if (headerPending) {
-                headerPending = false;
-                continue;
-            }
         } else {
             splitLine(line, table.delimiter, cells);
-            if (cells.size() == columnCount + 1 && cells.back().empty())
+            if (cells.size() == builder->columnCount() + 1 && cells.back().empty())
                 cells.pop_back();
         }
-
-        if (cells.size() != columnCount) {
-            table.error = Texts::columnCountMessage().arg(lineNumber).arg(cells.size()).arg(columnCount);
+        // Room for all rows, judged from the length of the first line.
+        if (!builder->add(cells, lineNumber, static_cast<std::size_t>(info.size()) / (line.size() + 1) + 1))
             return table;
-        }
-        for (std::size_t c = 0; c < columnCount; ++c) {
-            const std::string_view cell = cells[c];
-            const ColumnRole role = roles[c];
-            if (cell.empty()) {
-                if (role.kind == ColumnRole::Event)
-                    continue;
-                table.error = Texts::emptyCellMessage().arg(lineNumber).arg(c + 1);
-                return table;
-            }
-            double value = 0.0;
-            if (!parseNumber(cell, allowDecimalComma, scratch, value)) {
-                table.error = Texts::notNumberMessage().arg(lineNumber).arg(c + 1).arg(cellText(cell));
-                return table;
-            }
-            switch (role.kind) {
-            case ColumnRole::Time:
-                table.time.push_back(toSeconds(value, config.timeUnit));
-                break;
-            case ColumnRole::Event:
-                table.events[role.slot].values.push_back(toSeconds(value, eventUnits[role.slot]));
-                break;
-            case ColumnRole::Trigger:
-                triggerValues[role.slot].push_back(value);
-                break;
-            case ColumnRole::Data:
-                table.columns[role.slot].values.push_back(value);
-                break;
-            }
-        }
-        ++rows;
     }
 
-    if (in.bad())
+    if (in.bad()) {
         table.error = Texts::readFailedMessage().arg(config.path);
-    else if (columnCount == 0)
+        return table;
+    }
+    if (!builder) {
         table.error = Texts::emptyFileMessage().arg(config.path);
-    else if (rows == 0)
-        table.error = Texts::noDataRowsMessage().arg(config.path);
-    for (std::size_t t = 0; table.ok() && t < triggerValues.size(); ++t)
-        findPulses(triggerValues[t], table.time, config.triggerColumns[t].threshold, table.triggers[t]);
+        return table;
+    }
+    builder->finish(config.path);
     return table;
 }
 

@@ -52,6 +52,9 @@ bool parseTriggerColumns(const QString& text, std::vector<CsvTriggerColumn>& col
 struct CsvTableReaderConfig
 {
     QString path;
+    /// The sheet of an .xlsx workbook to read; empty for the first sheet. Unused for text
+    /// files.
+    QString sheet;
     CsvDelimiter delimiter = CsvDelimiter::Automatic;
     /// The first non-empty line names the columns.
     bool hasHeader = true;
@@ -116,7 +119,9 @@ struct CsvPreview
     QString error;
 };
 
-/// Parses a delimited text table of numbers (.csv, .txt) for the spreadsheet conversion.
+/// Parses a table of numbers for the spreadsheet conversion: a delimited text file (.csv,
+/// .txt), or a sheet of an Excel workbook (.xlsx, .xlsm), whose rows are read with the
+/// same rules as lines, numbered as the sheet numbers them.
 /// Streams the file line by line, so only the parsed numbers are held; accepts CRLF
 /// line ends, a UTF-8 byte-order mark, quoted cells, a delimiter after the last cell,
 /// blank lines, and decimal commas when the delimiter is not a comma. A bad cell stops
@@ -126,9 +131,11 @@ class CsvTableReader
 {
 public:
     static CsvTable read(const CsvTableReaderConfig& config, Feedback* feedback = nullptr);
-    /// The first `lineCount` non-blank lines split into cells as read() splits them.
+    /// The first `lineCount` non-blank lines (or rows of the workbook sheet `sheet`, the
+    /// first when empty) split into cells as read() splits them.
     static CsvPreview preview(const QString& path, int lineCount,
-                              CsvDelimiter delimiter = CsvDelimiter::Automatic);
+                              CsvDelimiter delimiter = CsvDelimiter::Automatic,
+                              const QString& sheet = QString());
 };
 
 } // namespace zarvi

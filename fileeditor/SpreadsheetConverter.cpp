@@ -10,6 +10,7 @@
 #include "datafile/SignalDataset.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
+#include "fileeditor/XlsxSheetReader.h"
 
 namespace zarvi {
 
@@ -37,14 +38,6 @@ QString storedName(const QString& name, const QString& generated, QSet<QString>&
         unique = QStringLiteral("%1_%2").arg(safe).arg(k);
     used.insert(unique);
     return unique;
-}
-
-/// File names that end like an Excel workbook.
-bool isWorkbook(const QString& path)
-{
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    return suffix == QStringLiteral("xlsx") || suffix == QStringLiteral("xls") ||
-           suffix == QStringLiteral("xlsm");
 }
 
 /// Writes one signal per value column, all on the table's time.
@@ -174,8 +167,17 @@ bool writeEvents(const SpreadsheetConversionConfig& config, CsvTable& table, Con
 
 } // namespace
 
-bool SpreadsheetConverter::startsWithHeader(const QString& path)
+bool SpreadsheetConverter::startsWithHeader(const QString& path, const QString& sheet)
 {
+    if (XlsxSheetReader::isWorkbook(path)) {
+        const CsvPreview first = CsvTableReader::preview(path, 1, CsvDelimiter::Automatic, sheet);
+        return !first.lines.empty() &&
+               std::any_of(first.lines[0].begin(), first.lines[0].end(), [](const QString& cell) {
+                   bool number = false;
+                   cell.toDouble(&number);
+                   return !cell.isEmpty() && !number;
+               });
+    }
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
         return false;
@@ -205,9 +207,7 @@ ConversionResult SpreadsheetConverter::convert(const SpreadsheetConversionConfig
     ConversionResult result;
     const ConversionDestination& to = config.destination;
     result.filepath = to.filepath;
-    if (isWorkbook(config.sourcePath))
-        result.error = Texts::xlsxNotReadMessage().arg(config.sourcePath);
-    else if (!ConversionTarget::isUsableName(to.device))
+    if (!ConversionTarget::isUsableName(to.device))
         result.error = Texts::deviceNameMessage().arg(to.device);
     else if (to.series < 0)
         result.error = Texts::seriesNumberMessage().arg(to.series);
@@ -218,8 +218,9 @@ ConversionResult SpreadsheetConverter::convert(const SpreadsheetConversionConfig
 
     CsvTableReaderConfig csv;
     csv.path = config.sourcePath;
+    csv.sheet = config.sheet;
     csv.delimiter = config.delimiter;
-    csv.hasHeader = startsWithHeader(config.sourcePath);
+    csv.hasHeader = startsWithHeader(config.sourcePath, config.sheet);
     csv.timeColumn = config.timeColumn;
     csv.timeUnit = config.timeUnit;
     csv.eventColumns = config.eventColumns;

@@ -12,8 +12,10 @@ namespace zarvi {
 
 struct SpreadsheetConversionConfig
 {
-    /// A .csv (or other delimited text) file; .xlsx workbooks are refused with a message.
+    /// A .csv (or other delimited text) file, or an .xlsx (.xlsm) workbook.
     QString sourcePath;
+    /// The workbook's sheet to read; empty for the first sheet.
+    QString sheet;
     /// Device and series; the sensor groups are named after the columns.
     ConversionDestination destination;
     /// Column (from 0) holding the sample times.
@@ -29,9 +31,9 @@ struct SpreadsheetConversionConfig
     CsvDelimiter delimiter = CsvDelimiter::Automatic;
 };
 
-/// Brings a table of numbers into a data file: every value column becomes a signal
-/// "DataConverted/<device>/Signals/Series<N>/<column name>/{Signal, Time}" sharing the
-/// time column (converted to seconds), every event column an event array
+/// Brings a table of numbers (a .csv file or a sheet of an .xlsx workbook) into a data file: every value
+/// column becomes a signal "DataConverted/<device>/Signals/Series<N>/<column name>/{Signal, Time}" sharing
+/// the time column (converted to seconds), every event column an event array
 /// "DataConverted/<device>/Events/Series<M>/<column name>" (float64 [events, 1], seconds,
 /// sorted), every trigger column one of its pulses (float64 [pulses, 2], onset and
 /// offset). A unit in a header, "Green (V)", is the column's `Unit`, not part of its name.
@@ -44,9 +46,9 @@ class SpreadsheetConverter
 public:
     static ConversionResult convert(const SpreadsheetConversionConfig& config, Feedback* feedback = nullptr);
 
-    /// True when the first non-blank line of a delimited text file holds a cell that
-    /// is not a number, that is a header line.
-    static bool startsWithHeader(const QString& path);
+    /// True when the first non-blank line of a delimited text file (or the first row of
+    /// the workbook sheet `sheet`) holds a cell that is not a number, that is a header line.
+    static bool startsWithHeader(const QString& path, const QString& sheet = QString());
 };
 
 } // namespace zarvi
