@@ -38,12 +38,13 @@ const QMap<QString, QStringList>& optionsOfSource()
         {tiffOption, {"--rate", "--timestamps", "--device", "--sensor", "--series", "--into"}},
         {videoOption, {"--device", "--sensor", "--series", "--into"}},
         {csvOption,
-         {"--time-column", "--time-unit", "--event-columns", "--trigger-columns", "--unit", "--device",
-          "--series", "--into"}},
+         {"--sheet", "--time-column", "--time-unit", "--event-columns", "--trigger-columns", "--unit",
+          "--device", "--series", "--into"}},
         {v5Option, {"--into"}},
         {fileSource,
          {"--device", "--series", "--into", "--stores", "--digital-inputs", "--sensor", "--rate",
-          "--timestamps", "--time-column", "--time-unit", "--event-columns", "--trigger-columns", "--unit"}},
+          "--timestamps", "--sheet", "--time-column", "--time-unit", "--event-columns", "--trigger-columns",
+          "--unit"}},
     };
     return options;
 }
@@ -179,6 +180,7 @@ bool spreadsheetFrom(const Arguments& parsed, SpreadsheetConversionConfig& confi
         return false;
     }
     config.signalUnit = parsed.values.value(QStringLiteral("--unit"));
+    config.sheet = parsed.values.value(QStringLiteral("--sheet"));
     return true;
 }
 
@@ -284,7 +286,7 @@ const char* ConvertCommand::usage()
            "                         --device NAME --sensor NAME [--series N] --into FILE.orvel\n"
            "       zarvi-cli convert --video PATH [--as-stack] --device NAME [--sensor NAME]\n"
            "                         [--series N] --into FILE.orvel\n"
-           "       zarvi-cli convert --csv PATH --time-column N [--time-unit s|ms|us|min]\n"
+           "       zarvi-cli convert --csv PATH [--sheet NAME] --time-column N [--time-unit s|ms|us|min]\n"
            "                         [--event-columns I,J] [--trigger-columns K[:LEVEL],...] [--unit UNIT]\n"
            "                         --device NAME [--series N] --into FILE.orvel\n"
            "       zarvi-cli convert --v5 FILE [--into NEW.orvel]\n"
@@ -292,8 +294,10 @@ const char* ConvertCommand::usage()
            "(--digital-inputs: its digital-input .csv), a TDT block folder (--stores: the stores to\n"
            "bring in), or any source above with that source's options. Recordings are described\n"
            "before they are written; their device defaults to the format's name.\n"
-           "Columns count from 1. The data file is created when missing; --series defaults to the\n"
-           "next free series. --as-stack (with --sensor) also stores the video's frames in grey.\n";
+           "--csv reads a .csv file or a sheet of an .xlsx workbook (--sheet: its name; the first\n"
+           "sheet by default). Columns count from 1. The data file is created when missing; --series\n"
+           "defaults to the next free series. --as-stack (with --sensor) also stores the video's frames in "
+           "grey.\n";
 }
 
 int ConvertCommand::run(const QStringList& arguments)

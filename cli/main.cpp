@@ -38,7 +38,7 @@ const char* usage =
     "  convert --tiff PATH|FOLDER (--rate HZ | --timestamps CSV) --device NAME --sensor NAME\n"
     "          [--series N] --into FILE.orvel\n"
     "  convert --video PATH [--as-stack] --device NAME [--sensor NAME] [--series N] --into FILE.orvel\n"
-    "  convert --csv PATH --time-column N [--time-unit s|ms|us|min] [--event-columns I,J]\n"
+    "  convert --csv PATH [--sheet NAME] --time-column N [--time-unit s|ms|us|min] [--event-columns I,J]\n"
     "          [--trigger-columns K[:LEVEL],...] [--unit UNIT] --device NAME [--series N] --into FILE.orvel\n"
     "  convert --v5 FILE [--into NEW.orvel]\n"
     "                            bring files into a data file (Ctrl-C cancels)\n"

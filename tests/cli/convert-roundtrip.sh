@@ -8,6 +8,16 @@ printf 'Time,Green,Stim\n0,1.5,0.25\n0.5,2.5,\n1,3.5,\n' > table.csv
 "$cli" convert --csv table.csv --time-column 1 --event-columns 3 --device Rig --into out.orvel
 "$cli" export out.orvel --data DataConverted/Rig/Signals/Series1/Green --to green.csv
 printf 'Time (s),Green\n0,1.5\n0.5,2.5\n1,3.5\n' | cmp - green.csv
+# The exported workbook converts back to the same signal, from its sheet named or the first.
+"$cli" export out.orvel --data DataConverted/Rig/Signals/Series1/Green --to green.xlsx
+"$cli" convert --csv green.xlsx --sheet Sheet1 --time-column 1 --device Rig --into back.orvel
+"$cli" export back.orvel --data DataConverted/Rig/Signals/Series1/Green --to back.csv
+cmp green.csv back.csv
+"$cli" convert green.xlsx --device Rig --into back.orvel
+"$cli" convert --csv green.xlsx --sheet Session --time-column 1 --device Rig --into none.orvel 2> sheet.err &&
+  exit 1 || test $? -eq 1
+grep -q 'has no sheet named Session; its sheets are Sheet1' sheet.err
+test ! -e none.orvel
 "$cli" convert --csv table.csv --time-column 1 --time-unit ms --event-columns 3 --device Rig --series 1 \
   --into out.orvel && exit 1 || test $? -eq 1
 "$cli" convert --v5 out.orvel --into copy.orvel && exit 1 || test $? -eq 4
