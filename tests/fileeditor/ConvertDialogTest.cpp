@@ -23,6 +23,8 @@
 #include "fileeditor/TiffStackWriter.h"
 #include "framework/BackgroundJob.h"
 
+#include <xlsxwriter.h>
+
 namespace zarvi {
 namespace {
 
@@ -137,6 +139,49 @@ TEST(ConvertDialog, PreviewsTheFirstRowsWithTheRoleOfEachColumn)
     EXPECT_FALSE(dialog.buildRequest(problem));
     EXPECT_EQ(problem, "Trigger columns are column numbers from 1, each with an optional threshold after a "
                        "colon, separated by commas, not <b>4:high</b>.");
+}
+
+TEST(ConvertDialog, ListsTheSheetsOfAWorkbookAndPreviewsTheChosenOne)
+{
+    test::TempDir dir;
+    const QString workbook = dir.file(QStringLiteral("session.xlsx"));
+    const QByteArray name = QFile::encodeName(workbook);
+    lxw_workbook* book = workbook_new(name.constData());
+    for (const char* sheetName : {"Baseline", "Session"}) {
+        lxw_worksheet* sheet = workbook_add_worksheet(book, sheetName);
+        worksheet_write_string(sheet, 0, 0, "Time", nullptr);
+        worksheet_write_string(sheet, 0, 1, sheetName, nullptr);
+        worksheet_write_number(sheet, 1, 0, 0.5, nullptr);
+        worksheet_write_number(sheet, 1, 1, sheetName[0] == 'B' ? 1.0 : 2.0, nullptr);
+    }
+    ASSERT_EQ(workbook_close(book), LXW_NO_ERROR);
+    const QString csv = dir.file(QStringLiteral("plain.csv"));
+    test::writeText(csv, "Time,Green\n0,1\n");
+
+    ConvertDialog dialog(QString(), nullptr);
+    dialog.show();
+    child<QComboBox>(dialog, "cb_sourceType")->setCurrentIndex(ConvertDialog::Spreadsheet);
+    auto* sheets = child<QComboBox>(dialog, "cb_sheet");
+    const auto* preview = child<CsvColumnPreview>(dialog, "tw_columnPreview");
+    child<QLineEdit>(dialog, "le_source")->setText(csv);
+    EXPECT_FALSE(sheets->isVisible());
+
+    child<QLineEdit>(dialog, "le_source")->setText(workbook);
+    EXPECT_TRUE(sheets->isVisible());
+    ASSERT_EQ(sheets->count(), 2);
+    EXPECT_EQ(sheets->itemText(1), "Session");
+    EXPECT_EQ(preview->horizontalHeaderItem(1)->text(), "2: Baseline");
+    sheets->setCurrentIndex(1);
+    EXPECT_EQ(preview->horizontalHeaderItem(1)->text(), "2: Session");
+    ASSERT_EQ(preview->rowCount(), 2);
+    EXPECT_EQ(preview->item(1, 1)->text(), "2");
+
+    child<QLineEdit>(dialog, "le_device")->setText(QStringLiteral("Rig"));
+    child<QLineEdit>(dialog, "le_target")->setText(dir.file(QStringLiteral("new.orvel")));
+    QString problem;
+    const std::optional<ConversionRequest> request = dialog.buildRequest(problem);
+    ASSERT_TRUE(request) << problem.toStdString();
+    EXPECT_EQ(std::get<SpreadsheetConversionConfig>(*request).sheet, "Session");
 }
 
 TEST(ConvertDialog, ShowsVersionRefusalsAsWarningsAndKeepsVersion5CopiesNew)
