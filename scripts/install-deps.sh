@@ -12,7 +12,7 @@ packages=(
   libnlopt-cxx-dev
   libavformat-dev libavcodec-dev libavutil-dev libswscale-dev ffmpeg
   libtiff-dev libtiff-tools
-  zlib1g-dev
+  zlib1g-dev zip
   libqcustomplot-dev
   libxlsxwriter-dev
   libgtest-dev libgmock-dev libbenchmark-dev
