@@ -76,7 +76,7 @@ BehaviorRegionsPanel::BehaviorRegionsPanel(ZarviGraphicsView* view, QWidget* par
 
     m_arenaShape = shapeBox(QStringLiteral("cb_arenaShape"), ArenaHandler::arenaKinds(), this);
     m_arenaShape->setToolTip(BD::arenaShapeLabel());
-    m_zonesShape = shapeBox(QStringLiteral("cb_zonesShape"), ZonesHandler::zoneKinds(), this);
+    m_zonesShape = shapeBox(QStringLiteral("cb_zonesShape"), ZonesHandler::shapeKinds(), this);
     m_zonesShape->setToolTip(BD::zonesShapeLabel());
     grid->addWidget(new QLabel(BD::arenaShapeLabel(), this), 0, 1);
     grid->addWidget(m_arenaShape, 0, 2);

@@ -35,7 +35,7 @@ constexpr int CellRole = Qt::UserRole + 1;
 
 bool isCellKind(RoiKind kind)
 {
-    return CellsHandler::cellKinds().contains(kind);
+    return CellsHandler::shapeKinds().contains(kind);
 }
 
 QToolButton* makeButton(QWidget* parent, const QString& objectName, const QString& text,
@@ -64,7 +64,7 @@ ROISignalsView::ROISignalsView(QWidget* parent)
     QFormLayout* cells = addParameterGroup(ID::drawCellsTitle(), QStringLiteral("gb_drawCells"));
     cb_cellShape = new QComboBox(this);
     cb_cellShape->setObjectName(QStringLiteral("cb_cellShape"));
-    for (RoiKind kind : CellsHandler::cellKinds())
+    for (RoiKind kind : CellsHandler::shapeKinds())
         cb_cellShape->addItem(roiKindName(kind), static_cast<int>(kind));
     cells->addRow(ID::shapeLabel(), cb_cellShape);
 
