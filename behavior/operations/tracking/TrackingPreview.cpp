@@ -241,7 +241,7 @@ bool TrackingPreview::Source::seek(long long index, Feedback& feedback, QString&
 {
     if (frameIndex == index)
         return true;
-    if (!open || static_cast<long long>(reader.framesRead()) > index) {
+    if (!open) {
         const VideoInfo info = reader.open(VideoFrameReaderConfig{videoPath, VideoColor::Bgr});
         open = info.ok();
         frameIndex = -1;
@@ -250,13 +250,15 @@ bool TrackingPreview::Source::seek(long long index, Feedback& feedback, QString&
             return false;
         }
     }
+    // The reader decodes forward to a frame a little ahead and jumps through the container's
+    // index to any other, so a frame late in an hour of video comes as fast as an early one.
     double seconds = 0.0;
-    while (static_cast<long long>(reader.framesRead()) < index && !feedback.isCanceled() &&
-           reader.skipNext()) {
-    }
-    if (static_cast<long long>(reader.framesRead()) < index || !reader.readNext(frame, seconds)) {
+    const bool placed =
+        static_cast<long long>(reader.framesRead()) == index || reader.seek(static_cast<std::size_t>(index));
+    if (feedback.isCanceled() || !placed || !reader.readNext(frame, seconds)) {
         // Stopped part way: the reader's place is no longer worth keeping.
         open = false;
+        frameIndex = -1;
         error = reader.lastError().isEmpty()
                     ? VD::videoEndedMessage().arg(videoPath).arg(reader.framesRead()).arg(index)
                     : reader.lastError();
