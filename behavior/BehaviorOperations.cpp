@@ -121,7 +121,8 @@ OperationDescriptor animalTracking()
              .withDefault(5)
              .withUnit(QStringLiteral("frames"))
              .withTooltip(VD::smoothWindowTooltip())},
-        factory<TrackingProcess>()};
+        factory<TrackingProcess>(),
+        VD::animalTrackingTitle()};
 }
 
 } // namespace

@@ -15,6 +15,7 @@ class VideoOperationDefinitions
 public:
     // Operation names (the value of "Operations").
     static inline const QString AnimalTracking = QStringLiteral("AnimalTracking");
+    static QString animalTrackingTitle() { return tr("Animal Tracking"); }
 
     // Animal Tracking parameter keys.
     static inline const QString ConvertToGrayscale = QStringLiteral("ConvertToGrayscale");

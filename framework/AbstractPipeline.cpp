@@ -35,7 +35,7 @@ void AbstractPipeline::buildOperationList()
     m_selectionLabel->setWordWrap(true);
     layout->addWidget(m_selectionLabel);
     for (const QString& name : operationNames()) {
-        auto* button = new QPushButton(name, this);
+        auto* button = new QPushButton(OperationRegistry::instance().find(name)->shownTitle(), this);
         button->setObjectName(QStringLiteral("pb_") +
                               QString(name).remove(QLatin1Char(' ')).remove(QLatin1Char('/')));
         button->setProperty("operation", name);

@@ -2,6 +2,7 @@
 
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/AbstractOperationView.h"
+#include "framework/OperationRegistry.h"
 #include "framework/RunSummary.h"
 
 #include <QDialogButtonBox>
@@ -16,7 +17,10 @@ namespace zarvi {
 OperationDialog::OperationDialog(AbstractOperationView* view, QWidget* parent) : QDialog(parent), m_view(view)
 {
     setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(view->windowTitle().isEmpty() ? view->operationName() : view->windowTitle());
+    const OperationDescriptor* operation = OperationRegistry::instance().find(view->operationName());
+    setWindowTitle(!view->windowTitle().isEmpty() ? view->windowTitle()
+                   : operation                    ? operation->shownTitle()
+                                                  : view->operationName());
     auto* layout = new QVBoxLayout(this);
     m_datasets = new QLabel(this);
     m_datasets->setObjectName(QStringLiteral("lb_datasets"));

@@ -41,6 +41,11 @@ struct OperationDescriptor
     QString outputs;
     QList<OperationParameter> parameters;
     std::function<std::unique_ptr<AbstractOperationProcess>()> createProcess;
+    /// How buttons and dialogs name the operation where the recorded name is not meant to
+    /// be read ("AnimalTracking"); empty when it is the name.
+    QString title;
+
+    QString shownTitle() const { return title.isEmpty() ? name : title; }
 
     /// The declaration of `key`; null when the operation has no such parameter.
     const OperationParameter* parameter(const QString& key) const;

@@ -10,7 +10,7 @@ BehaviorPipeline::BehaviorPipeline(QWidget* parent) : AbstractPipeline(Operation
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     for (const QString& name : operationNames()) {
-        auto* button = new QPushButton(name, this);
+        auto* button = new QPushButton(OperationRegistry::instance().find(name)->shownTitle(), this);
         button->setObjectName(QStringLiteral("pb_") + QString(name).remove(QLatin1Char(' ')));
         button->setToolTip(OperationRegistry::instance().find(name)->description);
         connect(button, &QPushButton::clicked, this, [this, name] { emit operationRequested(name); });
