@@ -2,6 +2,7 @@
 
 #include "definitions/FigureDefinitions.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDir>
@@ -234,6 +235,18 @@ void FigureExportDialog::exportPlot(QCustomPlot* plot, const QString& title, QWi
 {
     FigureExportDialog dialog(plot, title, parent);
     dialog.exec();
+}
+
+QAction* FigureExportDialog::offerOn(QCustomPlot* plot, std::function<QString()> title)
+{
+    auto* action = new QAction(FigureDefinitions::exportFigureLabel(), plot);
+    action->setObjectName(QStringLiteral("act_exportFigure"));
+    action->setToolTip(FigureDefinitions::exportFigureTooltip());
+    plot->addAction(action);
+    plot->setContextMenuPolicy(Qt::ActionsContextMenu);
+    QObject::connect(action, &QAction::triggered, plot,
+                     [plot, title = std::move(title)] { exportPlot(plot, title(), plot->window()); });
+    return action;
 }
 
 } // namespace zarvi

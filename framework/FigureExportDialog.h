@@ -4,6 +4,9 @@
 
 #include <QDialog>
 
+#include <functional>
+
+class QAction;
 class QComboBox;
 class QCustomPlot;
 class QDoubleSpinBox;
@@ -31,6 +34,9 @@ public:
 
     /// Opens the dialog over `parent` for `plot`; the figure is written if accepted.
     static void exportPlot(QCustomPlot* plot, const QString& title, QWidget* parent);
+    /// Puts "Export Figure..." in `plot`'s context menu; `title` gives the plot's name when
+    /// the user asks. Returns the action, owned by the plot.
+    static QAction* offerOn(QCustomPlot* plot, std::function<QString()> title);
 
 public slots:
     void accept() override;

@@ -4,6 +4,7 @@
 #include "behavior/operations/measures/ZoneOccupancy.h"
 #include "definitions/BehaviorViewDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
+#include "framework/FigureExportDialog.h"
 #include "framework/PlotStyle.h"
 #include "roi/RoiGeometry.h"
 
@@ -101,6 +102,8 @@ BehaviorPathPlots::BehaviorPathPlots(QWidget* parent)
     auto* margins = new QCPMarginGroup(m_occupancy);
     m_occupancy->axisRect()->setMarginGroup(QCP::msBottom | QCP::msTop, margins);
     scale->setMarginGroup(QCP::msBottom | QCP::msTop, margins);
+    FigureExportDialog::offerOn(m_trajectory, [] { return BD::trajectoryTitle(); });
+    FigureExportDialog::offerOn(m_occupancy, [] { return BD::occupancyTitle(); });
 }
 
 void BehaviorPathPlots::setPath(const TrackedPath& path, const QSize& imageSize)

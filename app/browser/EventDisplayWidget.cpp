@@ -3,6 +3,7 @@
 #include "app/browser/EventMarks.h"
 #include "app/browser/SignalPlotWidget.h"
 #include "definitions/DatasetDefinitions.h"
+#include "framework/FigureExportDialog.h"
 #include "framework/PlotStyle.h"
 
 #include <QCheckBox>
@@ -59,6 +60,12 @@ EventDisplayWidget::EventDisplayWidget(std::vector<LabelledEvents> events, QWidg
     m_raster->axisRect()->setRangeDrag(Qt::Horizontal);
     m_raster->axisRect()->setRangeZoom(Qt::Horizontal);
     connect(m_raster, &QCustomPlot::mouseDoubleClick, this, [this] { resetView(); });
+    FigureExportDialog::offerOn(m_raster, [this] {
+        QStringList labels;
+        for (const LabelledEvents& array : m_events)
+            labels << array.label;
+        return labels.join(QStringLiteral(", "));
+    });
     connect(cb_overSignals, &QCheckBox::toggled, this, &EventDisplayWidget::setShowOverSignals);
     resetView();
 }

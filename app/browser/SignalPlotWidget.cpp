@@ -3,13 +3,11 @@
 #include "app/browser/EventMarks.h"
 
 #include "definitions/DatasetDefinitions.h"
-#include "definitions/FigureDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/FigureExportDialog.h"
 #include "framework/PlotStyle.h"
 #include "signal/MinMaxDecimator.h"
 
-#include <QAction>
 #include <QVBoxLayout>
 
 #include <qcustomplot.h>
@@ -58,13 +56,7 @@ SignalPlotWidget::SignalPlotWidget(QWidget* parent) : QWidget(parent), m_plot(ne
             [this] { reduceForView(); });
     m_plot->installEventFilter(this);
 
-    m_exportFigure = new QAction(FigureDefinitions::exportFigureLabel(), m_plot);
-    m_exportFigure->setObjectName(QStringLiteral("act_exportFigure"));
-    m_exportFigure->setToolTip(FigureDefinitions::exportFigureTooltip());
-    m_plot->addAction(m_exportFigure);
-    m_plot->setContextMenuPolicy(Qt::ActionsContextMenu);
-    connect(m_exportFigure, &QAction::triggered, this,
-            [this] { FigureExportDialog::exportPlot(m_plot, figureTitle(), this); });
+    m_exportFigure = FigureExportDialog::offerOn(m_plot, [this] { return figureTitle(); });
 }
 
 QString SignalPlotWidget::figureTitle() const

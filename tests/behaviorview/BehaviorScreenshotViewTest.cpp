@@ -11,12 +11,15 @@
 #include "app/browser/SignalPlotWidget.h"
 #include "behavior/BehaviorRegions.h"
 #include "definitions/BehaviorViewDefinitions.h"
+#include "framework/FigureExport.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QTest>
 
 #include <opencv2/imgproc.hpp>
+#include <qcustomplot.h>
 
 #include <gtest/gtest.h>
 
@@ -124,4 +127,16 @@ TEST(BehaviorViewScreenshot, VideoTrailArenaZoneAndSignals)
     QTest::qWait(100);
     EXPECT_TRUE(view.grab().save(
         QStringLiteral(ZARVI_TEST_BINARY_DIR "/tests/behaviorview/behavior-view-occupancy.png")));
+
+    // Both plots save as figures, with the equal scale kept at the figure's size.
+    for (QCustomPlot* plot : {view.pathPlots()->trajectoryPlot(), view.pathPlots()->occupancyPlot()}) {
+        ASSERT_EQ(plot->actions().size(), 1);
+        EXPECT_EQ(plot->actions().front()->text(), QStringLiteral("Export Figure..."));
+        FigureExport::Options options;
+        options.path = dir.file(plot->objectName() + QStringLiteral(".png"));
+        options.pixels = QSize(900, 600);
+        QString error;
+        ASSERT_TRUE(FigureExport::write(plot, options, error)) << error.toStdString();
+        EXPECT_EQ(QImage(options.path).size(), QSize(900, 600));
+    }
 }
