@@ -29,6 +29,8 @@ constexpr qint32 Mark = 0x8801;
 constexpr qint32 StartMark = 1;
 /// Index records read at once.
 constexpr qint64 RecordsPerRead = 4096;
+/// Bytes of the data file read at once.
+constexpr qint64 WindowBytes = 4 << 20;
 
 struct Record
 {
@@ -102,6 +104,29 @@ struct Block
     double start = 0.0;
     double end = 0.0;
     std::map<QString, StoreInfo> stores;
+};
+
+/// The data file read through a window of a few megabytes: the records of a block mostly
+/// follow each other in the data file, so most of them are served without a system call.
+struct DataWindow
+{
+    QFile& file;
+    QByteArray bytes;
+    qint64 start = 0;
+
+    /// The `length` bytes at offset, or nullptr when the file ends before them.
+    const char* at(qint64 offset, qint64 length)
+    {
+        if (offset < start || offset + length > start + bytes.size()) {
+            if (!file.seek(offset))
+                return nullptr;
+            bytes = file.read(std::max(length, WindowBytes));
+            start = offset;
+            if (bytes.size() < length)
+                return nullptr;
+        }
+        return bytes.constData() + (offset - start);
+    }
 };
 
 /// Calls `each` with every record after the start mark, in file order.
@@ -275,7 +300,7 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
             error = Texts::unableToOpenMessage().arg(block.tev);
             return false;
         }
-        QByteArray data;
+        DataWindow window{tev, {}, 0};
         std::vector<double> values;
         std::vector<double> times;
         double start = 0.0;
@@ -286,7 +311,8 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
                     return true;
                 const int bytes = sampleBytes(record.format);
                 const qint64 dataBytes = static_cast<qint64>(record.words - HeaderWords) * 4;
-                if (!tev.seek(record.offset) || (data = tev.read(dataBytes)).size() != dataBytes) {
+                const char* data = window.at(record.offset, dataBytes);
+                if (!data) {
                     error = Texts::tdtDataMessage().arg(record.store, block.tev);
                     return false;
                 }
@@ -295,7 +321,7 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
                 times.resize(n);
                 const double first = record.timestamp - start;
                 for (std::size_t i = 0; i < n; ++i) {
-                    values[i] = sampleAt(data.constData() + i * bytes, record.format);
+                    values[i] = sampleAt(data + i * bytes, record.format);
                     times[i] = first + static_cast<double>(i) / record.rate;
                 }
                 return writer.append(it->second, values, times, error);
