@@ -25,6 +25,7 @@ constexpr qint32 HeaderWords = 10;
 constexpr qint32 StrobeOn = 0x101;
 constexpr qint32 StrobeOff = 0x102;
 constexpr qint32 Stream = 0x8101;
+constexpr qint32 Snip = 0x8201;
 constexpr qint32 Mark = 0x8801;
 constexpr qint32 StartMark = 1;
 /// Index records read at once.
@@ -91,6 +92,8 @@ struct StoreInfo
 {
     bool stream = false;
     std::map<quint16, std::size_t> samples;
+    /// Snippets of each channel of a snippet store.
+    std::map<quint16, std::size_t> snippets;
     double rate = 0.0;
     std::size_t onsets = 0;
     std::size_t offsets = 0;
@@ -201,6 +204,8 @@ bool scan(const QString& path, Block& block, QString& error)
             store.stream = true;
             store.rate = record.rate;
             store.samples[record.channel] += static_cast<std::size_t>(dataBytes / bytes);
+        } else if (record.type == Snip) {
+            ++block.stores[record.store].snippets[record.channel];
         } else if (record.type == StrobeOn) {
             ++block.stores[record.store].onsets;
         } else if (record.type == StrobeOff) {
@@ -210,9 +215,15 @@ bool scan(const QString& path, Block& block, QString& error)
     });
 }
 
-QString channelName(const QString& store, const StoreInfo& info, quint16 channel)
+/// The store's name when it has one channel, else "<store>-<channel>".
+QString channelName(const QString& store, const std::map<quint16, std::size_t>& channels, quint16 channel)
 {
-    return info.samples.size() == 1 ? store : Texts::StoreChannelPattern.arg(store).arg(channel);
+    return channels.size() == 1 ? store : Texts::StoreChannelPattern.arg(store).arg(channel);
+}
+
+bool isEpochStore(const StoreInfo& info)
+{
+    return !info.stream && info.snippets.empty();
 }
 
 /// The stores chosen, or every store; false naming the first unknown one.
@@ -261,8 +272,10 @@ RecordingSummary TdtBlockFile::describe(const RecordingConversionConfig& config)
     for (const QString& name : stores) {
         const StoreInfo& info = block.stores.at(name);
         for (const auto& [channel, samples] : info.samples)
-            summary.channels.push_back({channelName(name, info, channel), samples, info.rate});
-        if (!info.stream)
+            summary.channels.push_back({channelName(name, info.samples, channel), samples, info.rate});
+        for (const auto& [channel, count] : info.snippets)
+            summary.events.push_back({channelName(name, info.snippets, channel), count});
+        if (isEpochStore(info))
             summary.events.push_back({name, info.onsets});
     }
     summary.duration = block.end;
@@ -283,16 +296,20 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
         // (store, channel) -> signal of the writer; epoch store -> its onsets and offsets.
         std::map<std::pair<QString, quint16>, int> streams;
         std::map<QString, std::pair<std::vector<double>, std::vector<double>>> epochs;
+        // (snippet store, channel) -> onsets of its snippets.
+        std::map<std::pair<QString, quint16>, std::vector<double>> snippets;
         for (const QString& name : stores) {
             const StoreInfo& info = block.stores.at(name);
             for (const auto& [channel, samples] : info.samples) {
-                const QString signal = channelName(name, info, channel);
+                const QString signal = channelName(name, info.samples, channel);
                 const int index = writer.addSignal(signal, signal, QString(), error);
                 if (index < 0)
                     return false;
                 streams.emplace(std::make_pair(name, channel), index);
             }
-            if (!info.stream)
+            for (const auto& [channel, count] : info.snippets)
+                snippets[{name, channel}].reserve(count);
+            if (isEpochStore(info))
                 epochs[name];
         }
         QFile tev(block.tev);
@@ -326,6 +343,12 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
                 }
                 return writer.append(it->second, values, times, error);
             }
+            if (record.type == Snip) {
+                const auto it = snippets.find({record.store, record.channel});
+                if (it != snippets.end())
+                    it->second.push_back(record.timestamp - start);
+                return true;
+            }
             const auto epoch = epochs.find(record.store);
             if (epoch != epochs.end() && record.type == StrobeOn)
                 epoch->second.first.push_back(record.timestamp - start);
@@ -340,6 +363,11 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
             if (!offsets.empty())
                 offsets.resize(onsets.size(), block.end);
             if (!writer.writeEvents(name, name, onsets, offsets, error))
+                return false;
+        }
+        for (const auto& [key, onsets] : snippets) {
+            const QString name = channelName(key.first, block.stores.at(key.first).snippets, key.second);
+            if (!writer.writeEvents(name, name, onsets, {}, error))
                 return false;
         }
         return true;

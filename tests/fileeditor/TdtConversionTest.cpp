@@ -99,6 +99,43 @@ TEST(TdtConversion, ChosenStoresOnly)
     EXPECT_FALSE(QFileInfo::exists(config.destination.filepath));
 }
 
+TEST(TdtConversion, SnippetsBecomeOnsetsPerChannel)
+{
+    using B = test::TdtBlockBuilder;
+    B builder(Start);
+    builder.streamFloat("x465", 1, Start + 0.5, 100.0f, {1.5f, 2.5f});
+    const std::vector<float> wave{0.1f, -0.4f, 0.2f, 0.0f};
+    builder.snippet("eNe1", 3, 0, Start + 0.75, 24414.0625f, wave);
+    builder.snippet("eNe1", 1, 2, Start + 0.8, 24414.0625f, wave);
+    builder.snippet("eNe1", 3, 1, Start + 1.125, 24414.0625f, wave);
+    builder.snippet("Spk2", 4, 0, Start + 2.25, 24414.0625f, wave);
+    builder.stop(Start + 3.0);
+    test::TempDir dir;
+    const QString folder = dir.file(QStringLiteral("Block-2"));
+    ASSERT_TRUE(builder.write(folder, QStringLiteral("b")));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+
+    const RecordingSummary summary = RecordingImport::describe(configFor(folder, file));
+    ASSERT_TRUE(summary.ok()) << summary.error.toStdString();
+    ASSERT_EQ(summary.events.size(), 3u);
+    EXPECT_EQ(summary.events[0].name, QStringLiteral("Spk2"));
+    EXPECT_EQ(summary.events[1].name, QStringLiteral("eNe1-1"));
+    EXPECT_EQ(summary.events[2].count, 2u);
+
+    const ConversionResult result = FileConversion::run(configFor(folder, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    // A store of one channel is named after the store; the others carry their channel.
+    EXPECT_EQ(result.datapaths,
+              (QStringList{Signals + "x465/Signal", Events + "Spk2", Events + "eNe1-1", Events + "eNe1-3"}));
+    // Onsets are the snippets' timestamps from the start mark, whatever their sort code.
+    EXPECT_EQ(test::storedValues(file, Events + "eNe1-3"), (std::vector<double>{0.75, 1.125}));
+    EXPECT_EQ(test::storedDataset(file, Events + "eNe1-3").dimensions, (std::vector<hsize_t>{2, 1}));
+    EXPECT_EQ(test::storedValues(file, Events + "eNe1-1"), (std::vector<double>{(Start + 0.8) - Start}));
+    EXPECT_EQ(test::storedValues(file, Events + "Spk2"), (std::vector<double>{2.25}));
+    // The snippets' waveforms in the data file do not disturb the stream read beside them.
+    EXPECT_EQ(test::storedValues(file, Signals + "x465/Signal"), (std::vector<double>{1.5, 2.5}));
+}
+
 TEST(TdtConversion, DamagedBlocksLeaveNothing)
 {
     test::TempDir dir;
