@@ -269,6 +269,8 @@ RecordingSummary TdtBlockFile::describe(const RecordingConversionConfig& config)
     if (!scan(config.sourcePath, block, summary.error) ||
         !chosenStores(block, config.stores, stores, summary.error))
         return summary;
+    for (const auto& [name, info] : block.stores)
+        summary.stores << name;
     for (const QString& name : stores) {
         const StoreInfo& info = block.stores.at(name);
         for (const auto& [channel, samples] : info.samples)
