@@ -136,6 +136,44 @@ TEST(TdtConversion, SnippetsBecomeOnsetsPerChannel)
     EXPECT_EQ(test::storedValues(file, Signals + "x465/Signal"), (std::vector<double>{1.5, 2.5}));
 }
 
+TEST(TdtConversion, ReadsDataFilesLongerThanTheReadWindow)
+{
+    // 1.2 million float samples (4.8 MB, more than the reader's 4 MiB window) in records of
+    // 1000, sample i reading i; a record of a second store is written into the data file
+    // after its neighbours but indexed first, so the reader has to go back for it.
+    using B = test::TdtBlockBuilder;
+    B builder(Start);
+    constexpr int Records = 1200;
+    constexpr int PerRecord = 1000;
+    std::vector<float> samples(PerRecord);
+    for (int r = 0; r < Records; ++r) {
+        for (int i = 0; i < PerRecord; ++i)
+            samples[i] = static_cast<float>(r * PerRecord + i);
+        builder.streamFloat("x465", 1, Start + r, 1000.0f, samples);
+    }
+    B late(Start);
+    late.tev = builder.tev;
+    late.streamFloat("x405", 1, Start + 0.5, 10.0f, {7.0f, 8.0f});
+    late.tsq += builder.tsq.mid(80);
+    late.stop(Start + Records);
+    test::TempDir dir;
+    const QString folder = dir.file(QStringLiteral("Block-3"));
+    ASSERT_TRUE(late.write(folder, QStringLiteral("b")));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+
+    const ConversionResult result = FileConversion::run(configFor(folder, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    const std::vector<double> values = test::storedValues(file, Signals + "x465/Signal");
+    ASSERT_EQ(values.size(), static_cast<std::size_t>(Records * PerRecord));
+    std::size_t wrong = 0;
+    for (std::size_t k = 0; k < values.size(); ++k)
+        wrong += values[k] != static_cast<double>(k);
+    EXPECT_EQ(wrong, 0u);
+    EXPECT_EQ(test::storedValues(file, Signals + "x405/Signal"), (std::vector<double>{7.0, 8.0}));
+    const std::vector<double> times = test::storedValues(file, Signals + "x465/Time");
+    EXPECT_DOUBLE_EQ(times[PerRecord * 7 + 3], 7 + 3 / 1000.0);
+}
+
 TEST(TdtConversion, DamagedBlocksLeaveNothing)
 {
     test::TempDir dir;
