@@ -343,6 +343,16 @@ public:
     static QString videoSourceText() { return tr("Video (.avi, .mp4, .mpeg)"); }
     static QString spreadsheetSourceText() { return tr("Spreadsheet (.csv)"); }
     static QString version5SourceText() { return tr("Data file of the previous version (V5)"); }
+    static QString recordingSourceText()
+    {
+        return tr("Recording (TDT block, pyPhotometry .ppd, Neurophotometrics .csv)");
+    }
+    static QString recordingTitle() { return tr("Recording"); }
+    static QString storesLabel() { return tr("Stores"); }
+    static QString storesTooltip() { return tr("The stores of the TDT block to bring in."); }
+    static QString digitalInputsLabel() { return tr("Digital inputs (.csv)"); }
+    static QString chooseStoresMessage() { return tr("Choose at least one store to bring in."); }
+    static QString recordingFilter() { return tr("Recordings (*.ppd *.csv *.tsq *.tev);;All files (*)"); }
     static QString sourceLabel() { return tr("Source"); }
     static QString browseText() { return tr("..."); }
     static QString namesTitle() { return tr("Path in the data file"); }

@@ -1,6 +1,7 @@
 #include "fileeditor/ConvertDialog.h"
 
 #include "fileeditor/CsvColumnPreview.h"
+#include "fileeditor/RecordingSourcePanel.h"
 #include "fileeditor/XlsxSheetReader.h"
 
 #include <QCheckBox>
@@ -81,7 +82,7 @@ void ConvertDialog::buildWidgets()
     m_sourceType->setObjectName(QStringLiteral("cb_sourceType"));
     m_sourceType->addItems({Texts::tiffFileSourceText(), Texts::tiffFolderSourceText(),
                             Texts::videoSourceText(), Texts::spreadsheetSourceText(),
-                            Texts::version5SourceText()});
+                            Texts::version5SourceText(), Texts::recordingSourceText()});
     sourceForm->addRow(Texts::sourceTypeLabel(), m_sourceType);
     m_source = new QLineEdit(this);
     m_source->setObjectName(QStringLiteral("le_source"));
@@ -175,6 +176,9 @@ void ConvertDialog::buildWidgets()
     note->setWordWrap(true);
     columnsForm->addRow(note);
     layout->addWidget(m_columns);
+    m_recording = new RecordingSourcePanel(this);
+    m_recording->setObjectName(QStringLiteral("gb_recording"));
+    layout->addWidget(m_recording);
 
     auto* target = new QGroupBox(Texts::targetTitle(), this);
     target->setObjectName(QStringLiteral("gb_target"));
@@ -209,6 +213,7 @@ void ConvertDialog::buildWidgets()
     connect(m_sourceType, &QComboBox::currentIndexChanged, this, &ConvertDialog::updateVisibility);
     // The preview follows the file and every field that gives a column its role.
     connect(m_source, &QLineEdit::textChanged, this, &ConvertDialog::updateSheets);
+    connect(m_source, &QLineEdit::textChanged, this, &ConvertDialog::updateRecording);
     connect(m_sheet, &QComboBox::currentIndexChanged, this, &ConvertDialog::updatePreview);
     connect(m_timeColumn, &QSpinBox::valueChanged, this, &ConvertDialog::updateColumnRoles);
     for (QLineEdit* field : {m_eventColumns, m_triggerColumns, m_signalUnit})
@@ -234,8 +239,8 @@ void ConvertDialog::updateVisibility()
     const SourceType type = sourceType();
     const bool tiff = type == TiffFile || type == TiffFolder;
     m_names->setVisible(type != Version5);
-    m_sensorLabel->setVisible(type != Spreadsheet);
-    m_sensor->setVisible(type != Spreadsheet);
+    m_sensorLabel->setVisible(type != Spreadsheet && type != Recording);
+    m_sensor->setVisible(type != Spreadsheet && type != Recording);
     m_sensor->setEnabled(type != Video || m_asStack->isChecked());
     m_series->setEnabled(!m_nextSeries->isChecked());
     m_timing->setVisible(tiff);
@@ -243,7 +248,9 @@ void ConvertDialog::updateVisibility()
     m_timestamps->setEnabled(!m_useRate->isChecked());
     m_asStack->setVisible(type == Video);
     m_columns->setVisible(type == Spreadsheet);
+    m_recording->setVisible(type == Recording);
     updateSheets();
+    updateRecording();
     // A version-5 file is copied into a new file of its own.
     m_existingFile->setEnabled(type != Version5);
     if (type == Version5)
@@ -270,6 +277,15 @@ void ConvertDialog::updateSheets()
     m_sheetLabel->setVisible(workbook);
     m_sheet->setVisible(workbook);
     updatePreview();
+}
+
+void ConvertDialog::updateRecording()
+{
+    if (sourceType() != Recording)
+        return;
+    m_recording->setSource(m_source->text().trimmed());
+    if (m_device->text().trimmed().isEmpty())
+        m_device->setText(m_recording->format());
 }
 
 void ConvertDialog::updatePreview()
@@ -317,6 +333,10 @@ void ConvertDialog::browseSource()
         break;
     case Version5:
         path = QFileDialog::getOpenFileName(this, Texts::sourceLabel(), m_source->text(), FD::FilesV5Filter);
+        break;
+    case Recording:
+        path = QFileDialog::getOpenFileName(this, Texts::sourceLabel(), m_source->text(),
+                                            Texts::recordingFilter());
         break;
     }
     if (!path.isEmpty())
@@ -402,6 +422,15 @@ std::optional<ConversionRequest> ConvertDialog::buildRequest(QString& problem) c
     }
     if (type == Video)
         return VideoConversionConfig{source, to, m_asStack->isChecked()};
+    if (type == Recording) {
+        RecordingConversionConfig config{source, to, m_recording->chosenStores(),
+                                         m_recording->digitalInputsPath()};
+        if (m_recording->hasStores() && config.stores.isEmpty()) {
+            problem = Texts::chooseStoresMessage();
+            return std::nullopt;
+        }
+        return config;
+    }
     if (type == Spreadsheet) {
         SpreadsheetConversionConfig config;
         config.sourcePath = source;

@@ -20,9 +20,11 @@ class QSpinBox;
 namespace zarvi {
 
 class CsvColumnPreview;
+class RecordingSourcePanel;
 
 /// The Convert window of the main window's actionConvert / tb_convert: the kind of
-/// source (TIFF file or folder, video, .csv table, version-5 file), its path, the device,
+/// source (TIFF file or folder, video, .csv table, version-5 file, recording of an
+/// acquisition system), its path, the device,
 /// sensor and series names, the frame times (rate or timestamps file), the time and event
 /// columns of a table, and the data file to convert into (an existing one or a new one).
 /// buildRequest() turns the widgets into the same request the command line builds;
@@ -39,7 +41,8 @@ public:
         TiffFolder,
         Video,
         Spreadsheet,
-        Version5
+        Version5,
+        Recording
     };
 
     /// currentFile, when not empty, is offered as the existing file to convert into.
@@ -67,6 +70,8 @@ private:
     void updateColumnRoles();
     /// Lists the sheets of a workbook source, shown only for one, and previews its columns.
     void updateSheets();
+    /// Shows what a recording source holds; an empty device takes the format's name.
+    void updateRecording();
     void updatePreview();
     void browseTimestamps();
     void browseTarget();
@@ -97,6 +102,7 @@ private:
     QLineEdit* m_triggerColumns = nullptr;
     QLineEdit* m_signalUnit = nullptr;
     CsvColumnPreview* m_columnPreview = nullptr;
+    RecordingSourcePanel* m_recording = nullptr;
     QRadioButton* m_existingFile = nullptr;
     QRadioButton* m_newFile = nullptr;
     QLineEdit* m_target = nullptr;

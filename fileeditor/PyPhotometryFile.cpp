@@ -66,18 +66,6 @@ int digitalLines(const PpdHeader& header)
 
 } // namespace
 
-bool PpdHeader::timeDivision() const
-{
-    return mode.contains(QStringLiteral("time div"), Qt::CaseInsensitive);
-}
-
-double PpdHeader::sampleTime(qint64 k, int channel) const
-{
-    if (!timeDivision())
-        return static_cast<double>(k) / sampleRate;
-    return static_cast<double>(k * analogCount + channel) / (sampleRate * analogCount);
-}
-
 bool PyPhotometryFile::looksLike(const QByteArray& head)
 {
     return head.size() > 3 && head.at(2) == '{' && head.contains("\"sampling_rate\"");
@@ -111,6 +99,7 @@ bool PyPhotometryFile::readHeader(const QString& path, PpdHeader& header, QStrin
     }
     header.sampleRate = json.value(QStringLiteral("sampling_rate")).toDouble();
     header.mode = json.value(QStringLiteral("mode")).toString();
+    header.timeDivision = header.mode.contains(QStringLiteral("time div"), Qt::CaseInsensitive);
     header.analogCount = json.value(QStringLiteral("n_analog_signals")).toInt(2);
     header.digitalCount = json.value(QStringLiteral("n_digital_signals")).toInt(2);
     header.voltsPerDivision.clear();

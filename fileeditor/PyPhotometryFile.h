@@ -25,10 +25,16 @@ struct PpdHeader
     qint64 samplesPerChannel = 0;
 
     /// In time-division modes the channels are read one after another within each
-    /// sample period rather than together.
-    bool timeDivision() const;
+    /// sample period rather than together. Taken from the mode once, as the reader.
+    bool timeDivision = false;
+
     /// Time in seconds of sample k of analog channel `channel`.
-    double sampleTime(qint64 k, int channel) const;
+    double sampleTime(qint64 k, int channel) const
+    {
+        if (!timeDivision)
+            return static_cast<double>(k) / sampleRate;
+        return static_cast<double>(k * analogCount + channel) / (sampleRate * analogCount);
+    }
 };
 
 /// Reads a pyPhotometry .ppd file: a little-endian 16-bit header length, a JSON header of

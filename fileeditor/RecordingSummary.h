@@ -38,6 +38,8 @@ struct RecordingSummary
     };
 
     QString format;
+    /// Every store of a TDT block, chosen or not, for the store picker.
+    QStringList stores;
     std::vector<Channel> channels;
     std::vector<EventArray> events;
     double duration = 0.0;

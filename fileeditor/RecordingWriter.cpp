@@ -119,6 +119,13 @@ bool RecordingWriter::append(int index, std::span<const double> values, std::spa
     Stream& stream = m_streams[static_cast<std::size_t>(index)];
     const std::size_t n = std::min(values.size(), times.size());
     for (std::size_t done = 0; done < n;) {
+        // Whole blocks go to the file as given, without a copy through the buffer.
+        if (stream.pendingValues.empty() && n - done >= BlockLength) {
+            if (!write(stream, values.data() + done, times.data() + done, BlockLength, error))
+                return false;
+            done += BlockLength;
+            continue;
+        }
         const std::size_t take = std::min(n - done, BlockLength - stream.pendingValues.size());
         stream.pendingValues.insert(stream.pendingValues.end(), values.begin() + done,
                                     values.begin() + done + take);
@@ -131,17 +138,24 @@ bool RecordingWriter::append(int index, std::span<const double> values, std::spa
     return true;
 }
 
+bool RecordingWriter::write(Stream& stream, const double* values, const double* times, std::size_t n,
+                            QString& error)
+{
+    HDF5Writer_V6& file = m_target.file();
+    if (!file.append(stream.values, values, {n}) || !file.append(stream.time, times, {n})) {
+        error = Texts::unableToWriteMessage().arg(stream.path, file.lastError());
+        return false;
+    }
+    return true;
+}
+
 bool RecordingWriter::flush(Stream& stream, QString& error)
 {
     if (stream.pendingValues.empty())
         return true;
-    HDF5Writer_V6& file = m_target.file();
-    const hsize_t n = stream.pendingValues.size();
-    if (!file.append(stream.values, stream.pendingValues.data(), {n}) ||
-        !file.append(stream.time, stream.pendingTimes.data(), {n})) {
-        error = Texts::unableToWriteMessage().arg(stream.path, file.lastError());
+    if (!write(stream, stream.pendingValues.data(), stream.pendingTimes.data(), stream.pendingValues.size(),
+               error))
         return false;
-    }
     stream.pendingValues.clear();
     stream.pendingTimes.clear();
     return true;

@@ -64,6 +64,7 @@ private:
         std::vector<double> pendingTimes;
     };
 
+    bool write(Stream& stream, const double* values, const double* times, std::size_t n, QString& error);
     bool flush(Stream& stream, QString& error);
     bool recordSource(hid_t location, const QString& path, QString& error);
     void closeAll();

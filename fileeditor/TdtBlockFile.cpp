@@ -25,10 +25,13 @@ constexpr qint32 HeaderWords = 10;
 constexpr qint32 StrobeOn = 0x101;
 constexpr qint32 StrobeOff = 0x102;
 constexpr qint32 Stream = 0x8101;
+constexpr qint32 Snip = 0x8201;
 constexpr qint32 Mark = 0x8801;
 constexpr qint32 StartMark = 1;
 /// Index records read at once.
 constexpr qint64 RecordsPerRead = 4096;
+/// Bytes of the data file read at once.
+constexpr qint64 WindowBytes = 4 << 20;
 
 struct Record
 {
@@ -89,6 +92,8 @@ struct StoreInfo
 {
     bool stream = false;
     std::map<quint16, std::size_t> samples;
+    /// Snippets of each channel of a snippet store.
+    std::map<quint16, std::size_t> snippets;
     double rate = 0.0;
     std::size_t onsets = 0;
     std::size_t offsets = 0;
@@ -102,6 +107,29 @@ struct Block
     double start = 0.0;
     double end = 0.0;
     std::map<QString, StoreInfo> stores;
+};
+
+/// The data file read through a window of a few megabytes: the records of a block mostly
+/// follow each other in the data file, so most of them are served without a system call.
+struct DataWindow
+{
+    QFile& file;
+    QByteArray bytes;
+    qint64 start = 0;
+
+    /// The `length` bytes at offset, or nullptr when the file ends before them.
+    const char* at(qint64 offset, qint64 length)
+    {
+        if (offset < start || offset + length > start + bytes.size()) {
+            if (!file.seek(offset))
+                return nullptr;
+            bytes = file.read(std::max(length, WindowBytes));
+            start = offset;
+            if (bytes.size() < length)
+                return nullptr;
+        }
+        return bytes.constData() + (offset - start);
+    }
 };
 
 /// Calls `each` with every record after the start mark, in file order.
@@ -176,6 +204,8 @@ bool scan(const QString& path, Block& block, QString& error)
             store.stream = true;
             store.rate = record.rate;
             store.samples[record.channel] += static_cast<std::size_t>(dataBytes / bytes);
+        } else if (record.type == Snip) {
+            ++block.stores[record.store].snippets[record.channel];
         } else if (record.type == StrobeOn) {
             ++block.stores[record.store].onsets;
         } else if (record.type == StrobeOff) {
@@ -185,9 +215,15 @@ bool scan(const QString& path, Block& block, QString& error)
     });
 }
 
-QString channelName(const QString& store, const StoreInfo& info, quint16 channel)
+/// The store's name when it has one channel, else "<store>-<channel>".
+QString channelName(const QString& store, const std::map<quint16, std::size_t>& channels, quint16 channel)
 {
-    return info.samples.size() == 1 ? store : Texts::StoreChannelPattern.arg(store).arg(channel);
+    return channels.size() == 1 ? store : Texts::StoreChannelPattern.arg(store).arg(channel);
+}
+
+bool isEpochStore(const StoreInfo& info)
+{
+    return !info.stream && info.snippets.empty();
 }
 
 /// The stores chosen, or every store; false naming the first unknown one.
@@ -233,11 +269,15 @@ RecordingSummary TdtBlockFile::describe(const RecordingConversionConfig& config)
     if (!scan(config.sourcePath, block, summary.error) ||
         !chosenStores(block, config.stores, stores, summary.error))
         return summary;
+    for (const auto& [name, info] : block.stores)
+        summary.stores << name;
     for (const QString& name : stores) {
         const StoreInfo& info = block.stores.at(name);
         for (const auto& [channel, samples] : info.samples)
-            summary.channels.push_back({channelName(name, info, channel), samples, info.rate});
-        if (!info.stream)
+            summary.channels.push_back({channelName(name, info.samples, channel), samples, info.rate});
+        for (const auto& [channel, count] : info.snippets)
+            summary.events.push_back({channelName(name, info.snippets, channel), count});
+        if (isEpochStore(info))
             summary.events.push_back({name, info.onsets});
     }
     summary.duration = block.end;
@@ -258,16 +298,20 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
         // (store, channel) -> signal of the writer; epoch store -> its onsets and offsets.
         std::map<std::pair<QString, quint16>, int> streams;
         std::map<QString, std::pair<std::vector<double>, std::vector<double>>> epochs;
+        // (snippet store, channel) -> onsets of its snippets.
+        std::map<std::pair<QString, quint16>, std::vector<double>> snippets;
         for (const QString& name : stores) {
             const StoreInfo& info = block.stores.at(name);
             for (const auto& [channel, samples] : info.samples) {
-                const QString signal = channelName(name, info, channel);
+                const QString signal = channelName(name, info.samples, channel);
                 const int index = writer.addSignal(signal, signal, QString(), error);
                 if (index < 0)
                     return false;
                 streams.emplace(std::make_pair(name, channel), index);
             }
-            if (!info.stream)
+            for (const auto& [channel, count] : info.snippets)
+                snippets[{name, channel}].reserve(count);
+            if (isEpochStore(info))
                 epochs[name];
         }
         QFile tev(block.tev);
@@ -275,7 +319,7 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
             error = Texts::unableToOpenMessage().arg(block.tev);
             return false;
         }
-        QByteArray data;
+        DataWindow window{tev, {}, 0};
         std::vector<double> values;
         std::vector<double> times;
         double start = 0.0;
@@ -286,7 +330,8 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
                     return true;
                 const int bytes = sampleBytes(record.format);
                 const qint64 dataBytes = static_cast<qint64>(record.words - HeaderWords) * 4;
-                if (!tev.seek(record.offset) || (data = tev.read(dataBytes)).size() != dataBytes) {
+                const char* data = window.at(record.offset, dataBytes);
+                if (!data) {
                     error = Texts::tdtDataMessage().arg(record.store, block.tev);
                     return false;
                 }
@@ -295,10 +340,16 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
                 times.resize(n);
                 const double first = record.timestamp - start;
                 for (std::size_t i = 0; i < n; ++i) {
-                    values[i] = sampleAt(data.constData() + i * bytes, record.format);
+                    values[i] = sampleAt(data + i * bytes, record.format);
                     times[i] = first + static_cast<double>(i) / record.rate;
                 }
                 return writer.append(it->second, values, times, error);
+            }
+            if (record.type == Snip) {
+                const auto it = snippets.find({record.store, record.channel});
+                if (it != snippets.end())
+                    it->second.push_back(record.timestamp - start);
+                return true;
             }
             const auto epoch = epochs.find(record.store);
             if (epoch != epochs.end() && record.type == StrobeOn)
@@ -314,6 +365,11 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
             if (!offsets.empty())
                 offsets.resize(onsets.size(), block.end);
             if (!writer.writeEvents(name, name, onsets, offsets, error))
+                return false;
+        }
+        for (const auto& [key, onsets] : snippets) {
+            const QString name = channelName(key.first, block.stores.at(key.first).snippets, key.second);
+            if (!writer.writeEvents(name, name, onsets, {}, error))
                 return false;
         }
         return true;

@@ -17,9 +17,11 @@ namespace zarvi {
 /// per channel, named after the store ("<store>-<channel>" when it has several), each
 /// record's samples taken at its timestamp + i / rate; epoch stores become event arrays
 /// named after the store, [events, 2] with the offsets when the store records them
-/// (a last epoch still open ends at the block's end), else [events, 1]. Times start at
-/// 0 at the block's start mark. Streams the files record by record. Runs on the job's
-/// worker thread.
+/// (a last epoch still open ends at the block's end), else [events, 1]; snippet stores
+/// (short waveforms cut around events, spikes most often) become one event array of
+/// onsets per channel, named like the signals, their waveforms and sort codes left out.
+/// Times start at 0 at the block's start mark. Streams the files record by record. Runs
+/// on the job's worker thread.
 class TdtBlockFile
 {
 public:

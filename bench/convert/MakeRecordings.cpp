@@ -1,5 +1,5 @@
-// Writes one-hour recordings of each photometry format into a folder for the conversion
-// benchmark: "recording.ppd" (2 channels at 1 kHz), "neurophotometrics.csv" (2 LEDs
+// Writes one-hour recordings (or of the seconds given) of each photometry format into a
+// folder for the conversion benchmark: "recording.ppd" (2 channels at 1 kHz), "neurophotometrics.csv" (2 LEDs
 // taking turns at 40 frames/s, 4 regions) and the TDT block "Block-1" (two float stores
 // at 1017.25 Hz in records of 256 samples, one epoch store).
 #include <QCoreApplication>
@@ -12,7 +12,8 @@
 
 namespace {
 
-constexpr double Seconds = 3600.0;
+/// Length of the recordings; a shorter one shows that memory does not grow with length.
+double Seconds = 3600.0;
 
 bool writePpd(const QString& path)
 {
@@ -75,8 +76,14 @@ bool writeTdt(const QString& folder)
 int main(int argc, char** argv)
 {
     QCoreApplication app(argc, argv);
-    if (argc != 2) {
-        QTextStream(stderr) << "usage: make_recordings FOLDER\n";
+    if (argc != 2 && argc != 3) {
+        QTextStream(stderr) << "usage: make_recordings FOLDER [SECONDS]\n";
+        return 2;
+    }
+    if (argc == 3)
+        Seconds = QString::fromLocal8Bit(argv[2]).toDouble();
+    if (!(Seconds > 0.0)) {
+        QTextStream(stderr) << "SECONDS must be above 0\n";
         return 2;
     }
     const QString folder = QString::fromLocal8Bit(argv[1]);

@@ -1,8 +1,10 @@
 #include "ConvertTestSupport.h"
+#include "RecordingTestFiles.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
@@ -207,6 +209,85 @@ TEST(ConvertDialog, ShowsVersionRefusalsAsWarningsAndKeepsVersion5CopiesNew)
     EXPECT_EQ(shown.messages, QStringList{QStringLiteral(
                                   "The loaded file has the latest version (V6) -- no conversion required.")});
     EXPECT_EQ(shown.icons, std::vector<int>{QMessageBox::Warning});
+}
+
+TEST(ConvertDialog, ShowsWhatARecordingHoldsAndConvertsTheTickedStores)
+{
+    test::TempDir dir;
+    using B = test::TdtBlockBuilder;
+    B block(1000.0);
+    block.streamFloat("x465", 1, 1000.0, 10.0f, {1.0f, 2.0f, 3.0f});
+    block.epoch("PtC1", B::StrobeOn, 1000.25, 1.0);
+    block.stop(1001.0);
+    const QString folder = dir.file(QStringLiteral("Block-1"));
+    ASSERT_TRUE(block.write(folder, QStringLiteral("b")));
+    const QString file = dir.file(QStringLiteral("new.orvel"));
+
+    ConvertDialog dialog(QString(), nullptr);
+    dialog.show();
+    child<QComboBox>(dialog, "cb_sourceType")->setCurrentIndex(ConvertDialog::Recording);
+    EXPECT_TRUE(child<QWidget>(dialog, "gb_recording")->isVisible());
+    EXPECT_FALSE(child<QWidget>(dialog, "gb_columns")->isVisible());
+    child<QLineEdit>(dialog, "le_source")->setText(folder);
+    // The block's stores are listed, all ticked, and what they hold is shown.
+    auto* stores = child<QListWidget>(dialog, "lw_stores");
+    ASSERT_EQ(stores->count(), 2);
+    EXPECT_TRUE(stores->isVisible());
+    EXPECT_EQ(stores->item(0)->text(), QStringLiteral("PtC1"));
+    EXPECT_EQ(stores->item(1)->checkState(), Qt::Checked);
+    auto* found = child<QLabel>(dialog, "lb_found");
+    EXPECT_TRUE(found->text().contains(QStringLiteral("signal <b>x465</b>: 3 samples at 10 Hz")))
+        << found->text().toStdString();
+    EXPECT_TRUE(found->text().contains(QStringLiteral("events <b>PtC1</b>: 1")));
+    // The device takes the format's name when none was typed.
+    EXPECT_EQ(child<QLineEdit>(dialog, "le_device")->text(), QStringLiteral("TDT"));
+
+    stores->item(0)->setCheckState(Qt::Unchecked);
+    EXPECT_FALSE(found->text().contains(QStringLiteral("PtC1")));
+    child<QLineEdit>(dialog, "le_target")->setText(file);
+    QString problem;
+    const std::optional<ConversionRequest> request = dialog.buildRequest(problem);
+    ASSERT_TRUE(request) << problem.toStdString();
+    const auto* recording = std::get_if<RecordingConversionConfig>(&*request);
+    ASSERT_NE(recording, nullptr);
+    EXPECT_EQ(recording->stores, QStringList{QStringLiteral("x465")});
+
+    Shown shown;
+    dialog.setMessagePresenter(shown.presenter());
+    ASSERT_TRUE(dialog.convert()) << shown.messages.join(' ').toStdString();
+    EXPECT_EQ(test::storedValues(file, QStringLiteral("DataConverted/TDT/Signals/Series1/x465/Time")),
+              (std::vector<double>{0.0, 0.1, 0.2}));
+    EXPECT_TRUE(test::pathExists(file, QStringLiteral("DataConverted/TDT/Signals")));
+    EXPECT_FALSE(test::pathExists(file, QStringLiteral("DataConverted/TDT/Events")));
+
+    // No store ticked is refused before anything is written.
+    child<QRadioButton>(dialog, "rb_existingFile")->setChecked(true);
+    stores->item(1)->setCheckState(Qt::Unchecked);
+    EXPECT_FALSE(dialog.buildRequest(problem));
+    EXPECT_EQ(problem, QStringLiteral("Choose at least one store to bring in."));
+}
+
+TEST(ConvertDialog, SaysWhyAFileIsNoRecording)
+{
+    test::TempDir dir;
+    const QString ppd = dir.file(QStringLiteral("m1.ppd"));
+    ASSERT_TRUE(test::writeBytes(ppd, test::ppdBytes(100, "2 colour continuous", {1e-4, 1e-4},
+                                                     {{10, 20}, {30, 40}}, {{0, 1}, {0, 0}})));
+    const QString text = dir.file(QStringLiteral("notes.txt"));
+    test::writeText(text, "nothing to see\n");
+
+    ConvertDialog dialog(QString(), nullptr);
+    dialog.show();
+    child<QComboBox>(dialog, "cb_sourceType")->setCurrentIndex(ConvertDialog::Recording);
+    child<QLineEdit>(dialog, "le_source")->setText(ppd);
+    auto* found = child<QLabel>(dialog, "lb_found");
+    EXPECT_TRUE(found->text().contains(QStringLiteral("signal <b>AIN2</b>: 2 samples at 100 Hz")))
+        << found->text().toStdString();
+    EXPECT_TRUE(found->text().contains(QStringLiteral("events <b>DIO1</b>: 1")));
+    EXPECT_FALSE(child<QListWidget>(dialog, "lw_stores")->isVisible());
+    child<QLineEdit>(dialog, "le_source")->setText(text);
+    EXPECT_FALSE(found->text().contains(QStringLiteral("signal")));
+    EXPECT_TRUE(found->text().contains(QStringLiteral("notes.txt"))) << found->text().toStdString();
 }
 
 TEST(BackgroundJob, RunsWorkOffTheGuiThreadAndCancelsFromTheProgressDialog)

@@ -99,6 +99,43 @@ TEST(NeurophotometricsConversion, OlderFilesCarryTheLedsInTheFlags)
     EXPECT_NEAR(summary.channels[0].sampleRate, 3 / 0.1, 1e-6);
 }
 
+TEST(NeurophotometricsConversion, ReadsRowsAcrossTheReadBlocksWithWindowsLineEnds)
+{
+    // Rows of about 25 bytes: 100000 of them span three of the reader's blocks of 1 MiB, so
+    // rows are cut at block ends. Windows line ends, spaces around cells, no line end after
+    // the last row.
+    constexpr int Frames = 100000;
+    QByteArray csv = "FrameCounter, Timestamp ,LedState,Region0G\r\n";
+    for (int frame = 0; frame < Frames; ++frame) {
+        csv += QStringLiteral("%1, %2,%3, %4")
+                   .arg(frame)
+                   .arg(frame * 0.5)
+                   .arg(frame % 2 ? 2 : 1)
+                   .arg(frame * 3)
+                   .toUtf8();
+        if (frame + 1 < Frames)
+            csv += "\r\n";
+    }
+    ASSERT_GT(csv.size(), 2 << 20);
+    test::TempDir dir;
+    const QString path = dir.file(QStringLiteral("long.csv"));
+    ASSERT_TRUE(test::writeBytes(path, csv));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+
+    const ConversionResult result = FileConversion::run(configFor(path, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    // Even frames are the 415 nm ones: frame 2k at 0.5 * 2k s reads 3 * 2k; odd frames 470 nm.
+    std::vector<double> values415, times415, values470, times470;
+    for (int frame = 0; frame < Frames; ++frame) {
+        (frame % 2 ? values470 : values415).push_back(3.0 * frame);
+        (frame % 2 ? times470 : times415).push_back(0.5 * frame);
+    }
+    EXPECT_EQ(test::storedValues(file, Signals + "Region0G-415/Signal"), values415);
+    EXPECT_EQ(test::storedValues(file, Signals + "Region0G-415/Time"), times415);
+    EXPECT_EQ(test::storedValues(file, Signals + "Region0G-470/Signal"), values470);
+    EXPECT_EQ(test::storedValues(file, Signals + "Region0G-470/Time"), times470);
+}
+
 TEST(NeurophotometricsConversion, DamagedFilesLeaveNothing)
 {
     test::TempDir dir;

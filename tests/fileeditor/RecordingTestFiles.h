@@ -101,6 +101,7 @@ struct TdtBlockBuilder
     static constexpr std::int32_t StrobeOn = 0x101;
     static constexpr std::int32_t StrobeOff = 0x102;
     static constexpr std::int32_t Stream = 0x8101;
+    static constexpr std::int32_t Snip = 0x8201;
     static constexpr std::int32_t Mark = 0x8801;
 
     QByteArray tsq;
@@ -147,6 +148,16 @@ struct TdtBlockBuilder
             tev.append(b, 4);
         }
         tsq += record.bytes();
+    }
+    /// One snippet: a short float32 waveform of channel (from 1) with its sort code,
+    /// stored like a stream record under the snippet type.
+    void snippet(const char* store, std::uint16_t channel, std::uint16_t sortCode, double timestamp,
+                 float rate, const std::vector<float>& waveform)
+    {
+        streamFloat(store, channel, timestamp, rate, waveform);
+        char* record = tsq.data() + tsq.size() - 40;
+        qToLittleEndian<std::int32_t>(Snip, record + 4);
+        qToLittleEndian<std::uint16_t>(sortCode, record + 14);
     }
     void epoch(const char* store, std::int32_t type, double timestamp, double value)
     {

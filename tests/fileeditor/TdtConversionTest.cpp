@@ -99,6 +99,81 @@ TEST(TdtConversion, ChosenStoresOnly)
     EXPECT_FALSE(QFileInfo::exists(config.destination.filepath));
 }
 
+TEST(TdtConversion, SnippetsBecomeOnsetsPerChannel)
+{
+    using B = test::TdtBlockBuilder;
+    B builder(Start);
+    builder.streamFloat("x465", 1, Start + 0.5, 100.0f, {1.5f, 2.5f});
+    const std::vector<float> wave{0.1f, -0.4f, 0.2f, 0.0f};
+    builder.snippet("eNe1", 3, 0, Start + 0.75, 24414.0625f, wave);
+    builder.snippet("eNe1", 1, 2, Start + 0.8, 24414.0625f, wave);
+    builder.snippet("eNe1", 3, 1, Start + 1.125, 24414.0625f, wave);
+    builder.snippet("Spk2", 4, 0, Start + 2.25, 24414.0625f, wave);
+    builder.stop(Start + 3.0);
+    test::TempDir dir;
+    const QString folder = dir.file(QStringLiteral("Block-2"));
+    ASSERT_TRUE(builder.write(folder, QStringLiteral("b")));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+
+    const RecordingSummary summary = RecordingImport::describe(configFor(folder, file));
+    ASSERT_TRUE(summary.ok()) << summary.error.toStdString();
+    ASSERT_EQ(summary.events.size(), 3u);
+    EXPECT_EQ(summary.events[0].name, QStringLiteral("Spk2"));
+    EXPECT_EQ(summary.events[1].name, QStringLiteral("eNe1-1"));
+    EXPECT_EQ(summary.events[2].count, 2u);
+
+    const ConversionResult result = FileConversion::run(configFor(folder, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    // A store of one channel is named after the store; the others carry their channel.
+    EXPECT_EQ(result.datapaths,
+              (QStringList{Signals + "x465/Signal", Events + "Spk2", Events + "eNe1-1", Events + "eNe1-3"}));
+    // Onsets are the snippets' timestamps from the start mark, whatever their sort code.
+    EXPECT_EQ(test::storedValues(file, Events + "eNe1-3"), (std::vector<double>{0.75, 1.125}));
+    EXPECT_EQ(test::storedDataset(file, Events + "eNe1-3").dimensions, (std::vector<hsize_t>{2, 1}));
+    EXPECT_EQ(test::storedValues(file, Events + "eNe1-1"), (std::vector<double>{(Start + 0.8) - Start}));
+    EXPECT_EQ(test::storedValues(file, Events + "Spk2"), (std::vector<double>{2.25}));
+    // The snippets' waveforms in the data file do not disturb the stream read beside them.
+    EXPECT_EQ(test::storedValues(file, Signals + "x465/Signal"), (std::vector<double>{1.5, 2.5}));
+}
+
+TEST(TdtConversion, ReadsDataFilesLongerThanTheReadWindow)
+{
+    // 1.2 million float samples (4.8 MB, more than the reader's 4 MiB window) in records of
+    // 1000, sample i reading i; a record of a second store is written into the data file
+    // after its neighbours but indexed first, so the reader has to go back for it.
+    using B = test::TdtBlockBuilder;
+    B builder(Start);
+    constexpr int Records = 1200;
+    constexpr int PerRecord = 1000;
+    std::vector<float> samples(PerRecord);
+    for (int r = 0; r < Records; ++r) {
+        for (int i = 0; i < PerRecord; ++i)
+            samples[i] = static_cast<float>(r * PerRecord + i);
+        builder.streamFloat("x465", 1, Start + r, 1000.0f, samples);
+    }
+    B late(Start);
+    late.tev = builder.tev;
+    late.streamFloat("x405", 1, Start + 0.5, 10.0f, {7.0f, 8.0f});
+    late.tsq += builder.tsq.mid(80);
+    late.stop(Start + Records);
+    test::TempDir dir;
+    const QString folder = dir.file(QStringLiteral("Block-3"));
+    ASSERT_TRUE(late.write(folder, QStringLiteral("b")));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+
+    const ConversionResult result = FileConversion::run(configFor(folder, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+    const std::vector<double> values = test::storedValues(file, Signals + "x465/Signal");
+    ASSERT_EQ(values.size(), static_cast<std::size_t>(Records * PerRecord));
+    std::size_t wrong = 0;
+    for (std::size_t k = 0; k < values.size(); ++k)
+        wrong += values[k] != static_cast<double>(k);
+    EXPECT_EQ(wrong, 0u);
+    EXPECT_EQ(test::storedValues(file, Signals + "x405/Signal"), (std::vector<double>{7.0, 8.0}));
+    const std::vector<double> times = test::storedValues(file, Signals + "x465/Time");
+    EXPECT_DOUBLE_EQ(times[PerRecord * 7 + 3], 7 + 3 / 1000.0);
+}
+
 TEST(TdtConversion, DamagedBlocksLeaveNothing)
 {
     test::TempDir dir;
