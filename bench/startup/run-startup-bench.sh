@@ -39,7 +39,8 @@ for ((k = 0; k < runs; ++k)); do
 done
 cli_ns=$(median < "$work/cli.txt")
 floor_ns=$(median < "$work/floor.txt")
-libraries() { LD_DEBUG=statistics "$@" 2>&1 > /dev/null | awk '/number of objects loaded/ { print $NF; exit }'; }
+# Shared objects the dynamic loader maps for one run.
+libraries() { LD_DEBUG=files "$@" 2>&1 > /dev/null | grep -c 'generating link map'; }
 printf 'zarvi-cli info:        %8.2f ms median of %d, %s shared objects\n' \
   "$(awk -v n="$cli_ns" 'BEGIN { print n / 1e6 }')" "$runs" "$(libraries "$cli" info "$work/small.orvel")"
 printf 'HDF5 C program:        %8.2f ms median of %d, %s shared objects\n' \
