@@ -64,6 +64,10 @@ void SignalOperationProcess::runOperation()
             return false;
         }
         addOutput(written);
+        // The next input is read into this output's memory: signals of one recording have
+        // the same length, so it is neither allocated nor cleared again.
+        m_input.values = std::move(m_output.values);
+        m_input.time = std::move(m_output.time);
         return true;
     });
     m_stepFeedback = nullptr;
