@@ -4,13 +4,13 @@
 #include "datafile/HDF5Writer_V6.h"
 #include "datafile/ImageFrameWriter.h"
 #include "datafile/SignalDataset.h"
+#include "datafile/VideoCodecs.h"
 #include "definitions/FileDefinitions.h"
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <opencv2/imgproc.hpp>
-#include <opencv2/videoio.hpp>
 
 #include <cmath>
 #include <numbers>
@@ -219,10 +219,12 @@ bool writeVideo(HDF5Writer_V6& file, const QString& dataFilePath, const DemoSett
         info.absoluteDir().filePath(info.completeBaseName() + QStringLiteral("_behavior.avi"));
     truth.videoFrameRate = s.videoFrameRate;
     truth.videoFrames = s.videoFrames;
-    cv::VideoWriter writer(QFile::encodeName(truth.videoFilePath).toStdString(),
-                           cv::VideoWriter::fourcc('M', 'J', 'P', 'G'), s.videoFrameRate,
-                           cv::Size(s.videoWidth, s.videoHeight), true);
-    if (!writer.isOpened()) {
+    const VideoCodecs* codecs = VideoCodecs::load(error);
+    if (!codecs)
+        return false;
+    const std::unique_ptr<VideoEncoder> writer = codecs->makeEncoder();
+    if (!writer->open(QFile::encodeName(truth.videoFilePath).toStdString(), s.videoFrameRate, s.videoWidth,
+                      s.videoHeight)) {
         error = QStringLiteral("Unable to write the demo video <b>%1</b>.").arg(truth.videoFilePath);
         return false;
     }
@@ -242,9 +244,9 @@ bool writeVideo(HDF5Writer_V6& file, const QString& dataFilePath, const DemoSett
         cv::ellipse(frame, cv::Point(cvRound(x), cvRound(y)), cv::Size(14, 8),
                     std::atan2(vy, vx) * 180.0 / std::numbers::pi, 0, 360, cv::Scalar::all(30), cv::FILLED,
                     cv::LINE_AA);
-        writer.write(frame);
+        writer->write(frame);
     }
-    writer.release();
+    writer->release();
 
     truth.videoGroupPath = join({FD::DataConverted, QStringLiteral("BehaviorCamera"), FD::Video,
                                  FD::SeriesPattern.arg(1), FD::VideoPattern.arg(1)});

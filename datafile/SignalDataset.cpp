@@ -40,6 +40,40 @@ bool write1D(HDF5Writer_V6& file, hid_t group, const QString& name, const std::v
     return ok;
 }
 
+QString timePathOf(const QString& valuesPath)
+{
+    const QString group = valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')));
+    return group.isEmpty() ? FileDefinitions::Time : group + QLatin1Char('/') + FileDefinitions::Time;
+}
+
+QString unequalLengthMessage(const QString& path)
+{
+    return QStringLiteral("Signal <b>%1</b> and its time vector differ in length.").arg(path);
+}
+
+/// The length of the 1-D "Time" at `path`, with its first and last sample.
+bool readTimeSpan(HDF5Manager_V6& file, const QString& path, TimeSpan& span, QString& error)
+{
+    const hid_t dataset = file.openDataset(file.fileId(), path);
+    if (dataset < 0) {
+        error = FileDefinitions::datasetNotFoundMessage().arg(path);
+        return false;
+    }
+    const std::vector<hsize_t> dims = file.dimensions(dataset);
+    bool ok = dims.size() == 1;
+    if (!ok) {
+        error = QStringLiteral("Dataset <b>%1</b> is not a 1-D signal.").arg(path);
+    } else {
+        span = TimeSpan{static_cast<std::size_t>(dims[0]), 0.0, 0.0};
+        ok = span.count == 0 || (file.read(dataset, {0}, {1}, &span.first) &&
+                                 file.read(dataset, {dims[0] - 1}, {1}, &span.last));
+        if (!ok)
+            error = file.lastError();
+    }
+    file.closeDataset(dataset);
+    return ok;
+}
+
 } // namespace
 
 QString SignalDataset::valuesPath(const QString& groupPath)
@@ -49,12 +83,28 @@ QString SignalDataset::valuesPath(const QString& groupPath)
 
 bool SignalDataset::read(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal, QString& error)
 {
-    const QString group = valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')));
-    const QString timePath = group.isEmpty() ? FileDefinitions::Time : group + QLatin1Char('/') + FileDefinitions::Time;
-    if (!read1D(file, valuesPath, signal.values, error) || !read1D(file, timePath, signal.time, error))
+    if (!read1D(file, valuesPath, signal.values, error) ||
+        !read1D(file, timePathOf(valuesPath), signal.time, error))
         return false;
     if (signal.values.size() != signal.time.size()) {
-        error = QStringLiteral("Signal <b>%1</b> and its time vector differ in length.").arg(valuesPath);
+        error = unequalLengthMessage(valuesPath);
+        return false;
+    }
+    const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
+    signal.unit = file.readAttribute(dataset, FileDefinitions::Unit).toString();
+    file.closeDataset(dataset);
+    return true;
+}
+
+bool SignalDataset::readValues(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal,
+                               TimeSpan& span, QString& error)
+{
+    signal.time.clear();
+    if (!read1D(file, valuesPath, signal.values, error) ||
+        !readTimeSpan(file, timePathOf(valuesPath), span, error))
+        return false;
+    if (signal.values.size() != span.count) {
+        error = unequalLengthMessage(valuesPath);
         return false;
     }
     const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
@@ -67,7 +117,7 @@ bool SignalDataset::write(HDF5Writer_V6& file, const QString& groupPath, const S
                           const QVariantMap& attributes, QString& error)
 {
     if (signal.time.size() != signal.values.size()) {
-        error = QStringLiteral("Signal <b>%1</b> and its time vector differ in length.").arg(groupPath);
+        error = unequalLengthMessage(groupPath);
         return false;
     }
     const hid_t group = file.createGroupPath(file.fileId(), groupPath);
@@ -78,8 +128,46 @@ bool SignalDataset::write(HDF5Writer_V6& file, const QString& groupPath, const S
     QVariantMap valueAttributes = attributes;
     if (!signal.unit.isEmpty())
         valueAttributes.insert(FileDefinitions::Unit, signal.unit);
-    const bool ok = write1D(file, group, FileDefinitions::Time, signal.time, {{FileDefinitions::Unit, QStringLiteral("s")}}, error) &&
-                    write1D(file, group, FileDefinitions::SignalValues, signal.values, valueAttributes, error);
+    const bool ok =
+        write1D(file, group, FileDefinitions::Time, signal.time,
+                {{FileDefinitions::Unit, QStringLiteral("s")}}, error) &&
+        write1D(file, group, FileDefinitions::SignalValues, signal.values, valueAttributes, error);
+    file.closeGroup(group);
+    return ok;
+}
+
+bool SignalDataset::writeWithTimeOf(HDF5Writer_V6& file, const QString& groupPath,
+                                    const QString& timeSourcePath, const Signal& signal,
+                                    const QVariantMap& attributes, QString& error)
+{
+    const QString sourceTime = timePathOf(timeSourcePath);
+    TimeSpan span;
+    if (!readTimeSpan(file, sourceTime, span, error))
+        return false;
+    if (span.count != signal.values.size()) {
+        error = unequalLengthMessage(groupPath);
+        return false;
+    }
+    const hid_t group = file.createGroupPath(file.fileId(), groupPath);
+    if (group < 0) {
+        error = FileDefinitions::unableToCreateGroupMessage().arg(groupPath);
+        return false;
+    }
+    QVariantMap valueAttributes = attributes;
+    if (!signal.unit.isEmpty())
+        valueAttributes.insert(FileDefinitions::Unit, signal.unit);
+    // The library copies the chunks as they are stored, attributes included; the unit is
+    // then set as write() sets it, should the source's be missing.
+    bool ok = file.copy(file.fileId(), sourceTime, group, FileDefinitions::Time);
+    if (ok) {
+        const hid_t time = file.openDataset(group, FileDefinitions::Time);
+        ok = time >= 0 && file.writeAttribute(time, FileDefinitions::Unit, QStringLiteral("s"));
+        file.closeDataset(time);
+    }
+    if (!ok)
+        error = FileDefinitions::unableToCreateDatasetMessage().arg(FileDefinitions::Time) +
+                QLatin1Char(' ') + file.lastError();
+    ok = ok && write1D(file, group, FileDefinitions::SignalValues, signal.values, valueAttributes, error);
     file.closeGroup(group);
     return ok;
 }

@@ -3,6 +3,7 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <cstddef>
 #include <vector>
 
 namespace zarvi {
@@ -19,6 +20,14 @@ struct Signal
     QString unit;
 };
 
+/// The extent of a "Time" vector without its samples: enough for the sample rate.
+struct TimeSpan
+{
+    std::size_t count = 0;
+    double first = 0.0;
+    double last = 0.0;
+};
+
 /// Reads and writes signals in the layout every operation shares: a sensor group
 /// holding the float64 "Signal" values and the float64 "Time" beside them, both
 /// rank 1, chunked by min(n, 65536). Called on whatever thread holds the file.
@@ -29,10 +38,22 @@ public:
     /// False with `error` set when either is missing, not 1-D, or of unequal length.
     static bool read(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal, QString& error);
 
+    /// Reads only the values dataset at `valuesPath` and its unit, and from the "Time"
+    /// beside it the length, first and last time, so that an operation that keeps the
+    /// input's time reads two of its samples instead of all. False with `error` set as read().
+    static bool readValues(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal, TimeSpan& span,
+                           QString& error);
+
     /// Creates `groupPath` (and missing parents) and writes "Time" and "Signal".
     /// `attributes` go onto the values dataset; "Unit" is added when not empty.
     static bool write(HDF5Writer_V6& file, const QString& groupPath, const Signal& signal,
                       const QVariantMap& attributes, QString& error);
+
+    /// As write(), but "Time" is the "Time" of the signal at `timeSourcePath` (a values
+    /// path), copied inside the file by the HDF5 library rather than read and written
+    /// back; `signal.time` is not used. Its length must equal the values'.
+    static bool writeWithTimeOf(HDF5Writer_V6& file, const QString& groupPath, const QString& timeSourcePath,
+                                const Signal& signal, const QVariantMap& attributes, QString& error);
 
     /// Full path of the values dataset in a sensor group.
     static QString valuesPath(const QString& groupPath);

@@ -3,12 +3,13 @@
 #include <QString>
 
 #include <cstddef>
+#include <memory>
 #include <vector>
 
 #include <opencv2/core/mat.hpp>
-#include <opencv2/videoio.hpp>
 
 #include "datafile/Feedback.h"
+#include "datafile/VideoDecoder.h"
 
 namespace zarvi {
 
@@ -57,13 +58,12 @@ struct VideoTimestamps
 };
 
 /// Reads a video file frame by frame, in order from the start or from a frame sought,
-/// through OpenCV's FFmpeg backend, with each frame's time as the container stores it, so
-/// that variable frame rates and dropped frames keep their true timing. Where the
-/// container gives no usable time (the times stop advancing, as with MPEG program
-/// streams), the remaining frames are timed by the frame rate from the last time given. A
-/// file that ends before the number of frames its header states is reported as truncated
-/// rather than silently cut short. Lives on the worker thread of the conversion or of the
-/// behaviour view's decoding; one object is used by one thread at a time.
+/// through FFmpeg (the VideoCodecs library, loaded on first use), with each frame's time as the container
+/// stores it, so that variable frame rates and dropped frames keep their true timing. Where the container
+/// gives no usable time (the times stop advancing, as with MPEG program streams), the remaining frames are
+/// timed by the frame rate from the last time given. A file that ends before the number of frames its header
+/// states is reported as truncated rather than silently cut short. Lives on the worker thread of the
+/// conversion or of the behaviour view's decoding; one object is used by one thread at a time.
 class VideoFrameReader
 {
 public:
@@ -100,7 +100,7 @@ private:
 
     VideoFrameReaderConfig m_config;
     VideoInfo m_info;
-    cv::VideoCapture m_capture;
+    std::unique_ptr<VideoDecoder> m_decoder;
     cv::Mat m_decoded;
     std::size_t m_framesRead = 0;
     double m_lastSeconds = 0.0;

@@ -122,6 +122,19 @@ QString RunTransaction::writeSignal(const QString& inputPath, const Signal& sign
     return SignalDataset::valuesPath(group);
 }
 
+QString RunTransaction::writeSignalWithInputTime(const QString& inputPath, const Signal& signal,
+                                                 QString& error, const QString& sensor,
+                                                 const QVariantMap& extra)
+{
+    const QString group = sensorGroup(inputPath, error, sensor);
+    QVariantMap attributes = datasetAttributes(inputPath);
+    attributes.insert(extra);
+    if (group.isEmpty() ||
+        !SignalDataset::writeWithTimeOf(m_file, group, inputPath, signal, attributes, error))
+        return QString();
+    return SignalDataset::valuesPath(group);
+}
+
 bool RunTransaction::commit(bool markEdited)
 {
     if (m_finished)

@@ -34,10 +34,18 @@ protected:
     virtual QList<QStringList> inputsOf(HDF5Manager_V6& file);
     /// Name of the output's sensor group; empty names it after the input's sensor.
     virtual QString outputSensor() const { return {}; }
+    /// The output's time is the input's: it is then copied inside the file, not written
+    /// back from m_output.time, and computeOperation() may leave m_output.time empty.
+    virtual bool keepsInputTime() const { return false; }
+    /// False for an operation that needs only the input's sample rate: the input's time
+    /// vector is then not read (m_input.time stays empty), only its ends.
+    virtual bool readsInputTime() const { return true; }
 
     /// The last signal of the current input and its path.
     Signal m_input;
     QString m_inputPath;
+    /// The sample rate of m_input, from the ends of its time vector (see sampleRateOf()).
+    double m_inputRate = 0.0;
     /// The other signals of the current input, in the order inputsOf() gave them.
     std::vector<Signal> m_otherInputs;
     /// What computeOperation() produces (with the input's unit unless it sets another).

@@ -203,6 +203,55 @@ TEST_F(PerieventOperationTest, BothSidesGoToTheirOwnGroups)
                 << r << ", " << j;
 }
 
+TEST_F(PerieventOperationTest, RowsSpanningSeveralBandsHoldTheirChunksInOrder)
+{
+    // 2000 s at 100 Hz whose sample i has the value i, and 1000 events at 1.5 s steps:
+    // the perievent rate is 200001 / 2000 s, the window [-1, 1] s spans offsets -100 to
+    // 100 (201 columns), and the nearest sample to event k is 150 + 150 k. Row k, column
+    // j is then 50 + 150 k + j; at 201 columns a band of 1 MiB holds 652 rows, so the
+    // rows come in two bands.
+    Signal ramp;
+    for (std::size_t i = 0; i <= 200000; ++i) {
+        ramp.time.push_back(static_cast<double>(i) / 100.0);
+        ramp.values.push_back(static_cast<double>(i));
+    }
+    const QString signalGroup = QStringLiteral("DataAcquisition/Rig/Signals/Series1/Ramp");
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        QString error;
+        ASSERT_TRUE(SignalDataset::write(writer, signalGroup, ramp, {}, error)) << error.toStdString();
+    }
+    std::vector<double> events;
+    for (int k = 0; k < 1000; ++k)
+        events.push_back(1.5 + 1.5 * k);
+    const QString eventGroup = QStringLiteral("DataAcquisition/Rig/Events/Series1");
+    test::writeEventArray(file, eventGroup, QStringLiteral("Ticks"), events, 1);
+
+    const QVariantMap parameters{{FD::Operations, D::Perievents},
+                                 {D::EventPath, eventGroup},
+                                 {D::Event, QStringLiteral("Ticks")},
+                                 {D::PerieventTimeFrame, QVariantList{-1.0, 1.0}},
+                                 {D::StatisticTimeFrames, QVariantList{0.0, 0.5}},
+                                 {D::TimeFramesNames, QStringList{QStringLiteral("Early")}},
+                                 {D::Statistics, QStringList{D::Mean}}};
+    const RunResult result = run(parameters, {SignalDataset::valuesPath(signalGroup)});
+    ASSERT_TRUE(result.succeeded()) << result.errors.join(' ').toStdString();
+    const test::RawDataset matrix = test::readRaw(file, result.datapaths[0]);
+    ASSERT_EQ(matrix.dimensions, (std::vector<hsize_t>{1000, 201}));
+    EXPECT_EQ(matrix.chunk, (std::vector<hsize_t>{652, 201}));
+    for (std::size_t k = 0; k < 1000; ++k)
+        for (std::size_t j = 0; j < 201; ++j)
+            ASSERT_EQ(matrix.values[k * 201 + j], static_cast<double>(50 + 150 * k + j)) << k << ", " << j;
+
+    // "Early" [0, 0.5] s covers columns 100 to 149: the mean of 150 + 150 k + 0 .. 49.
+    const QString group = result.datapaths[0].left(result.datapaths[0].lastIndexOf(QLatin1Char('/')));
+    const test::RawDataset mean = test::readRaw(file, group + QStringLiteral("/Mean"));
+    ASSERT_EQ(mean.dimensions, (std::vector<hsize_t>{1000, 1}));
+    for (std::size_t k = 0; k < 1000; ++k)
+        ASSERT_EQ(mean.values[k], 150.0 + 150.0 * static_cast<double>(k) + 24.5) << k;
+}
+
 TEST_F(PerieventOperationTest, SelectsTheEventsOfANamedTimePeriod)
 {
     // Periods "Light" over the first and third minute, "Dark" over the second.

@@ -104,6 +104,44 @@ TEST_F(SignalOperationTest, FilterWritesTheZeroPhaseFilteredInputWithTypedParame
     EXPECT_NEAR(smooth.values[10000], 1.5 + std::sin(2 * std::numbers::pi * 0.7 * input.time[10000]), 0.01);
 }
 
+TEST_F(SignalOperationTest, FilterAndSmoothKeepTheInputTimeSampleForSample)
+{
+    // Uneven intervals whose mean gives 500 Hz: 2000 samples from 3 s to 3 + 1999 / 500 s,
+    // every inner sample moved by up to a third of an interval.
+    Signal input = mixture(2000);
+    for (std::size_t i = 1; i + 1 < input.time.size(); ++i)
+        input.time[i] += (i % 3 == 0 ? 1.0 : -0.5) / 1500.0;
+    const QString path = test::writeSignal(file, inputGroup, input);
+
+    const RunResult filtered = runner.run(
+        filterParameters(QStringLiteral("LowPass"), {{QStringLiteral("LowCutoffFrequency"), 50.0}}), file,
+        {path});
+    ASSERT_TRUE(filtered.succeeded()) << filtered.errors.join(' ').toStdString();
+    QVariantMap smoothParameters{{FileDefinitions::Operations, QStringLiteral("Smooth Signals")},
+                                 {QStringLiteral("SmoothMethod"), QStringLiteral("Running Average")},
+                                 {QStringLiteral("SmoothTimeFrame(sec)"), 0.01}};
+    const RunResult smoothed = runner.run(smoothParameters, file, {path});
+    ASSERT_TRUE(smoothed.succeeded()) << smoothed.errors.join(' ').toStdString();
+
+    // The filter's rate is (n - 1) / (last - first) = 500 Hz whatever lies between the ends.
+    FilterDesign::Result design =
+        FilterDesign::design(QStringLiteral("LowPass"), std::vector<double>{50.0}, 500.0);
+    std::vector<double> expected = input.values;
+    ASSERT_TRUE(ZeroPhaseFilter::apply(design.filter, expected, nullptr).ok());
+    const Signal output = test::readSignal(file, filtered.datapaths.first());
+    EXPECT_EQ(output.time, input.time);
+    ASSERT_EQ(output.values.size(), expected.size());
+    for (std::size_t i = 0; i < expected.size(); i += 97)
+        EXPECT_NEAR(output.values[i], expected[i], 1e-9) << i;
+
+    for (const QString& values : {filtered.datapaths.first(), smoothed.datapaths.first()}) {
+        const QString time = values.left(values.lastIndexOf(QLatin1Char('/'))) + QStringLiteral("/Time");
+        EXPECT_EQ(test::readSignal(file, values).time, input.time) << values.toStdString();
+        EXPECT_EQ(test::attributesOf(file, time).value(QStringLiteral("Unit")).toString(),
+                  QStringLiteral("s"));
+    }
+}
+
 TEST_F(SignalOperationTest, FilterRefusesInconsistentCutoffsAndWritesNothing)
 {
     const QString path = test::writeSignal(file, inputGroup, mixture(2000));

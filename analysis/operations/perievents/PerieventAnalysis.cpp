@@ -192,12 +192,17 @@ QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool 
         return error;
 
     ProgressTracker progress(feedback, plan->length, from, to);
-    if (!fillMatrix(signal.values, *plan, scales, progress, result.matrix) ||
+    if (!config.buildMatrix)
+        result.matrix.reset();
+    if ((config.buildMatrix && !fillMatrix(signal.values, *plan, scales, progress, result.matrix)) ||
         !summarise(signal.values, *plan, scales, side, signal.sampleRate, config.statistics, feedback,
                    result.statistics)) {
         canceled = true;
         return {};
     }
+    result.rowStarts = plan->sourceStarts;
+    result.rowScales = std::move(scales);
+    result.rowLength = plan->length;
     result.time = PerieventCutter::timeAxis(side.windowStart, signal.sampleRate, plan->length);
     result.eventNames.clear();
     for (const std::size_t event : plan->events)
@@ -217,10 +222,13 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
         return error;
 
     LinearResampler::Result resampled;
+    result.resampledValues.clear();
     if (config.resampling.enabled) {
         resampled = LinearResampler::resample(time, values, config.resampling.frequency);
+        // The rows are cut from these values; a caller that writes them itself needs them.
+        result.resampledValues = std::move(resampled.values);
         time = resampled.time;
-        values = resampled.values;
+        values = result.resampledValues;
     }
 
     std::vector<std::pair<const PerieventSideConfig*, bool>> sides;

@@ -4,6 +4,7 @@
 #include "analysis/operations/perievents/PerieventCutter.h"
 #include "events/EventArray.h"
 #include "events/EventSelector.h"
+#include "numeric/Statistics.h"
 
 #include <QString>
 #include <QStringList>
@@ -83,14 +84,23 @@ struct PerieventAnalysisConfig
     EventSelection selection;
     PerieventNormalization normalization;
     PerieventResampling resampling;
+    /// False when the caller writes the rows itself from each side's rowStarts and
+    /// rowScales (the operation's run, straight into the file): the matrices then stay empty.
+    bool buildMatrix = true;
 };
 
 /// The analysis of one side.
 struct PerieventSideResult
 {
     bool offset = false;
-    /// Rows = kept events, columns = samples of the window (column-major).
+    /// Rows = kept events, columns = samples of the window (column-major); empty unless
+    /// the configuration asks for it.
     arma::mat matrix;
+    /// How row k of the matrix is cut: rowLength samples of the cut signal (see
+    /// PerieventAnalysisResult::cutSignal) from rowStarts[k], each x giving rowScales[k].score(x).
+    std::vector<std::size_t> rowStarts;
+    std::vector<Statistics::Scale> rowScales;
+    std::size_t rowLength = 0;
     /// Time of each column relative to the event, from the window start.
     std::vector<double> time;
     /// Names of the kept events, one per row.
@@ -104,6 +114,9 @@ struct PerieventAnalysisResult
 {
     /// The onset side first, then the offset side, as configured.
     std::vector<PerieventSideResult> sides;
+    /// The resampled values when the signal was resampled before cutting; empty when the
+    /// rows are cut from the values given to run().
+    std::vector<double> resampledValues;
     /// "z-score" when a z-score normalisation was applied; empty keeps the signal's unit.
     QString unit;
     /// The message that stopped the run; empty on success.

@@ -6,6 +6,8 @@
 #include "definitions/FileDefinitions.h"
 
 #include <algorithm>
+#include <functional>
+#include <memory>
 
 namespace zarvi {
 
@@ -31,13 +33,14 @@ bool writeAttributes(HDF5Writer_V6& file, hid_t dataset, const QVariantMap& attr
     return true;
 }
 
-/// Writes a column-major matrix as a row-major [rows, columns] dataset, one band of
-/// chunk rows at a time, each band transposed into `band` first.
-bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const arma::mat& matrix,
-                 ProgressTracker* progress, bool& canceled)
+/// Fills `band` with rows [first, first + count) of a row-major [rows, columns] matrix.
+using RowBand = std::function<void(hsize_t first, hsize_t count, double* band)>;
+
+/// Writes a row-major [rows, columns] dataset, chunked by bands of whole rows of about
+/// ChunkBytes, one band at a time as `fill` gives it.
+bool writeRows(HDF5Writer_V6& file, hid_t group, const QString& name, hsize_t rows, hsize_t columns,
+               const RowBand& fill, ProgressTracker* progress, bool& canceled)
 {
-    const hsize_t rows = matrix.n_rows;
-    const hsize_t columns = matrix.n_cols;
     const hsize_t chunkColumns = std::clamp<hsize_t>(columns, 1, MaxChunkColumns);
     const hsize_t chunkRows =
         std::clamp<hsize_t>(ChunkBytes / (sizeof(double) * chunkColumns), 1, std::max<hsize_t>(rows, 1));
@@ -46,7 +49,9 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
                            {chunkRows, chunkColumns}, {rows, columns}, 0);
     if (dataset < 0)
         return false;
-    std::vector<double> band(static_cast<std::size_t>(std::min(chunkRows, rows) * columns));
+    // Every element is filled before it is written: no need to clear the buffer first.
+    const auto band = std::make_unique_for_overwrite<double[]>(
+        static_cast<std::size_t>(std::max<hsize_t>(std::min(chunkRows, rows) * columns, 1)));
     bool ok = true;
     for (hsize_t first = 0; ok && first < rows; first += chunkRows) {
         if (progress && progress->isCanceled()) {
@@ -55,15 +60,26 @@ bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const ar
             break;
         }
         const hsize_t count = std::min(chunkRows, rows - first);
-        for (hsize_t j = 0; j < columns; ++j)
-            for (hsize_t k = 0; k < count; ++k)
-                band[k * columns + j] = matrix.at(first + k, j);
-        ok = file.write(dataset, band.data(), {first, 0}, {count, columns});
+        fill(first, count, band.get());
+        ok = file.write(dataset, band.get(), {first, 0}, {count, columns});
         if (progress)
             progress->update(static_cast<std::size_t>(first + count));
     }
     file.closeDataset(dataset);
     return ok;
+}
+
+/// A small column-major matrix (a statistic) as a row-major dataset.
+bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const arma::mat& matrix,
+                 bool& canceled)
+{
+    const hsize_t columns = matrix.n_cols;
+    const RowBand fill = [&](hsize_t first, hsize_t count, double* band) {
+        for (hsize_t j = 0; j < columns; ++j)
+            for (hsize_t k = 0; k < count; ++k)
+                band[k * columns + j] = matrix.at(first + k, j);
+    };
+    return writeRows(file, group, name, matrix.n_rows, columns, fill, nullptr, canceled);
 }
 
 bool writeTime(HDF5Writer_V6& file, hid_t group, const std::vector<double>& time)
@@ -128,7 +144,7 @@ QString PerieventResultNames::statisticTitle(const QString& statistic) const
 }
 
 QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
-                                   const PerieventSideResult& result,
+                                   const PerieventSideResult& result, std::span<const double> values,
                                    const std::vector<ChunkStatistic::Kind>& statistics, double windowStart,
                                    double windowEnd, const QString& unit, const PerieventResultNames& names,
                                    const QVariantMap& attributes, QString& error, Feedback* feedback)
@@ -148,14 +164,26 @@ QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
     if (!unit.isEmpty())
         described.insert(FD::Unit, unit);
 
-    ProgressTracker progress(feedback, result.matrix.n_rows);
+    const hsize_t rows = result.rowStarts.size();
+    const hsize_t columns = result.rowLength;
+    ProgressTracker progress(feedback, rows);
     bool canceled = false;
     QVariantMap matrixAttributes = described;
     matrixAttributes.insert(D::ColumnLabel, D::TimeAxis);
     matrixAttributes.insert(D::ColumnRange, QVariantList{windowStart, windowEnd});
     matrixAttributes.insert(FD::Username, names.matrixTitle());
     QString failed;
-    if (!writeMatrix(file, groupId, D::PerieventMatrix, result.matrix, &progress, canceled) ||
+    // Each row is read in order from the signal and written in order into the band.
+    const RowBand cut = [&](hsize_t first, hsize_t count, double* band) {
+        for (hsize_t k = 0; k < count; ++k) {
+            const double* source = values.data() + result.rowStarts[first + k];
+            const Statistics::Scale scale = result.rowScales[first + k];
+            double* row = band + k * columns;
+            for (hsize_t j = 0; j < columns; ++j)
+                row[j] = scale.score(source[j]);
+        }
+    };
+    if (!writeRows(file, groupId, D::PerieventMatrix, rows, columns, cut, &progress, canceled) ||
         !writeDatasetAttributes(file, groupId, D::PerieventMatrix, matrixAttributes))
         failed = D::PerieventMatrix;
     else if (!writeTime(file, groupId, result.time))
@@ -170,7 +198,7 @@ QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
         statisticAttributes.insert(D::ColumnNames, result.timeFrameNames);
         statisticAttributes.insert(D::ColumnLabel, D::TimeFramesAxis);
         statisticAttributes.insert(FD::Username, names.statisticTitle(name));
-        if (!writeMatrix(file, groupId, name, result.statistics[s], nullptr, canceled) ||
+        if (!writeMatrix(file, groupId, name, result.statistics[s], canceled) ||
             !writeDatasetAttributes(file, groupId, name, statisticAttributes))
             failed = name;
     }

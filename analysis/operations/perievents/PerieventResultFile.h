@@ -9,6 +9,7 @@
 
 #include <armadillo>
 
+#include <span>
 #include <vector>
 
 namespace zarvi {
@@ -72,15 +73,18 @@ public:
     /// a file readable by HDF5 1.8 holds at most 64 KiB (16 bytes per name).
     static constexpr std::size_t MaxEvents = 4000;
 
-    /// Creates `group` and writes `result` into it; `statistics` names result.statistics
-    /// in order. `attributes` (the run's parameters, the source path) go onto the matrix
+    /// Creates `group` and writes `result` into it, its rows cut from `values` (the cut
+    /// signal, see PerieventSideResult::rowStarts) band by band straight into the file's
+    /// row order, so that the whole matrix is never held; `statistics` names
+    /// result.statistics in order. `attributes` (the run's parameters, the source path) go onto the matrix
     /// and statistic datasets. Polls `feedback` per band of rows. Returns the matrix path,
     /// or empty with `error` set (or nothing set when cancelled); a result of more than
     /// MaxEvents rows is refused before anything is written.
     static QString write(HDF5Writer_V6& file, const QString& group, const PerieventSideResult& result,
-                         const std::vector<ChunkStatistic::Kind>& statistics, double windowStart,
-                         double windowEnd, const QString& unit, const PerieventResultNames& names,
-                         const QVariantMap& attributes, QString& error, Feedback* feedback);
+                         std::span<const double> values, const std::vector<ChunkStatistic::Kind>& statistics,
+                         double windowStart, double windowEnd, const QString& unit,
+                         const PerieventResultNames& names, const QVariantMap& attributes, QString& error,
+                         Feedback* feedback);
 
     /// Reads the result whose matrix is at `path`, or held by the group at `path`.
     static bool read(HDF5Manager_V6& file, const QString& path, StoredPerieventResult& result,

@@ -15,8 +15,8 @@ namespace {
 using D = AnalysisOperationDefinitions;
 using FD = FileDefinitions;
 
-/// Share of an input's progress spent computing; saving takes the rest.
-constexpr int ComputeShare = 80;
+/// Share of an input's progress spent computing; saving, which cuts the rows, takes the rest.
+constexpr int ComputeShare = 20;
 
 /// The name a signal is shown with: its "Username", else its sensor group's name.
 QString signalName(HDF5Writer_V6& file, const QString& valuesPath)
@@ -45,6 +45,8 @@ bool PerieventsProcess::computeOperation()
         return false;
     }
 
+    // The rows go straight from the signal into the file below; no matrix is built.
+    request.config.buildMatrix = false;
     ScaledFeedback computing(m_stepFeedback, 0, ComputeShare);
     PerieventAnalysis::run(m_input.time, m_input.values, events, request.config, &computing, m_result);
     for (const QString& message : std::as_const(m_result.messages))
@@ -62,6 +64,8 @@ bool PerieventsProcess::computeOperation()
     const QString unit = m_result.unit.isEmpty() ? m_input.unit : m_result.unit;
     const QVariantMap attributes = m_run->datasetAttributes(m_inputPath);
     PerieventResultNames names{signalName(m_run->file(), m_inputPath), request.config.eventName, {}};
+    const std::span<const double> cutValues =
+        m_result.resampledValues.empty() ? std::span<const double>(m_input.values) : m_result.resampledValues;
     const int count = static_cast<int>(m_result.sides.size());
     for (int s = 0; s < count; ++s) {
         const PerieventSideResult& side = m_result.sides[s];
@@ -73,8 +77,8 @@ bool PerieventsProcess::computeOperation()
                               ComputeShare + (100 - ComputeShare) * (s + 1) / count);
         const QString written =
             PerieventResultFile::write(m_run->file(), both ? group + QLatin1Char('/') + sideName : group,
-                                       side, request.config.statistics, window.windowStart, window.windowEnd,
-                                       unit, names, attributes, error, &saving);
+                                       side, cutValues, request.config.statistics, window.windowStart,
+                                       window.windowEnd, unit, names, attributes, error, &saving);
         if (written.isEmpty()) {
             if (!error.isEmpty())
                 addError(error);

@@ -15,16 +15,14 @@ bool FilterProcess::computeOperation()
         addError(SD::unknownFilterNameMessage().arg(name));
         return false;
     }
-    FilterDesign::Result design = FilterDesign::design(m_parameters.text(SD::FilterType),
-                                                       FilterDesign::cutoffsFromParameters(m_parameters),
-                                                       FilterDesign::RateFromTime, m_input.time);
+    FilterDesign::Result design = FilterDesign::design(
+        m_parameters.text(SD::FilterType), FilterDesign::cutoffsFromParameters(m_parameters), m_inputRate);
     if (!design.outcome.ok()) {
         addError(design.outcome.error);
         return false;
     }
     // The input is not needed afterwards (only its unit), so it is filtered where it lies.
     m_output.values = std::move(m_input.values);
-    m_output.time = std::move(m_input.time);
     const KernelOutcome outcome = ZeroPhaseFilter::apply(design.filter, m_output.values, m_stepFeedback);
     if (outcome.isFailed())
         addError(outcome.error);

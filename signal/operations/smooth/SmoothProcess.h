@@ -14,6 +14,7 @@ class SmoothProcess : public SignalOperationProcess
 
 protected:
     bool computeOperation() override;
+    bool keepsInputTime() const override { return true; }
 };
 
 } // namespace zarvi
