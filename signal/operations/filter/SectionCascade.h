@@ -8,12 +8,13 @@ namespace zarvi {
 /// Runs a cascade of direct-form-II second-order sections over a strided run of samples
 /// in place. Used by Butterworth on the worker thread that owns the filter.
 ///
-/// Where the processor has AVX2 and FMA, the sections run as a skewed pipeline: each
+/// Where the processor has AVX2, the sections run as a skewed pipeline: each
 /// vector lane holds one section, lane k works on the sample two steps behind lane
 /// k - 1, and one step advances every section by one sample. The skew of two steps
 /// lets the next step start before the previous one has finished, so the time per
-/// sample is one section's own recursion, not the whole cascade. Results differ from
-/// the plain cascade only in rounding (fused multiply-adds).
+/// sample is one section's own recursion, not the whole cascade. The pipeline does the
+/// products and sums of the plain cascade in the same order, unfused, so both give the
+/// same bits.
 class SectionCascade
 {
 public:
