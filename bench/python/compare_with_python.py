@@ -270,9 +270,10 @@ def bench_tiff_export(cli, work, repeats, stack_mb):
 
     def python_export():
         with h5py.File(data, "r") as f, tifffile.TiffWriter(out, bigtiff=False) as tif:
+            # Frames are the last axis, one chunk each ([height, width, frames]).
             images = f[image_path]
-            for k in range(images.shape[0]):
-                tif.write(images[k, :, :, 0] if images.ndim == 4 else images[k], contiguous=True)
+            for k in range(images.shape[2]):
+                tif.write(images[:, :, k], contiguous=True)
 
     theirs = median_seconds(repeats, clean, python_export)
     ratio_line("zarvi-cli export to TIFF vs h5py + tifffile", ours, theirs, 1.5, True)
