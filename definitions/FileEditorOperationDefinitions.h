@@ -83,6 +83,18 @@ public:
     }
     static QString noPixelsMessage() { return tr("%1 holds an image of %2 × %3 pixels."); }
     static QString incompleteImageText() { return tr("the image data is incomplete"); }
+    /// %1 page location, %2 bytes the page declares, %3 bytes its file holds.
+    static QString declaredBeyondFileMessage()
+    {
+        return tr("%1 declares <b>%2 bytes</b> of image data, but the file holds only %3 bytes; it is "
+                  "damaged or not a valid TIFF file.");
+    }
+    /// %1 page location, %2 megabytes one frame needs, %3 megabytes of memory.
+    static QString frameTooLargeMessage()
+    {
+        return tr("%1 declares images that need <b>%2 MB</b> of memory for each frame, more than the "
+                  "%3 MB this computer has.");
+    }
     static QString frameOutOfRangeMessage()
     {
         return tr("Frame %1 does not exist; the stack has %2 frames.");

@@ -7,6 +7,9 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 
 #include "datafile/DataFileTree.h"
 #include "datafile/HDF5Reader_V6.h"
@@ -276,9 +279,10 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
         result.error = Texts::exportFrameRangeMessage().arg(first + 1).arg(first + count).arg(frames);
         return;
     }
-    // The frames go to a file beside the output, renamed over it once complete, so a
-    // failed export leaves any earlier file as it was. That file is made by a plain
-    // create, so it gets the permissions the user's umask gives, as every other export.
+    // The frames go to a file beside the output (same folder, so same file system),
+    // renamed over it once complete, so a failed export leaves any earlier file as it
+    // was. That file is made by a plain create, so it gets the permissions the user's
+    // umask gives, as every other export; the writer fills it without truncating it.
     const QString temporaryPath = siblingPath(config.outputPath);
     QFile temporary(temporaryPath);
     if (!temporary.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
@@ -320,9 +324,11 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
         result.error = writer.lastError();
         return;
     }
-    QFile::remove(config.outputPath);
-    if (!temporary.rename(config.outputPath)) {
-        result.error = Texts::unableToWriteMessage().arg(config.outputPath, temporary.errorString());
+    // One rename replaces the output, so it is never missing, even for a moment.
+    if (std::rename(QFile::encodeName(temporaryPath).constData(),
+                    QFile::encodeName(config.outputPath).constData()) != 0) {
+        result.error = Texts::unableToWriteMessage().arg(config.outputPath,
+                                                         QString::fromLocal8Bit(std::strerror(errno)));
         return;
     }
     removeTemporary.dismiss();

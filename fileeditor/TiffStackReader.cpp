@@ -6,7 +6,10 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+
+#include <unistd.h>
 
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/TiffHandle.h"
@@ -109,6 +112,27 @@ std::size_t imageJImageCount(const QString& description)
     return 0;
 }
 
+/// The most a compressed block can expand when decoded. Far beyond what the usual
+/// compressions reach on real images, yet enough to refuse a few bytes that claim
+/// gigabytes of pixels.
+constexpr std::uint64_t MaxExpansion = 1u << 16;
+
+/// a * b, or the largest value where the product does not fit.
+std::uint64_t saturatingProduct(std::uint64_t a, std::uint64_t b)
+{
+    std::uint64_t product = 0;
+    return __builtin_mul_overflow(a, b, &product) ? UINT64_MAX : product;
+}
+
+std::uint64_t physicalMemory()
+{
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long pageSize = sysconf(_SC_PAGESIZE);
+    return pages > 0 && pageSize > 0
+               ? saturatingProduct(static_cast<std::uint64_t>(pages), static_cast<std::uint64_t>(pageSize))
+               : UINT64_MAX;
+}
+
 QString readErrorText(const QString& where, const TiffHandle& tiff)
 {
     const QString reason = tiff.lastError().isEmpty() ? Texts::incompleteImageText() : tiff.lastError();
@@ -153,6 +177,8 @@ void TiffStackReader::close()
     m_info = TiffStackInfo();
     m_folder = false;
     m_pageOffsets.clear();
+    m_pageBlocks.clear();
+    m_fileSize = 0;
     m_contiguousStart = 0;
     m_swapBytes = false;
     m_raw.reset();
@@ -170,6 +196,9 @@ bool TiffStackReader::scanMultiPage(const QString& path, Feedback* feedback)
     const tdir_t pages = TIFFNumberOfDirectories(tiff);
     ProgressTracker progress(feedback, pages);
     m_pageOffsets.reserve(pages);
+    m_pageBlocks.reserve(pages);
+    m_fileSize = static_cast<std::uint64_t>(QFileInfo(path).size());
+    m_swapBytes = TIFFIsByteSwapped(tiff) != 0;
     for (std::size_t k = 0;; ++k) {
         if (progress.isCanceled()) {
             m_info.canceled = true;
@@ -186,6 +215,13 @@ bool TiffStackReader::scanMultiPage(const QString& path, Feedback* feedback)
     }
     m_currentPage = m_pageOffsets.size() - 1;
     m_info.frameCount = m_pageOffsets.size();
+    const bool anyBlock =
+        std::any_of(m_pageBlocks.begin(), m_pageBlocks.end(), [](const Block& b) { return b.offset != 0; });
+    if (anyBlock) {
+        m_raw = std::make_unique<QFile>(path);
+        if (!m_raw->open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+            return fail(Texts::unableToOpenMessage().arg(path));
+    }
     return m_info.frameCount != 1 || findContiguousFrames(path);
 }
 
@@ -255,6 +291,7 @@ bool TiffStackReader::scanFolder(const QString& path, Feedback* feedback)
         TiffHandle tiff;
         if (!tiff.open(file, "r"))
             return fail(Texts::tiffReadErrorMessage().arg(bold(file), tiff.lastError()));
+        m_fileSize = static_cast<std::uint64_t>(QFileInfo(file).size());
         const tdir_t pages = TIFFNumberOfDirectories(tiff.get());
         if (pages != 1)
             return fail(Texts::multiPageInFolderMessage().arg(file).arg(pages));
@@ -299,6 +336,8 @@ bool TiffStackReader::checkPage(TiffHandle& tiff, std::size_t page, bool first)
     constexpr std::uint32_t largest = 1u << 30;
     if (width == 0 || height == 0 || width > largest || height > largest)
         return fail(Texts::noPixelsMessage().arg(pageLocation(page)).arg(width).arg(height));
+    if (!checkDeclaredBytes(t, page, width, height, bits))
+        return false;
 
     if (first) {
         m_info.width = static_cast<int>(width);
@@ -332,11 +371,15 @@ bool TiffStackReader::readFrame(std::size_t k, std::span<std::uint16_t> out)
 
     if (m_contiguousStart > 0)
         return readContiguousFrame(k, out);
+    if (k < m_pageBlocks.size() && m_pageBlocks[k].offset != 0 && m_raw)
+        return readBlock(k, out);
     TiffHandle single;
     TiffHandle* tiff = m_tiff.get();
     if (m_folder) {
-        if (!single.open(m_info.files[static_cast<qsizetype>(k)], "rm"))
+        const QString& file = m_info.files[static_cast<qsizetype>(k)];
+        if (!single.open(file, "rm"))
             return fail(readError(k, single));
+        m_fileSize = static_cast<std::uint64_t>(QFileInfo(file).size());
         tiff = &single;
     } else if (k != m_currentPage) {
         // Direct jump to the page's directory: reading in any order costs the same.
@@ -368,6 +411,101 @@ bool TiffStackReader::readContiguousFrame(std::size_t k, std::span<std::uint16_t
         return fail(Texts::tiffReadErrorMessage().arg(pageLocation(k), Texts::incompleteImageText()));
     if (!wide)
         widen(m_scratch.data(), out.data(), values);
+    else if (m_swapBytes)
+        std::transform(out.begin(), out.end(), out.begin(), [](std::uint16_t v) { return qbswap(v); });
+    return true;
+}
+
+bool TiffStackReader::checkDeclaredBytes(TIFF* t, std::size_t page, std::uint32_t width, std::uint32_t height,
+                                         std::uint16_t bits)
+{
+    const bool tiled = TIFFIsTiled(t) != 0;
+    const std::uint64_t sampleBytes = bits / 8;
+    std::uint32_t blockWidth = width;
+    std::uint32_t blockRows = 0;
+    if (tiled) {
+        TIFFGetField(t, TIFFTAG_TILEWIDTH, &blockWidth);
+        TIFFGetField(t, TIFFTAG_TILELENGTH, &blockRows);
+    } else {
+        TIFFGetFieldDefaulted(t, TIFFTAG_ROWSPERSTRIP, &blockRows);
+        blockRows = std::min(blockRows, height);
+    }
+    std::uint16_t compression = COMPRESSION_NONE;
+    TIFFGetFieldDefaulted(t, TIFFTAG_COMPRESSION, &compression);
+    const std::uint64_t expansion = compression == COMPRESSION_NONE ? 1 : MaxExpansion;
+    const std::uint64_t* offsets = nullptr;
+    const std::uint64_t* counts = nullptr;
+    const std::uint64_t blocks = tiled ? TIFFNumberOfTiles(t) : TIFFNumberOfStrips(t);
+    if (blockWidth == 0 || blockRows == 0 || blocks == 0 ||
+        !TIFFGetField(t, tiled ? TIFFTAG_TILEOFFSETS : TIFFTAG_STRIPOFFSETS, &offsets) ||
+        !TIFFGetField(t, tiled ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS, &counts) || !offsets ||
+        !counts)
+        return fail(Texts::tiffReadErrorMessage().arg(pageLocation(page), Texts::incompleteImageText()));
+
+    // Every block must lie inside the file and hold, decoded, the samples it covers:
+    // a whole tile, or the rows of a strip (the last one may be shorter).
+    const std::uint64_t rowBytes = saturatingProduct(blockWidth, sampleBytes);
+    std::uint64_t declared = 0;
+    bool oneBlock = compression == COMPRESSION_NONE && !tiled;
+    for (std::uint64_t b = 0; b < blocks; ++b) {
+        const std::uint64_t rows =
+            tiled
+                ? blockRows
+                : std::min<std::uint64_t>(blockRows, height - std::min<std::uint64_t>(height, b * blockRows));
+        const std::uint64_t decoded = saturatingProduct(rowBytes, rows);
+        declared = std::max(declared, decoded);
+        if (offsets[b] > m_fileSize || counts[b] > m_fileSize - offsets[b] ||
+            saturatingProduct(counts[b], expansion) < decoded) {
+            const std::uint64_t frameSamples = static_cast<std::uint64_t>(width) * height * sampleBytes;
+            const std::uint64_t shown = std::max({decoded, counts[b], frameSamples});
+            return fail(
+                Texts::declaredBeyondFileMessage().arg(pageLocation(page)).arg(shown).arg(m_fileSize));
+        }
+        oneBlock = oneBlock && (b == 0 || offsets[b] == offsets[b - 1] + counts[b - 1]);
+    }
+    // The frame as it is handed on (16 bits a sample) and the largest decoded block.
+    const std::uint64_t frameBytes = saturatingProduct(static_cast<std::uint64_t>(width) * height, 2);
+    const std::uint64_t needed = frameBytes > UINT64_MAX - declared ? UINT64_MAX : frameBytes + declared;
+    const std::uint64_t memory = physicalMemory();
+    if (needed > memory) {
+        constexpr double MB = 1024.0 * 1024.0;
+        return fail(Texts::frameTooLargeMessage()
+                        .arg(pageLocation(page))
+                        .arg(static_cast<double>(needed) / MB, 0, 'f', 0)
+                        .arg(static_cast<double>(memory) / MB, 0, 'f', 0));
+    }
+    if (!m_folder && page == m_pageBlocks.size()) {
+        const std::uint64_t frameSamples = static_cast<std::uint64_t>(width) * height * sampleBytes;
+        const std::uint64_t end = offsets[blocks - 1] + counts[blocks - 1];
+        const bool whole = oneBlock && offsets[0] > 0 && end - offsets[0] >= frameSamples;
+        m_pageBlocks.push_back(whole ? Block{offsets[0], frameSamples} : Block{});
+    }
+    return true;
+}
+
+bool TiffStackReader::readBlock(std::size_t k, std::span<std::uint16_t> out)
+{
+    const Block& block = m_pageBlocks[k];
+    const bool wide = m_info.bitsPerSample == 16;
+    auto* buffer = reinterpret_cast<char*>(out.data());
+    if (!wide) {
+        if (m_scratch.size() < block.bytes)
+            m_scratch.resize(block.bytes);
+        buffer = reinterpret_cast<char*>(m_scratch.data());
+    }
+    // One positioned read for the whole frame; the loop only continues a short read.
+    std::uint64_t done = 0;
+    while (done < block.bytes) {
+        const ssize_t got = ::pread(m_raw->handle(), buffer + done, block.bytes - done,
+                                    static_cast<off_t>(block.offset + done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return fail(Texts::tiffReadErrorMessage().arg(pageLocation(k), Texts::incompleteImageText()));
+        done += static_cast<std::uint64_t>(got);
+    }
+    if (!wide)
+        widen(m_scratch.data(), out.data(), out.size());
     else if (m_swapBytes)
         std::transform(out.begin(), out.end(), out.begin(), [](std::uint16_t v) { return qbswap(v); });
     return true;

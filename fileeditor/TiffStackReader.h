@@ -12,6 +12,8 @@
 
 #include "datafile/Feedback.h"
 
+#include <tiffio.h>
+
 namespace zarvi {
 
 class TiffHandle;
@@ -87,6 +89,13 @@ private:
     /// Checks the current page of tiff: greyscale, unsigned, 8 or 16 bits, and (after the
     /// first page) the same size and depth as the first. page (from 0) names it in messages.
     bool checkPage(TiffHandle& tiff, std::size_t page, bool first);
+    /// Checks what the current page declares against the bytes its file holds and the
+    /// memory a frame needs, before anything is allocated for it; on a multi-page file
+    /// also notes where the page's samples lie when they are one uncompressed block.
+    bool checkDeclaredBytes(TIFF* tiff, std::size_t page, std::uint32_t width, std::uint32_t height,
+                            std::uint16_t bits);
+    /// Reads a page whose samples are one uncompressed block with a single read.
+    bool readBlock(std::size_t k, std::span<std::uint16_t> out);
     bool readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page);
     bool readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page);
     /// "Page 3 of <b>stack.tif</b>", or "<b>img3.tif</b>" in a folder.
@@ -98,6 +107,16 @@ private:
     bool m_folder = false;
     /// Offsets of the pages' directories in a multi-page file, for direct access.
     std::vector<std::uint64_t> m_pageOffsets;
+    /// Where each page's samples lie when they are one uncompressed block, so a frame is
+    /// one read; offset 0 where they are not.
+    struct Block
+    {
+        std::uint64_t offset = 0;
+        std::uint64_t bytes = 0;
+    };
+    std::vector<Block> m_pageBlocks;
+    /// The size of the file being checked, for the declared sizes.
+    std::uint64_t m_fileSize = 0;
     /// Where the first frame of a contiguous ImageJ stack starts; 0 for other stacks.
     std::uint64_t m_contiguousStart = 0;
     /// The samples are stored in the other byte order than this machine's.

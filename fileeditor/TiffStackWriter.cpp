@@ -1,11 +1,13 @@
 #include "fileeditor/TiffStackWriter.h"
 
+#include <QSysInfo>
+#include <QtEndian>
+
 #include <algorithm>
 #include <cstring>
 
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
-#include "fileeditor/TiffHandle.h"
 
 namespace zarvi {
 
@@ -13,10 +15,65 @@ namespace {
 
 using Texts = FileEditorOperationDefinitions;
 
-/// Strips of about this size keep libtiff's per-strip overhead small without a large buffer.
-constexpr std::size_t StripBytes = 256 * 1024;
 /// Hard limit of a classic TIFF file: 32-bit offsets.
 constexpr std::uint64_t ClassicMaximumBytes = 0xFFFFFFFFULL;
+
+/// The tags of every page, in the ascending order a directory needs.
+enum Tag : std::uint16_t
+{
+    NewSubfileType = 254,
+    ImageWidth = 256,
+    ImageLength = 257,
+    BitsPerSample = 258,
+    Compression = 259,
+    Photometric = 262,
+    StripOffsets = 273,
+    SamplesPerPixel = 277,
+    RowsPerStrip = 278,
+    StripByteCounts = 279,
+    PlanarConfig = 284,
+    Software = 305,
+    SampleFormat = 339
+};
+constexpr std::size_t EntryCount = 13;
+
+enum FieldType : std::uint16_t
+{
+    Ascii = 2,
+    Short = 3,
+    Long = 4,
+    Long8 = 16
+};
+
+/// Sizes of the parts of a directory in classic TIFF and BigTIFF.
+struct Layout
+{
+    std::size_t header;
+    std::size_t countField;
+    std::size_t entry;
+    std::size_t value;
+};
+constexpr Layout ClassicLayout{8, 2, 12, 4};
+constexpr Layout BigLayout{16, 8, 20, 8};
+
+/// Stores value little-endian in `size` bytes at `at`.
+void put(std::vector<std::uint8_t>& bytes, std::size_t at, std::uint64_t value, std::size_t size)
+{
+    for (std::size_t i = 0; i < size; ++i)
+        bytes[at + i] = static_cast<std::uint8_t>(value >> (8 * i));
+}
+
+constexpr std::uint64_t roundUp(std::uint64_t value, std::uint64_t step)
+{
+    return (value + step - 1) / step * step;
+}
+
+QByteArray softwareName()
+{
+    return (FileDefinitions::SoftwareNameValue + QLatin1Char(' ') + FileDefinitions::SoftwareVersionValue)
+               .toUtf8() +
+           '\0';
+}
 
 /// Saturates 16-bit samples into 8-bit ones. Written in fixed blocks over unaliased
 /// pointers, which is what GCC needs to vectorise it at -O2.
@@ -40,7 +97,7 @@ TiffStackWriter::~TiffStackWriter() = default;
 
 bool TiffStackWriter::open(const TiffStackWriterConfig& config)
 {
-    m_tiff.reset();
+    m_file.close();
     m_config = config;
     m_framesWritten = 0;
     m_error.clear();
@@ -51,14 +108,11 @@ bool TiffStackWriter::open(const TiffStackWriterConfig& config)
     if (config.frameCount == 0)
         return fail(Texts::noFramesMessage());
 
-    const std::size_t rowBytes = static_cast<std::size_t>(config.width) * (config.bitsPerSample / 8);
-    m_rowsPerStrip = static_cast<std::uint32_t>(
-        std::clamp<std::size_t>(StripBytes / rowBytes, 1, static_cast<std::size_t>(config.height)));
-    const std::uint64_t strips = (config.height + m_rowsPerStrip - 1) / m_rowsPerStrip;
-    // Pixels plus a generous page directory (tags, strip offsets and byte counts).
-    const std::uint64_t pageBytes = rowBytes * config.height + 512 + 16 * strips;
-    const std::uint64_t totalBytes = pageBytes * config.frameCount + 16;
-
+    // The size as classic TIFF decides the container.
+    m_bigTiff = false;
+    buildPage();
+    const std::uint64_t totalBytes =
+        m_headerBytes + m_page.size() * static_cast<std::uint64_t>(config.frameCount);
     switch (config.container) {
     case TiffContainer::Automatic:
         m_bigTiff = totalBytes > ClassicLimitBytes;
@@ -66,26 +120,100 @@ bool TiffStackWriter::open(const TiffStackWriterConfig& config)
     case TiffContainer::Classic:
         if (totalBytes > ClassicMaximumBytes)
             return fail(Texts::classicTiffTooLargeMessage().arg(totalBytes / 1e9, 0, 'f', 1));
-        m_bigTiff = false;
         break;
     case TiffContainer::Big:
         m_bigTiff = true;
         break;
     }
+    if (m_bigTiff)
+        buildPage();
 
-    m_tiff = std::make_unique<TiffHandle>();
-    if (!m_tiff->open(config.path, m_bigTiff ? "w8" : "w")) {
-        const QString reason = m_tiff->lastError();
-        m_tiff.reset();
+    // Opened without truncation: an empty file is written into as it is, and only a file
+    // with contents is cut, so replacing it still works.
+    m_file.setFileName(config.path);
+    if (!m_file.open(QIODevice::ReadWrite | QIODevice::Unbuffered) ||
+        (m_file.size() > 0 && !m_file.resize(0))) {
+        const QString reason = m_file.errorString();
+        m_file.close();
         return fail(Texts::unableToCreateMessage().arg(config.path, reason));
     }
-    m_strip.resize(static_cast<std::size_t>(m_rowsPerStrip) * rowBytes);
+    const Layout& layout = m_bigTiff ? BigLayout : ClassicLayout;
+    std::vector<std::uint8_t> header(layout.header, 0);
+    header[0] = 'I';
+    header[1] = 'I';
+    put(header, 2, m_bigTiff ? 43 : 42, 2);
+    if (m_bigTiff) {
+        put(header, 4, 8, 2);
+        put(header, 8, m_headerBytes, 8);
+    } else {
+        put(header, 4, m_headerBytes, 4);
+    }
+    return writeAll(header.data(), header.size());
+}
+
+void TiffStackWriter::buildPage()
+{
+    const Layout& layout = m_bigTiff ? BigLayout : ClassicLayout;
+    const QByteArray software = softwareName();
+    const auto width = static_cast<std::uint64_t>(m_config.width);
+    const auto height = static_cast<std::uint64_t>(m_config.height);
+    const std::uint64_t pixelBytes = width * height * static_cast<std::uint64_t>(m_config.bitsPerSample / 8);
+    const std::size_t entriesEnd = layout.countField + EntryCount * layout.entry;
+    const std::size_t softwareAt = entriesEnd + layout.value;
+    const bool softwareInline = static_cast<std::size_t>(software.size()) <= layout.value;
+    m_headerBytes = layout.header;
+    m_directoryBytes = roundUp(softwareAt + (softwareInline ? 0 : software.size()), 16);
+    m_page.assign(roundUp(m_directoryBytes + pixelBytes, 16), 0);
+
+    put(m_page, 0, EntryCount, layout.countField);
+    std::size_t at = layout.countField;
+    const auto entry = [&](Tag tag, FieldType type, std::uint64_t count, std::uint64_t value) {
+        put(m_page, at, tag, 2);
+        put(m_page, at + 2, type, 2);
+        const std::size_t countSize = m_bigTiff ? 8 : 4;
+        put(m_page, at + 4, count, countSize);
+        const std::size_t valueAt = at + 4 + countSize;
+        const std::size_t size = type == Short ? 2 : type == Long ? 4 : type == Long8 ? 8 : 0;
+        if (size > 0)
+            put(m_page, valueAt, value, size);
+        at += layout.entry;
+        return valueAt;
+    };
+    const FieldType offsetType = m_bigTiff ? Long8 : Long;
+    entry(NewSubfileType, Long, 1, 2); // a page of a multi-page image
+    entry(ImageWidth, Long, 1, width);
+    entry(ImageLength, Long, 1, height);
+    entry(BitsPerSample, Short, 1, static_cast<std::uint64_t>(m_config.bitsPerSample));
+    entry(Compression, Short, 1, 1);
+    entry(Photometric, Short, 1, 1); // minimum is black
+    m_stripOffsetAt = entry(StripOffsets, offsetType, 1, 0);
+    entry(SamplesPerPixel, Short, 1, 1);
+    entry(RowsPerStrip, Long, 1, height);
+    entry(StripByteCounts, offsetType, 1, pixelBytes);
+    entry(PlanarConfig, Short, 1, 1);
+    const std::size_t softwareValueAt =
+        entry(Software, Ascii, static_cast<std::uint64_t>(software.size()), 0);
+    entry(SampleFormat, Short, 1, 1); // unsigned integers
+    m_nextDirectoryAt = entriesEnd;
+    // Software sits after the directory unless it fits the entry; its place relative to
+    // the page start is fixed up for each page in writeFrame().
+    std::memcpy(&m_page[softwareInline ? softwareValueAt : softwareAt], software.constData(),
+                static_cast<std::size_t>(software.size()));
+    m_softwareValueAt = softwareInline ? 0 : softwareValueAt;
+    m_softwareAt = softwareAt;
+}
+
+bool TiffStackWriter::writeAll(const std::uint8_t* bytes, std::size_t count)
+{
+    if (m_file.write(reinterpret_cast<const char*>(bytes), static_cast<qint64>(count)) !=
+        static_cast<qint64>(count))
+        return fail(Texts::unableToWriteMessage().arg(m_config.path, m_file.errorString()));
     return true;
 }
 
 bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
 {
-    if (!m_tiff)
+    if (!m_file.isOpen())
         return fail(Texts::notOpenMessage());
     if (m_framesWritten >= m_config.frameCount)
         return fail(Texts::tooManyFramesMessage().arg(m_config.path).arg(m_config.frameCount));
@@ -94,51 +222,34 @@ bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
     if (frame.size() != width * height)
         return fail(Texts::frameBufferSizeMessage().arg(frame.size()).arg(width * height));
 
-    TIFF* t = m_tiff->get();
-    TIFFSetField(t, TIFFTAG_SUBFILETYPE, FILETYPE_PAGE);
-    TIFFSetField(t, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(width));
-    TIFFSetField(t, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(height));
-    TIFFSetField(t, TIFFTAG_BITSPERSAMPLE, static_cast<std::uint16_t>(m_config.bitsPerSample));
-    TIFFSetField(t, TIFFTAG_SAMPLESPERPIXEL, static_cast<std::uint16_t>(1));
-    TIFFSetField(t, TIFFTAG_SAMPLEFORMAT, SAMPLEFORMAT_UINT);
-    TIFFSetField(t, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    TIFFSetField(t, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(t, TIFFTAG_COMPRESSION, COMPRESSION_NONE);
-    TIFFSetField(t, TIFFTAG_ROWSPERSTRIP, m_rowsPerStrip);
-    const QByteArray software =
-        (FileDefinitions::SoftwareNameValue + QLatin1Char(' ') + FileDefinitions::SoftwareVersionValue)
-            .toUtf8();
-    TIFFSetField(t, TIFFTAG_SOFTWARE, software.constData());
-
-    const bool wide = m_config.bitsPerSample == 16;
-    m_tiff->clearError();
-    for (std::size_t row = 0; row < height; row += m_rowsPerStrip) {
-        const std::size_t values = std::min<std::size_t>(m_rowsPerStrip, height - row) * width;
-        const std::uint16_t* source = frame.data() + row * width;
-        // Copied, because libtiff may swap or encode the buffer it is given in place.
-        if (wide)
-            std::memcpy(m_strip.data(), source, values * 2);
-        else
-            narrow(source, m_strip.data(), values);
-        const auto bytes = static_cast<tmsize_t>(values * (wide ? 2 : 1));
-        const tstrip_t strip = TIFFComputeStrip(t, static_cast<std::uint32_t>(row), 0);
-        if (TIFFWriteEncodedStrip(t, strip, m_strip.data(), bytes) != bytes)
-            return fail(Texts::unableToWriteMessage().arg(m_config.path, m_tiff->lastError()));
-    }
-    if (!TIFFWriteDirectory(t))
-        return fail(Texts::unableToWriteMessage().arg(m_config.path, m_tiff->lastError()));
+    const std::size_t offsetSize = m_bigTiff ? 8 : 4;
+    const std::uint64_t start = m_headerBytes + m_page.size() * static_cast<std::uint64_t>(m_framesWritten);
+    const bool last = m_framesWritten + 1 == m_config.frameCount;
+    put(m_page, m_nextDirectoryAt, last ? 0 : start + m_page.size(), offsetSize);
+    put(m_page, m_stripOffsetAt, start + m_directoryBytes, offsetSize);
+    if (m_softwareValueAt != 0)
+        put(m_page, m_softwareValueAt, start + m_softwareAt, offsetSize);
+    std::uint8_t* samples = m_page.data() + m_directoryBytes;
+    if (m_config.bitsPerSample == 8)
+        narrow(frame.data(), samples, frame.size());
+    else if constexpr (QSysInfo::ByteOrder == QSysInfo::LittleEndian)
+        std::memcpy(samples, frame.data(), frame.size_bytes());
+    else
+        qToLittleEndian<std::uint16_t>(frame.data(), static_cast<qsizetype>(frame.size()), samples);
+    if (!writeAll(m_page.data(), m_page.size()))
+        return false;
     ++m_framesWritten;
     return true;
 }
 
 bool TiffStackWriter::finish()
 {
-    if (!m_tiff)
+    if (!m_file.isOpen())
         return fail(Texts::notOpenMessage());
-    const bool closed = m_tiff->close();
-    const QString reason = m_tiff->lastError();
-    m_tiff.reset();
-    if (!closed)
+    const bool written = m_file.error() == QFileDevice::NoError;
+    const QString reason = m_file.errorString();
+    m_file.close();
+    if (!written)
         return fail(Texts::unableToWriteMessage().arg(m_config.path, reason));
     if (m_framesWritten != m_config.frameCount) {
         return fail(

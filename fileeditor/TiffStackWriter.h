@@ -1,16 +1,14 @@
 #pragma once
 
+#include <QFile>
 #include <QString>
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <vector>
 
 namespace zarvi {
-
-class TiffHandle;
 
 /// Which TIFF variant a stack is written as.
 enum class TiffContainer
@@ -36,8 +34,12 @@ struct TiffStackWriterConfig
 };
 
 /// Writes a greyscale stack as a multi-page, uncompressed TIFF, one frame at a time, for
-/// the export of a whole image stack or a range of its frames. Each frame is written
-/// as soon as it is given, so memory holds one strip, whatever the stack's size.
+/// the export of a whole image stack or a range of its frames. Every page has the same
+/// size, so where each one starts is known before it is written: a page (its directory,
+/// then its samples as one strip) goes to the file in a single write as soon as its
+/// frame is given, and memory holds one page, whatever the stack's size. An existing
+/// empty file (an export's temporary file) is written into as it is, without the
+/// truncation that makes some file systems flush it on close.
 /// Lives on the worker thread of the export; one object is used by one thread at a time.
 class TiffStackWriter
 {
@@ -66,13 +68,28 @@ public:
 
 private:
     bool fail(const QString& message);
+    /// Lays out the directory of every page in m_page; writeFrame() only sets where
+    /// the page starts and its samples.
+    void buildPage();
+    /// Writes all of bytes at the current end of the file.
+    bool writeAll(const std::uint8_t* bytes, std::size_t count);
 
     TiffStackWriterConfig m_config;
-    std::unique_ptr<TiffHandle> m_tiff;
+    QFile m_file;
     bool m_bigTiff = false;
-    std::uint32_t m_rowsPerStrip = 1;
     std::size_t m_framesWritten = 0;
-    std::vector<std::uint8_t> m_strip;
+    /// Bytes before the first page: the file header.
+    std::uint64_t m_headerBytes = 0;
+    /// Bytes of the directory and its values at the start of every page.
+    std::size_t m_directoryBytes = 0;
+    /// One whole page, directory and samples.
+    std::vector<std::uint8_t> m_page;
+    /// Where in m_page the values that change from page to page lie.
+    std::size_t m_nextDirectoryAt = 0;
+    std::size_t m_stripOffsetAt = 0;
+    /// The Software entry's offset field, 0 when the text fits in the entry itself.
+    std::size_t m_softwareValueAt = 0;
+    std::size_t m_softwareAt = 0;
     QString m_error;
 };
 

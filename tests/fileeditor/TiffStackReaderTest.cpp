@@ -272,15 +272,15 @@ TEST(TiffStackReader, ReachesBigTiffPixelsBeyondFourGigabytes)
     EXPECT_EQ(info.frameCount, 2u);
     expectFrames(reader, pages, {1, 0, 1});
 
-    // Cut inside the second page's pixels: the first page still reads, the second says why not.
+    // Cut inside the second page's pixels: refused when opened, naming that page and
+    // the 64 * 16 * 2 bytes it declares.
     QFile file(path);
     ASSERT_TRUE(file.resize(static_cast<qint64>(beyond) + 100));
-    ASSERT_TRUE(reader.open(TiffStackReaderConfig{path}).ok());
-    std::vector<std::uint16_t> frame(64 * 16);
-    EXPECT_TRUE(reader.readFrame(0, frame));
-    EXPECT_FALSE(reader.readFrame(1, frame));
-    EXPECT_TRUE(reader.lastError().startsWith(QStringLiteral("Unable to read Page 2 of <b>sparse.tif</b>: ")))
-        << reader.lastError().toStdString();
+    const TiffStackInfo cut = reader.open(TiffStackReaderConfig{path});
+    ASSERT_FALSE(cut.ok());
+    EXPECT_TRUE(
+        cut.error.startsWith(QStringLiteral("Page 2 of <b>sparse.tif</b> declares <b>2048 bytes</b>")))
+        << cut.error.toStdString();
 }
 
 TEST(TiffStackReader, ReadsImageJStacksWhoseFramesFollowTheFirstImage)
@@ -358,6 +358,105 @@ TEST(TiffStackReader, DamagedFilesGiveMessages)
             }
         }
     }
+}
+
+/// Sets the value of one entry of the first directory of a little-endian classic TIFF,
+/// as a LONG, the way a damaged or hostile file would declare it.
+void patchTag(QByteArray& bytes, std::uint16_t tag, std::uint32_t value)
+{
+    const auto read = [&bytes](qsizetype at, int size) {
+        std::uint32_t v = 0;
+        for (int i = size - 1; i >= 0; --i)
+            v = (v << 8) | static_cast<std::uint8_t>(bytes[at + i]);
+        return v;
+    };
+    const auto write = [&bytes](qsizetype at, std::uint32_t v, int size) {
+        for (int i = 0; i < size; ++i)
+            bytes[at + i] = static_cast<char>((v >> (8 * i)) & 0xFF);
+    };
+    const qsizetype directory = read(4, 4);
+    const std::uint32_t entries = read(directory, 2);
+    for (std::uint32_t e = 0; e < entries; ++e) {
+        const qsizetype entry = directory + 2 + 12 * e;
+        if (read(entry, 2) == tag) {
+            write(entry + 2, TIFF_LONG, 2);
+            write(entry + 8, value, 4);
+            return;
+        }
+    }
+    ADD_FAILURE() << "no tag " << tag;
+}
+
+TEST(TiffStackReader, RefusesDeclaredSizesTheFileCannotHold)
+{
+    test::TempDir dir;
+    const QString path = dir.file(QStringLiteral("small.tif"));
+
+    // 60000 x 60000 16-bit pixels (7.2 GB) declared by a file of a few hundred bytes.
+    ASSERT_TRUE(writeGreyPage(path, 16, 8, 0));
+    QByteArray bytes = test::readText(path);
+    ASSERT_LT(bytes.size(), 600);
+    patchTag(bytes, TIFFTAG_IMAGEWIDTH, 60000);
+    patchTag(bytes, TIFFTAG_IMAGELENGTH, 60000);
+    patchTag(bytes, TIFFTAG_ROWSPERSTRIP, 60000);
+    test::writeText(path, bytes);
+    TiffStackReader reader;
+    TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
+    ASSERT_FALSE(info.ok());
+    // 60000 * 60000 * 2 bytes declared against the file's own size.
+    EXPECT_TRUE(info.error.contains(QStringLiteral("<b>7200000000 bytes</b>"))) << info.error.toStdString();
+    EXPECT_TRUE(info.error.contains(QString::number(bytes.size()))) << info.error.toStdString();
+    EXPECT_TRUE(info.error.contains(QStringLiteral("small.tif")));
+
+    // A strip said to start beyond the end of the file.
+    ASSERT_TRUE(writeGreyPage(path, 16, 8, 0));
+    bytes = test::readText(path);
+    patchTag(bytes, TIFFTAG_STRIPOFFSETS, 1u << 30);
+    test::writeText(path, bytes);
+    info = reader.open(TiffStackReaderConfig{path});
+    ASSERT_FALSE(info.ok());
+    EXPECT_TRUE(info.error.contains(QStringLiteral("<b>256 bytes</b>"))) << info.error.toStdString();
+}
+
+TEST(TiffStackReader, RefusesATileLongerThanTheFileCanHold)
+{
+    test::TempDir dir;
+    const QString path = dir.file(QStringLiteral("tiled.tif"));
+    const std::vector<std::uint16_t> frame = testFrame(32, 32, 0);
+    {
+        TIFF* tiff = TIFFOpen(QFile::encodeName(path).constData(), "w");
+        ASSERT_NE(tiff, nullptr);
+        TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 32u);
+        TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 32u);
+        TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 16);
+        TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 1);
+        TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
+        TIFFSetField(tiff, TIFFTAG_TILEWIDTH, 16u);
+        TIFFSetField(tiff, TIFFTAG_TILELENGTH, 16u);
+        std::vector<std::uint16_t> tile(16 * 16);
+        for (std::uint32_t ty = 0; ty < 32; ty += 16) {
+            for (std::uint32_t tx = 0; tx < 32; tx += 16) {
+                for (std::size_t r = 0; r < 16; ++r)
+                    std::memcpy(&tile[r * 16], &frame[(ty + r) * 32 + tx], 32);
+                ASSERT_EQ(TIFFWriteTile(tiff, tile.data(), tx, ty, 0, 0), 512);
+            }
+        }
+        TIFFClose(tiff);
+    }
+    // The tiled page reads as written before it is damaged.
+    TiffStackReader reader;
+    ASSERT_TRUE(reader.open(TiffStackReaderConfig{path}).ok());
+    std::vector<std::uint16_t> read(32 * 32);
+    ASSERT_TRUE(reader.readFrame(0, read));
+    EXPECT_EQ(read, frame);
+    reader.close();
+
+    QByteArray bytes = test::readText(path);
+    patchTag(bytes, TIFFTAG_TILELENGTH, 4294967167u);
+    test::writeText(path, bytes);
+    const TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
+    ASSERT_FALSE(info.ok());
+    EXPECT_TRUE(info.error.contains(QStringLiteral("tiled.tif"))) << info.error.toStdString();
 }
 
 TEST(TiffStackReader, OpeningCanBeCanceled)

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QFileInfo>
+
 #include <opencv2/imgcodecs.hpp>
 
 #include "FileToolHelpers.h"
@@ -103,6 +105,44 @@ TEST(TiffStackWriter, WritesBigTiffThatReadsBack)
     std::vector<std::uint16_t> frame(16 * 8);
     ASSERT_TRUE(reader.readFrame(1, frame));
     EXPECT_EQ(frame, frames[1]);
+}
+
+TEST(TiffStackWriter, ReplacesALongerFileAndFillsAnEmptyOne)
+{
+    test::TempDir dir;
+    const QString path = dir.file(QStringLiteral("stack.tif"));
+    const std::vector<std::vector<std::uint16_t>> many = {testFrame(40, 30, 0), testFrame(40, 30, 1),
+                                                          testFrame(40, 30, 2)};
+    ASSERT_TRUE(writeStack({path, 40, 30, 16, 3}, many));
+    const qint64 longer = QFileInfo(path).size();
+    // Three frames of 2400 bytes at least.
+    EXPECT_GE(longer, 3 * 2400);
+
+    // Written again with one small frame: nothing of the old stack is left behind.
+    const std::vector<std::vector<std::uint16_t>> one = {testFrame(10, 5, 7)};
+    ASSERT_TRUE(writeStack({path, 10, 5, 16, 1}, one));
+    EXPECT_LT(QFileInfo(path).size(), 1000);
+    TiffStackReader reader;
+    TiffStackInfo info = reader.open(TiffStackReaderConfig{path});
+    ASSERT_TRUE(info.ok()) << info.error.toStdString();
+    EXPECT_EQ(info.frameCount, 1u);
+    std::vector<std::uint16_t> frame(10 * 5);
+    ASSERT_TRUE(reader.readFrame(0, frame));
+    EXPECT_EQ(frame, one[0]);
+    reader.close();
+
+    // An empty file made beforehand, as an export's temporary file is, is filled as it is.
+    const QString empty = dir.file(QStringLiteral("empty.tif"));
+    test::writeText(empty, QByteArray());
+    ASSERT_TRUE(writeStack({empty, 40, 30, 8, 3}, many));
+    info = reader.open(TiffStackReaderConfig{empty});
+    ASSERT_TRUE(info.ok()) << info.error.toStdString();
+    ASSERT_EQ(info.frameCount, 3u);
+    EXPECT_EQ(info.bitsPerSample, 8);
+    std::vector<std::uint16_t> wide(40 * 30);
+    ASSERT_TRUE(reader.readFrame(2, wide));
+    for (std::size_t i = 0; i < wide.size(); ++i)
+        ASSERT_EQ(wide[i], std::min<std::uint16_t>(many[2][i], 255)) << i;
 }
 
 TEST(TiffStackWriter, ChoosesTheContainerBySizeAndChecksItsInput)

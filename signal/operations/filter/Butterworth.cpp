@@ -60,60 +60,6 @@ double warp(double frequency, double sampleRate)
     return std::tan(std::numbers::pi * frequency / sampleRate);
 }
 
-/// The coefficients one section runs with: the output b0 w + b1 w1 + b2 w2 is
-/// rewritten with w = x - a1 w1 - a2 w2 as b0 x + c1 w1 + c2 w2, so the next section
-/// waits for one product and one sum after x instead of for the whole recursion.
-struct RunCoefficients
-{
-    double b0 = 1.0;
-    double c1 = 0.0;
-    double c2 = 0.0;
-    double a1 = 0.0;
-    double a2 = 0.0;
-};
-
-inline double stepSection(const RunCoefficients& s, double& w1, double& w2, double x)
-{
-    // The a2 product does not depend on the previous output, so only the a1 product
-    // and one subtraction lie on each section's own recursion.
-    const double w = (x - s.a2 * w2) - s.a1 * w1;
-    const double y = s.b0 * x + (s.c1 * w1 + s.c2 * w2);
-    w2 = w1;
-    w1 = w;
-    return y;
-}
-
-/// Runs all sections of each sample in one loop body, so the recursions of the
-/// sections overlap in the processor. Coefficients and state are copied to locals
-/// that the compiler keeps apart from the sample array.
-template <std::size_t S, std::ptrdiff_t Stride, typename State>
-void runCascade(const Butterworth::Section* sections, State* state, double* data, std::size_t count)
-{
-    std::array<RunCoefficients, S> sec;
-    std::array<double, S> w1;
-    std::array<double, S> w2;
-    for (std::size_t k = 0; k < S; ++k) {
-        const Butterworth::Section& s = sections[k];
-        sec[k] = {s.b0, s.b1 - s.b0 * s.a1, s.b2 - s.b0 * s.a2, s.a1, s.a2};
-        w1[k] = state[k].w1;
-        w2[k] = state[k].w2;
-    }
-    double* p = data;
-    for (std::size_t i = 0; i < count; ++i, p += Stride) {
-        double x = *p;
-        [&]<std::size_t... K>(std::index_sequence<K...>)
-        {
-            ((x = stepSection(sec[K], w1[K], w2[K], x)), ...);
-        }
-        (std::make_index_sequence<S>{});
-        *p = x;
-    }
-    for (std::size_t k = 0; k < S; ++k) {
-        state[k].w1 = w1[k];
-        state[k].w2 = w2[k];
-    }
-}
-
 } // namespace
 
 bool Butterworth::setup(double sampleRate, double frequency, double width)
@@ -178,26 +124,30 @@ std::vector<double> Butterworth::parameters() const
 
 void Butterworth::process(std::span<double> samples)
 {
-    if (m_sectionCount == MaxSections / 2)
-        runCascade<MaxSections / 2, 1>(m_sections.data(), m_state.data(), samples.data(), samples.size());
-    else if (m_sectionCount == MaxSections)
-        runCascade<MaxSections, 1>(m_sections.data(), m_state.data(), samples.data(), samples.size());
+    SectionCascade::run(runCoefficients(), m_state, m_sectionCount, samples.data(), samples.size(), 1);
 }
 
 void Butterworth::processBackward(std::span<double> samples)
 {
     if (samples.empty())
         return;
-    double* last = samples.data() + samples.size() - 1;
-    if (m_sectionCount == MaxSections / 2)
-        runCascade<MaxSections / 2, -1>(m_sections.data(), m_state.data(), last, samples.size());
-    else if (m_sectionCount == MaxSections)
-        runCascade<MaxSections, -1>(m_sections.data(), m_state.data(), last, samples.size());
+    SectionCascade::run(runCoefficients(), m_state, m_sectionCount, samples.data() + samples.size() - 1,
+                        samples.size(), -1);
+}
+
+SectionCascade::CoefficientArray Butterworth::runCoefficients() const
+{
+    SectionCascade::CoefficientArray run{};
+    for (std::size_t k = 0; k < m_sectionCount; ++k) {
+        const Section& s = m_sections[k];
+        run[k] = {s.b0, s.b1 - s.b0 * s.a1, s.b2 - s.b0 * s.a2, s.a1, s.a2};
+    }
+    return run;
 }
 
 void Butterworth::reset()
 {
-    m_state.fill(State{});
+    m_state.fill(SectionCascade::State{});
 }
 
 std::complex<double> Butterworth::response(double normalizedFrequency) const

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "signal/operations/filter/SectionCascade.h"
+
 #include <array>
 #include <complex>
 #include <cstddef>
@@ -65,13 +67,11 @@ public:
     double sampleRate() const { return m_sampleRate; }
     std::span<const Section> sections() const { return {m_sections.data(), m_sectionCount}; }
 
-private:
-    struct State
-    {
-        double w1 = 0.0;
-        double w2 = 0.0;
-    };
+    /// The delayed values of every section, as the last call left them.
+    const SectionCascade::StateArray& state() const { return m_state; }
 
+private:
+    SectionCascade::CoefficientArray runCoefficients() const;
     void designLowHigh(double warpedCutoff);
     void designBand(double warpedLow, double warpedHigh);
 
@@ -81,7 +81,7 @@ private:
     double m_width = 0.0;
     std::size_t m_sectionCount = 0;
     std::array<Section, MaxSections> m_sections{};
-    std::array<State, MaxSections> m_state{};
+    SectionCascade::StateArray m_state{};
 };
 
 } // namespace zarvi
