@@ -43,8 +43,9 @@ for target in "${targets[@]}"; do
     -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
     -artifact_prefix="$findings/" >"$log" 2>&1 || true
   after=$(find "$findings" -type f | wc -l)
-  runs=$(grep -o 'exec/s: [0-9]*' "$log" | tail -1 || true)
-  echo "fuzz_$target: ${seconds}s, corpus $(find "$corpus" -type f | wc -l) inputs, $runs, new findings $((after - before)) (log $log)"
+  # The last status line of fork mode: "#<runs>: cov: <edges> ft: <features> ...".
+  status=$(grep -E '^#[0-9]+: cov:' "$log" | tail -1 | awk '{print "runs " substr($1, 2, length($1) - 2) ", coverage " $3}')
+  echo "fuzz_$target: ${seconds}s, ${status:-no status}, corpus $(find "$corpus" -type f | wc -l) inputs, new findings $((after - before)) (log $log)"
   if [ "$after" -gt "$before" ]; then
     failed=1
     ls -t "$findings" | head -n $((after - before))
