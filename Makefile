@@ -2,10 +2,12 @@
 # on a fresh Debian 12 machine (as root, or with sudo available).
 BUILD_DIR ?= build
 SANITIZE_DIR ?= build-sanitize
+FUZZ_DIR ?= build-fuzz
+FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 DEMO_FILE ?= $(BUILD_DIR)/demo.orvel
 
-.PHONY: setup configure build run test bench test-sanitize format clean
+.PHONY: setup configure build run test bench test-sanitize fuzz format clean
 
 setup:
 	bash scripts/install-deps.sh
@@ -30,8 +32,12 @@ test-sanitize: setup
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
 	ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS)
 
+# Each fuzz target for FUZZ_SECONDS; clang and libFuzzer are installed on first use.
+fuzz:
+	FUZZ_SECONDS=$(FUZZ_SECONDS) JOBS=$(JOBS) bash scripts/run-fuzz.sh $(FUZZ_DIR)
+
 format:
 	git ls-files '*.cpp' '*.h' | xargs clang-format -i
 
 clean:
-	rm -rf $(BUILD_DIR) $(SANITIZE_DIR)
+	rm -rf $(BUILD_DIR) $(SANITIZE_DIR) $(FUZZ_DIR)

@@ -44,7 +44,7 @@ FileOpenResult PluginTabs::open(const QString& path)
                 result.message = DatasetDefinitions::fileBusyMessage();
             return result;
         }
-        classification = FileClassifier::classify(path);
+        classification = m_check.classify(path);
     }
 
     if (classification.kind == FileKind::Unrecognized) {

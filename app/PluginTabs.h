@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/FileCheck.h"
+
 #include <QList>
 #include <QObject>
 #include <QString>
@@ -28,10 +30,10 @@ struct FileOpenResult
     QString message; ///< the text to show the user, empty when nothing went wrong
 };
 
-/// The rules for showing files in the main window's tabs: classify the file,
-/// refuse what is neither a data nor an experiment file, reuse the tab of a file
-/// already open, otherwise host it in the matching plug-in. Shows no dialog, so
-/// that the rules can be checked directly. GUI thread.
+/// The rules for showing files in the main window's tabs: classify the file (in a
+/// child process, see FileCheck), refuse what is neither a data nor an experiment file, reuse the tab of a
+/// file already open, otherwise host it in the matching plug-in. Shows no dialog, so that the rules can be
+/// checked directly. GUI thread.
 class PluginTabs : public QObject
 {
     Q_OBJECT
@@ -41,6 +43,8 @@ public:
     PluginTabs(QTabWidget* tabs, IconFont* icons, QObject* parent = nullptr);
 
     FileOpenResult open(const QString& path);
+    /// Replaces the check that classifies files before they are opened.
+    void setFileCheck(FileCheck check) { m_check = std::move(check); }
     /// Index of the tab showing the same file (same canonical path), -1 when none.
     int indexOf(const QString& path) const;
     AbstractPlugin* plugin(int index) const;
@@ -55,6 +59,7 @@ signals:
 private:
     QTabWidget* m_tabs;
     IconFont* m_icons;
+    FileCheck m_check;
 };
 
 } // namespace zarvi

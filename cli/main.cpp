@@ -1,5 +1,6 @@
 #include "analysis/AnalysisOperations.h"
 #include "behavior/BehaviorOperations.h"
+#include "cli/CheckCommand.h"
 #include "cli/CompactCommand.h"
 #include "cli/ConvertCommand.h"
 #include "cli/DemoCommand.h"
@@ -76,6 +77,8 @@ int main(int argc, char* argv[])
     const QString command = arguments.takeFirst();
     if (command == QStringLiteral("info"))
         return zarvi::InfoCommand::run(arguments);
+    if (command == QStringLiteral("check"))
+        return zarvi::CheckCommand::run(arguments);
     if (command == QStringLiteral("demo"))
         return zarvi::DemoCommand::run(arguments);
     if (command == QStringLiteral("ops"))

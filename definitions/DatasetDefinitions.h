@@ -36,6 +36,11 @@ public:
 
     // Access and display messages.
     static QString fileBusyMessage() { return tr("File is busy"); }
+    /// Reading the file stopped the separate check that runs before a file is opened.
+    static QString damagedFileMessage()
+    {
+        return tr("The file <b>%1</b> could not be read; it may be damaged.");
+    }
     static QString nothingToDisplayMessage() { return tr("Nothing to display in %1."); }
     static QString deleteQuestion()
     {

@@ -10,6 +10,8 @@ template <typename... Handlers> struct Overloaded : Handlers...
 {
     using Handlers::operator()...;
 };
+// Spelled out for compilers without deduction for aggregates (clang 14, which builds the fuzz targets).
+template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers...>;
 
 } // namespace
 

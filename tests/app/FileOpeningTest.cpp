@@ -1,5 +1,6 @@
 #include "GuiTestSupport.h"
 
+#include "app/FileCheck.h"
 #include "app/MainWindow.h"
 #include "app/plugins/DatasetPlugin.h"
 #include "app/plugins/ExperimentPlugin.h"
@@ -200,4 +201,48 @@ TEST(FileOpening, CreateMakesAnEmptyDataFileAndOpensIt)
     ASSERT_EQ(w.messages.size(), 1);
     EXPECT_TRUE(w.messages.first().contains(QStringLiteral("new.orvel")));
     EXPECT_EQ(w.tabs()->count(), 1);
+}
+
+TEST(FileOpening, FilesAreCheckedInAChildProcessThatMayCrash)
+{
+    TempDir dir;
+    RecordingWindow w;
+    w.window.tabs().setFileCheck(FileCheck(QStringLiteral(ZARVI_TEST_BINARY_DIR "/cli/zarvi-cli")));
+    const QString raw = dir.file("raw.orvel");
+    const QString text = dir.file("text.orvel");
+    const QString cut = dir.file("cut.orvel");
+    ASSERT_TRUE(writeFileWithRootGroups(raw, {"DataAcquisition"}));
+    QFile plain(text);
+    ASSERT_TRUE(plain.open(QFile::WriteOnly));
+    plain.write("not a data file\n");
+    plain.close();
+    QFile whole(raw);
+    ASSERT_TRUE(whole.open(QFile::ReadOnly));
+    QFile part(cut);
+    ASSERT_TRUE(part.open(QFile::WriteOnly));
+    part.write(whole.read(whole.size() / 2));
+    part.close();
+
+    // Through the real check: the data file opens, the others are refused.
+    FileOpenResult result = w.window.openFile(raw);
+    EXPECT_EQ(result.outcome, OpenOutcome::OpenedData);
+    for (const QString& refused : {text, cut}) {
+        result = w.window.openFile(refused);
+        EXPECT_EQ(result.outcome, OpenOutcome::Refused);
+    }
+    EXPECT_EQ(w.window.openFile(text).message, unrecognized);
+
+    // A file the fuzzer found to crash the HDF5 library: the check dies, the file is
+    // refused as damaged, and the window goes on with its open tab.
+    const QString crashing = dir.file("crashing.orvel");
+    ASSERT_TRUE(
+        QFile::copy(QStringLiteral(ZARVI_LIBRARY_FAULTS "/vlen-string-global-heap-crash.bin"), crashing));
+    w.messages.clear();
+    result = w.window.openFile(crashing);
+    EXPECT_EQ(result.outcome, OpenOutcome::Refused);
+    EXPECT_EQ(result.message,
+              QStringLiteral("The file <b>crashing.orvel</b> could not be read; it may be damaged."));
+    EXPECT_EQ(w.messages, QStringList{result.message});
+    ASSERT_EQ(w.tabs()->count(), 1);
+    EXPECT_EQ(w.tabs()->tabText(0), QStringLiteral("Data (raw.orvel)"));
 }

@@ -249,6 +249,13 @@ TEST_F(MeasuresOperationTest, BadInputIsRefusedAndWritesNothing)
     QVariantMap zeroBin = parameters();
     zeroBin.insert(BD::TimeBin, 0.0);
     EXPECT_EQ(run(zeroBin).errors, QStringList{BD::badTimeBinMessage()});
+    QVariantMap tinyBin = parameters();
+    tinyBin.insert(BD::TimeBin, 1e-300);
+    EXPECT_EQ(
+        run(tinyBin).errors,
+        QStringList{QStringLiteral("The time bin of <b>1e-300 s</b> cuts <b>%1</b> into more bins than it "
+                                   "has frames.")
+                        .arg(coordinates)});
 
     // Frames out of time order: refused after the first input was measured, so its
     // outputs are taken back too.

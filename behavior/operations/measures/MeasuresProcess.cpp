@@ -96,10 +96,18 @@ bool MeasuresProcess::computeOperation()
         {BD::arenaName(), zoneMembership(*m_regions.arena, tracked.positions)}};
     for (const RoiShape& zone : m_regions.zones)
         regions.push_back({zone.label(), zoneMembership(zone, tracked.positions)});
+    // More bins than frames only adds empty rows, and a bin of 1e-300 s would count
+    // more bins than any integer holds.
+    const double binSeconds = m_parameters.number(BD::TimeBin, 0.0);
+    if (binSeconds > 0.0 && (tracked.time.back() - tracked.time.front()) / binSeconds >
+                                static_cast<double>(tracked.time.size())) {
+        addError(BD::timeBinTooShortMessage().arg(binSeconds).arg(m_input));
+        return false;
+    }
     const double scale = m_regions.pixelsPerCentimetre();
     PathMeasuresConfig config;
     config.pixelsPerUnit = scale > 0.0 ? scale : 1.0;
-    config.binSeconds = m_parameters.number(BD::TimeBin, 0.0);
+    config.binSeconds = binSeconds;
     const PathMeasuresResult result = measurePath(tracked.positions, tracked.time, regions, config);
     return writeTable(tracked, regions, result, scale > 0.0) && writeVisits(regions, result);
 }

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace zarvi::fuzz {
+
+/// One reader of outside data driven by arbitrary bytes: the fuzz target of that name
+/// and the replay of its kept inputs call the same function.
+struct FuzzEntry
+{
+    /// The target's name, which is also its folder under regressions/.
+    const char* name;
+    void (*run)(const std::uint8_t* data, std::size_t size);
+};
+
+/// Every entry: "tiff", "csv", "xlsx", "video" and "datafile". Each writes the input to
+/// a file and reads it the way the program reads such a file, so that a reader's fault
+/// shows up under the sanitizers; what the reader reports is not checked.
+std::span<const FuzzEntry> fuzzEntries();
+
+/// The entry of that name, or null.
+const FuzzEntry* findFuzzEntry(const char* name);
+
+} // namespace zarvi::fuzz
