@@ -1,6 +1,7 @@
 #include "datafile/SignalDataset.h"
 
 #include "datafile/HDF5Writer_V6.h"
+#include "datafile/MemoryBudget.h"
 #include "definitions/FileDefinitions.h"
 
 namespace zarvi {
@@ -40,6 +41,23 @@ bool write1D(HDF5Writer_V6& file, hid_t group, const QString& name, const std::v
     return ok;
 }
 
+/// A signal read for an operation lives beside its result: values and time, and as many
+/// again. Checked on the declared length before any of it is allocated.
+bool fitsInMemory(HDF5Manager_V6& file, const QString& valuesPath, QString& error)
+{
+    const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
+    if (dataset < 0)
+        return true; // read1D says it is missing
+    const std::vector<hsize_t> dims = file.dimensions(dataset);
+    file.closeDataset(dataset);
+    if (dims.size() != 1)
+        return true;
+    constexpr std::uint64_t BuffersPerSample = 4;
+    error = MemoryBudget::problem(QStringLiteral("Signal %1 of %2 samples").arg(valuesPath).arg(dims[0]),
+                                  MemoryBudget::product({dims[0], sizeof(double), BuffersPerSample}));
+    return error.isEmpty();
+}
+
 } // namespace
 
 QString SignalDataset::valuesPath(const QString& groupPath)
@@ -50,7 +68,10 @@ QString SignalDataset::valuesPath(const QString& groupPath)
 bool SignalDataset::read(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal, QString& error)
 {
     const QString group = valuesPath.left(valuesPath.lastIndexOf(QLatin1Char('/')));
-    const QString timePath = group.isEmpty() ? FileDefinitions::Time : group + QLatin1Char('/') + FileDefinitions::Time;
+    const QString timePath =
+        group.isEmpty() ? FileDefinitions::Time : group + QLatin1Char('/') + FileDefinitions::Time;
+    if (!fitsInMemory(file, valuesPath, error))
+        return false;
     if (!read1D(file, valuesPath, signal.values, error) || !read1D(file, timePath, signal.time, error))
         return false;
     if (signal.values.size() != signal.time.size()) {
@@ -78,8 +99,10 @@ bool SignalDataset::write(HDF5Writer_V6& file, const QString& groupPath, const S
     QVariantMap valueAttributes = attributes;
     if (!signal.unit.isEmpty())
         valueAttributes.insert(FileDefinitions::Unit, signal.unit);
-    const bool ok = write1D(file, group, FileDefinitions::Time, signal.time, {{FileDefinitions::Unit, QStringLiteral("s")}}, error) &&
-                    write1D(file, group, FileDefinitions::SignalValues, signal.values, valueAttributes, error);
+    const bool ok =
+        write1D(file, group, FileDefinitions::Time, signal.time,
+                {{FileDefinitions::Unit, QStringLiteral("s")}}, error) &&
+        write1D(file, group, FileDefinitions::SignalValues, signal.values, valueAttributes, error);
     file.closeGroup(group);
     return ok;
 }
