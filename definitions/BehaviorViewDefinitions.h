@@ -130,6 +130,10 @@ public:
         return tr("The zone entry <b>%1</b> has no readable <b>Coordinates</b> and <b>Shape</b>.");
     }
     static QString badTimeBinMessage() { return tr("The time bin must be longer than <b>0 s</b>."); }
+    static QString tooManyTimeBinsMessage()
+    {
+        return tr("The time bin of <b>%1 s</b> cuts the recording into more than <b>%2</b> bins.");
+    }
     static QString notCoordinatesMessage()
     {
         return tr("<b>%1</b> is not a Coordinates dataset: it must be 32-bit integers of [frames, 2] with a "

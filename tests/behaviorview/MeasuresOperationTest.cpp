@@ -249,6 +249,11 @@ TEST_F(MeasuresOperationTest, BadInputIsRefusedAndWritesNothing)
     QVariantMap zeroBin = parameters();
     zeroBin.insert(BD::TimeBin, 0.0);
     EXPECT_EQ(run(zeroBin).errors, QStringList{BD::badTimeBinMessage()});
+    // A bin of 1e-300 s would make 10^300 bins: refused before the count is an integer.
+    zeroBin.insert(BD::TimeBin, 1e-300);
+    EXPECT_EQ(run(zeroBin).errors,
+              QStringList{QStringLiteral("The time bin of <b>1e-300 s</b> cuts the recording into more than "
+                                         "<b>1000000</b> bins.")});
 
     // Frames out of time order: refused after the first input was measured, so its
     // outputs are taken back too.

@@ -92,6 +92,15 @@ bool MeasuresProcess::computeOperation()
             return false;
         }
 
+    // The bin count becomes an allocation and a table's rows: a bin of 1e-300 s must not
+    // reach the conversion to an integer count.
+    constexpr double MaxBins = 1e6;
+    if (const double bin = m_parameters.number(BD::TimeBin, 0.0);
+        bin > 0.0 && !((tracked.time.back() - tracked.time.front()) / bin < MaxBins)) {
+        addError(BD::tooManyTimeBinsMessage().arg(bin).arg(MaxBins, 0, 'f', 0));
+        return false;
+    }
+
     std::vector<MeasuredRegion> regions{
         {BD::arenaName(), zoneMembership(*m_regions.arena, tracked.positions)}};
     for (const RoiShape& zone : m_regions.zones)
