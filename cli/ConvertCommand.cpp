@@ -313,6 +313,11 @@ int ConvertCommand::run(const QStringList& arguments)
         return exitUsage;
     }
 
+    // Refused before the recording is described: describing reads the source too.
+    if (const QString special = FileConversion::sourceProblem(*request); !special.isEmpty()) {
+        err << "Error: " << TerminalProgress::plainText(special) << '\n';
+        return exitFailed;
+    }
     if (const auto* recording = std::get_if<RecordingConversionConfig>(&*request)) {
         const RecordingSummary summary = RecordingImport::describe(*recording);
         if (!summary.ok()) {

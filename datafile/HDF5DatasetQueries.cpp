@@ -3,10 +3,9 @@
 #include "datafile/HDF5AttributeValue.h"
 #include "datafile/HDF5Block.h"
 #include "datafile/HDF5Handle.h"
+#include "datafile/MemoryBudget.h"
 
 #include <limits>
-
-#include <unistd.h>
 
 // The dataset and attribute queries of HDF5Manager_V6: extents, chunking, element
 // types, the checked reads, and attribute reading. The file and structure operations
@@ -34,13 +33,25 @@ std::vector<hsize_t> extentOf(hid_t space, bool maximum = false)
     return maximum ? maxDims : dims;
 }
 
-hsize_t physicalMemoryBytes()
+/// Deflate turns at most about 1032 bytes into one (a long run of one byte value);
+/// a stored size that would need more than this to reach the declared one is damage.
+constexpr hsize_t MaxExpansion = 1100;
+
+/// True when every filter of the dataset is one whose expansion MaxExpansion bounds:
+/// deflate, and the shuffle and checksum filters that do not change the size.
+bool hasBoundedExpansion(hid_t properties)
 {
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageSize = sysconf(_SC_PAGESIZE);
-    if (pages <= 0 || pageSize <= 0)
-        return std::numeric_limits<hsize_t>::max();
-    return static_cast<hsize_t>(pages) * static_cast<hsize_t>(pageSize);
+    const int count = H5Pget_nfilters(properties);
+    for (int i = 0; i < count; ++i) {
+        unsigned flags = 0;
+        std::size_t elements = 0;
+        unsigned configuration = 0;
+        const H5Z_filter_t filter = H5Pget_filter2(properties, static_cast<unsigned>(i), &flags, &elements,
+                                                   nullptr, 0, nullptr, &configuration);
+        if (filter != H5Z_FILTER_DEFLATE && filter != H5Z_FILTER_SHUFFLE && filter != H5Z_FILTER_FLETCHER32)
+            return false;
+    }
+    return count >= 0;
 }
 
 } // namespace
@@ -95,10 +106,34 @@ int HDF5Manager_V6::deflateLevel(hid_t dataset) const
     return 0;
 }
 
-bool HDF5Manager_V6::isStoredPlain(hid_t dataset) const
+bool HDF5Manager_V6::checkStoredExtent(hid_t dataset) const
 {
+    if (!isValidDataset(dataset))
+        return false;
+    const HDF5Handle type(H5Dget_type(dataset), H5Tclose);
+    const std::vector<hsize_t> dims = dimensions(dataset);
+    std::uint64_t declared = H5Tget_size(type.get());
+    for (const hsize_t d : dims)
+        declared = MemoryBudget::product({declared, d});
+    if (declared == 0)
+        return true;
     const HDF5Handle properties(H5Dget_create_plist(dataset), H5Pclose);
-    return H5Pget_nfilters(properties.get()) == 0;
+    const bool plain = H5Pget_nfilters(properties.get()) == 0;
+    if (!plain && !hasBoundedExpansion(properties.get()))
+        return true;
+    const hsize_t stored = H5Dget_storage_size(dataset);
+    const std::uint64_t reachable = plain ? stored : MemoryBudget::product({stored, MaxExpansion});
+    if (reachable >= declared)
+        return true;
+    QStringList sizes;
+    for (const hsize_t d : dims)
+        sizes << QString::number(d);
+    setError(
+        QStringLiteral("Dataset %1 declares %2 values (%3 bytes) but the file holds only %4 bytes of them")
+            .arg(pathOf(dataset), sizes.join(QStringLiteral(" x ")))
+            .arg(declared)
+            .arg(stored));
+    return false;
 }
 
 hsize_t HDF5Manager_V6::storageSize(hid_t dataset) const
@@ -165,31 +200,19 @@ bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& co
         return false;
     }
     const hsize_t bytes = requested * elementBytes;
-    if (bytes > physicalMemoryBytes() ||
+    if (bytes > MemoryBudget::availableBytes() ||
         requested > static_cast<hsize_t>(std::numeric_limits<std::ptrdiff_t>::max())) {
         setError(QStringLiteral("Dataset %1 is too large to read (%2 bytes)").arg(name()).arg(bytes));
         return false;
     }
     // A whole read allocates what the file declares; a damaged or crafted file may
-    // declare far more than it stores. Without compression the stored bytes must cover
-    // the extent. (Partial reads allocate only their block, and are not checked: the
-    // stored size of a chunked dataset costs a walk over its chunk index.)
+    // declare far more than it stores. (Partial reads allocate only their block, and are
+    // not checked: the stored size of a chunked dataset costs a walk over its chunk index.)
     hsize_t extent = 1;
     for (const hsize_t d : dims)
         extent = d != 0 && extent > largest / d ? largest : extent * d;
-    if (requested == extent && extent > 0 && isStoredPlain(dataset)) {
-        const hsize_t stored = H5Dget_storage_size(dataset);
-        const hsize_t declared = extent * H5Tget_size(type.get());
-        if (stored < declared) {
-            setError(
-                QStringLiteral("Dataset %1 declares %2 values but the file holds only %3 of their %4 bytes")
-                    .arg(name())
-                    .arg(extent)
-                    .arg(stored)
-                    .arg(declared));
-            return false;
-        }
-    }
+    if (requested == extent && !checkStoredExtent(dataset))
+        return false;
     elements = requested;
     return true;
 }

@@ -73,13 +73,16 @@ public:
     std::vector<hsize_t> chunkDimensions(hid_t dataset) const;
     /// Deflate level of the dataset's filter, 0 when uncompressed.
     int deflateLevel(hid_t dataset) const;
-    /// True when the dataset is stored without filters (no compression), byte for byte.
-    bool isStoredPlain(hid_t dataset) const;
     hsize_t storageSize(hid_t dataset) const;
+    /// True when the bytes the file stores can hold the extent the dataset declares: all
+    /// of them without compression, and no more than deflate could expand with it. False,
+    /// with lastError() naming the dataset and the sizes, for a damaged or crafted extent.
+    bool checkStoredExtent(hid_t dataset) const;
     ElementType elementType(hid_t dataset) const;
 
-    /// Reads the whole dataset, converted to T. Refuses, before allocating, a
-    /// dataset larger than this machine's memory, and a non-numeric one.
+    /// Reads the whole dataset, converted to T. Refuses, before allocating, a dataset
+    /// larger than the memory available, one that declares more than the file stores
+    /// (checkStoredExtent()), and a non-numeric one.
     template <NumericElement T> bool read(hid_t dataset, std::vector<T>& out)
     {
         const std::vector<hsize_t> dims = dimensions(dataset);

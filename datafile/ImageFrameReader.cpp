@@ -1,6 +1,7 @@
 #include "datafile/ImageFrameReader.h"
 
 #include "datafile/HDF5Manager_V6.h"
+#include "datafile/MemoryBudget.h"
 #include "definitions/FileDefinitions.h"
 
 namespace zarvi {
@@ -41,6 +42,18 @@ bool ImageFrameReader::open(HDF5Manager_V6& file, const QString& stackPath, QStr
             file.closeDataset(dataset);
         error = FD::notImageStackMessage().arg(stackPath);
         m_problem = Problem::NotStack;
+        return false;
+    }
+    // The frames are read one at a time, but a damaged file may declare frames that are
+    // not there or that no memory holds: both are refused before the first frame.
+    constexpr std::uint64_t BytesPerPixel = 2 + 4 + 4 + 2; // raw, its float copy, result, raw result
+    const QString memory = MemoryBudget::problem(
+        QStringLiteral("A frame of %1 (%2 x %3)").arg(stackPath).arg(dims[0]).arg(dims[1]),
+        MemoryBudget::product({dims[0], dims[1], BytesPerPixel}));
+    if (!file.checkStoredExtent(dataset) || !memory.isEmpty()) {
+        error = memory.isEmpty() ? file.lastError() : memory;
+        file.closeDataset(dataset);
+        m_problem = Problem::TooLarge;
         return false;
     }
     m_file = &file;

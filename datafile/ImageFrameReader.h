@@ -34,7 +34,9 @@ public:
         /// A dataset that is not a three-dimensional stack of numbers.
         NotStack,
         /// Its "Time" is missing or does not have one entry per frame.
-        TimeMismatch
+        TimeMismatch,
+        /// It declares more frames than the file stores, or frames larger than memory.
+        TooLarge
     };
 
     ImageFrameReader() = default;
@@ -43,7 +45,8 @@ public:
     ImageFrameReader& operator=(const ImageFrameReader&) = delete;
 
     /// Opens the stack at `stackPath` and reads its "Time". False with `error` when the
-    /// dataset is missing, is not three-dimensional, or its "Time" does not have one
+    /// dataset is missing, is not three-dimensional, declares more than the file stores or
+    /// a frame that the memory available cannot hold, or its "Time" does not have one
     /// entry per frame. A stack of zero frames opens: callers decide whether that is usable.
     bool open(HDF5Manager_V6& file, const QString& stackPath, QString& error);
     void close();

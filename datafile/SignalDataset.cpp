@@ -1,6 +1,7 @@
 #include "datafile/SignalDataset.h"
 
 #include "datafile/HDF5Writer_V6.h"
+#include "datafile/MemoryBudget.h"
 #include "definitions/FileDefinitions.h"
 
 namespace zarvi {
@@ -74,6 +75,23 @@ bool readTimeSpan(HDF5Manager_V6& file, const QString& path, TimeSpan& span, QSt
     return ok;
 }
 
+/// A signal read for an operation lives beside its result: values and time, and as many
+/// again. Checked on the declared length before any of it is allocated.
+bool fitsInMemory(HDF5Manager_V6& file, const QString& valuesPath, QString& error)
+{
+    const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
+    if (dataset < 0)
+        return true; // read1D says it is missing
+    const std::vector<hsize_t> dims = file.dimensions(dataset);
+    file.closeDataset(dataset);
+    if (dims.size() != 1)
+        return true;
+    constexpr std::uint64_t BuffersPerSample = 4;
+    error = MemoryBudget::problem(QStringLiteral("Signal %1 of %2 samples").arg(valuesPath).arg(dims[0]),
+                                  MemoryBudget::product({dims[0], sizeof(double), BuffersPerSample}));
+    return error.isEmpty();
+}
+
 } // namespace
 
 QString SignalDataset::valuesPath(const QString& groupPath)
@@ -83,6 +101,8 @@ QString SignalDataset::valuesPath(const QString& groupPath)
 
 bool SignalDataset::read(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal, QString& error)
 {
+    if (!fitsInMemory(file, valuesPath, error))
+        return false;
     if (!read1D(file, valuesPath, signal.values, error) ||
         !read1D(file, timePathOf(valuesPath), signal.time, error))
         return false;
@@ -100,6 +120,8 @@ bool SignalDataset::readValues(HDF5Manager_V6& file, const QString& valuesPath, 
                                TimeSpan& span, QString& error)
 {
     signal.time.clear();
+    if (!fitsInMemory(file, valuesPath, error))
+        return false;
     if (!read1D(file, valuesPath, signal.values, error) ||
         !readTimeSpan(file, timePathOf(valuesPath), span, error))
         return false;

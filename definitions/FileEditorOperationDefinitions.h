@@ -26,6 +26,10 @@ public:
     // Shared by every reader and writer.
     static QString missingFileMessage() { return tr("<b>%1</b> does not exist."); }
     static QString folderNotFileMessage() { return tr("<b>%1</b> is a folder, not a file."); }
+    static QString notRegularFileMessage()
+    {
+        return tr("<b>%1</b> is not a regular file (a pipe, a device or a socket); give a file.");
+    }
     static QString unableToOpenMessage() { return tr("Unable to open <b>%1</b>."); }
     static QString unableToCreateMessage() { return tr("Unable to create <b>%1</b>: %2"); }
     static QString unableToWriteMessage() { return tr("Unable to write <b>%1</b>: %2"); }
@@ -143,6 +147,10 @@ public:
     static QString notNumberMessage() { return tr("Line %1, column %2: '%3' is not a number."); }
     static QString emptyCellMessage() { return tr("Line %1, column %2 is empty."); }
     static QString columnCountMessage() { return tr("Line %1 has %2 columns, expected %3."); }
+    static QString tooManyColumnsMessage()
+    {
+        return tr("The table has <b>%1</b> columns; at most <b>%2</b> can be converted.");
+    }
     static QString missingColumnMessage() { return tr("Column %1 does not exist; the file has %2 columns."); }
     static QString timeAndEventColumnMessage()
     {

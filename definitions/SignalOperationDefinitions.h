@@ -357,6 +357,10 @@ public:
         return tr("Error: the values and the time vector of a signal have different lengths.");
     }
     static QString unknownSlopeMethodMessage() { return tr("Error: unknown slope method <b>%1</b>."); }
+    static QString slopeOrderTooHighMessage()
+    {
+        return tr("Error: the polynomial order <b>%1</b> is above the highest order offered, <b>%2</b>.");
+    }
     static QString badSlopeOrderMessage()
     {
         return tr("Error: the polynomial order <b>%1</b> needs more samples than the signal holds.");

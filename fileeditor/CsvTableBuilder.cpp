@@ -237,6 +237,10 @@ void CsvTableBuilder::finish(const QString& path)
 
 bool CsvTableBuilder::start(const std::vector<std::string_view>& cells, std::size_t expectedRows)
 {
+    if (cells.size() > MaxColumns) {
+        m_table.error = Texts::tooManyColumnsMessage().arg(cells.size()).arg(MaxColumns);
+        return false;
+    }
     m_columnCount = cells.size();
     m_table.error = assignRoles(m_config, m_columnCount, m_roles);
     if (!m_table.error.isEmpty())

@@ -28,6 +28,10 @@ struct CsvColumnRole
 class CsvTableBuilder
 {
 public:
+    /// The most columns a table may have: each becomes a signal of its own in the data
+    /// file, and a row as wide as a whole file is a damaged or mistaken one.
+    static constexpr std::size_t MaxColumns = 10000;
+
     CsvTableBuilder(const CsvTableReaderConfig& config, CsvTable& table, bool allowDecimalComma);
 
     std::size_t columnCount() const { return m_columnCount; }

@@ -13,6 +13,7 @@
 
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/CsvTableBuilder.h"
+#include "fileeditor/SourceDetector.h"
 #include "fileeditor/XlsxSheetReader.h"
 
 namespace zarvi {
@@ -184,8 +185,13 @@ CsvPreview CsvTableReader::preview(const QString& path, int lineCount, CsvDelimi
         }
         return preview;
     }
+    // Checked before opening: opening a pipe waits for a writer.
+    if (!QFileInfo(path).isFile() || SourceDetector::isSpecialFile(path)) {
+        preview.error = Texts::unableToOpenMessage().arg(path);
+        return preview;
+    }
     std::ifstream in(std::filesystem::path(path.toStdU16String()), std::ios::binary);
-    if (!QFileInfo(path).isFile() || !in) {
+    if (!in) {
         preview.error = Texts::unableToOpenMessage().arg(path);
         return preview;
     }
@@ -216,6 +222,10 @@ CsvTable CsvTableReader::read(const CsvTableReaderConfig& config, Feedback* feed
     const QFileInfo info(config.path);
     if (!info.isFile()) {
         table.error = Texts::missingFileMessage().arg(config.path);
+        return table;
+    }
+    if (SourceDetector::isSpecialFile(config.path)) {
+        table.error = Texts::notRegularFileMessage().arg(config.path);
         return table;
     }
     if (XlsxSheetReader::isWorkbook(config.path))

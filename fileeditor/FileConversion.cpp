@@ -1,6 +1,8 @@
 #include "fileeditor/FileConversion.h"
 
+#include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/RecordingImport.h"
+#include "fileeditor/SourceDetector.h"
 
 namespace zarvi {
 
@@ -17,6 +19,11 @@ template <typename... Handlers> Overloaded(Handlers...) -> Overloaded<Handlers..
 
 ConversionResult FileConversion::run(const ConversionRequest& request, Feedback* feedback)
 {
+    if (QString problem = sourceProblem(request); !problem.isEmpty()) {
+        ConversionResult refused;
+        refused.error = std::move(problem);
+        return refused;
+    }
     return std::visit(
         Overloaded{
             [&](const TiffStackConversionConfig& c) { return TiffStackConverter::convert(c, feedback); },
@@ -31,6 +38,20 @@ ConversionResult FileConversion::run(const ConversionRequest& request, Feedback*
 QString FileConversion::sourcePath(const ConversionRequest& request)
 {
     return std::visit([](const auto& config) { return config.sourcePath; }, request);
+}
+
+QString FileConversion::sourceProblem(const ConversionRequest& request)
+{
+    QStringList paths{sourcePath(request)};
+    if (const auto* tiff = std::get_if<TiffStackConversionConfig>(&request))
+        paths << tiff->timestampsPath;
+    if (const auto* recording = std::get_if<RecordingConversionConfig>(&request))
+        paths << recording->digitalInputsPath;
+    for (const QString& path : std::as_const(paths)) {
+        if (SourceDetector::isSpecialFile(path))
+            return FileEditorOperationDefinitions::notRegularFileMessage().arg(path);
+    }
+    return {};
 }
 
 } // namespace zarvi

@@ -27,6 +27,9 @@ public:
     static ConversionResult run(const ConversionRequest& request, Feedback* feedback = nullptr);
     /// The file the request reads.
     static QString sourcePath(const ConversionRequest& request);
+    /// A message when a file the request reads is a pipe, a device or a socket, which a
+    /// read would wait on for ever; empty otherwise. run() refuses such a request.
+    static QString sourceProblem(const ConversionRequest& request);
 };
 
 } // namespace zarvi

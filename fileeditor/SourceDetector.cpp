@@ -7,6 +7,8 @@
 #include "fileeditor/NeurophotometricsFile.h"
 #include "fileeditor/PyPhotometryFile.h"
 
+#include <sys/stat.h>
+
 namespace zarvi {
 
 namespace {
@@ -47,6 +49,16 @@ bool isText(const QByteArray& head)
 
 } // namespace
 
+bool SourceDetector::isSpecialFile(const QString& path)
+{
+    struct stat status
+    {
+    };
+    if (path.isEmpty() || ::stat(QFile::encodeName(path).constData(), &status) != 0)
+        return false;
+    return !S_ISREG(status.st_mode) && !S_ISDIR(status.st_mode);
+}
+
 SourceFormat SourceDetector::detect(const QString& path)
 {
     const QFileInfo info(path);
@@ -61,6 +73,8 @@ SourceFormat SourceDetector::detect(const QString& path)
     }
     if (suffix == QStringLiteral("tsq") || suffix == QStringLiteral("tev"))
         return SourceFormat::TdtBlock;
+    if (isSpecialFile(path))
+        return SourceFormat::Unknown;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return SourceFormat::Unknown;

@@ -28,6 +28,9 @@ class SourceDetector
 {
 public:
     static SourceFormat detect(const QString& path);
+    /// True when `path` names something that is neither a regular file nor a folder (a
+    /// pipe, a device, a socket), whose opening or reading can wait for ever.
+    static bool isSpecialFile(const QString& path);
 };
 
 } // namespace zarvi

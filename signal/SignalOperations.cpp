@@ -6,6 +6,7 @@
 #include "signal/operations/decimation/DecimationProcess.h"
 #include "signal/operations/filter/FilterProcess.h"
 #include "signal/operations/photometry/PhotometryDeltaFProcess.h"
+#include "signal/operations/slope/PolynomialBaseline.h"
 #include "signal/operations/smooth/SmoothProcess.h"
 
 namespace zarvi {
@@ -37,11 +38,15 @@ P smoothMethod()
         .withTooltip(SD::smoothMethodTooltip());
 }
 
+/// About a day: an averaging window longer than that is a typing slip, whatever the recording.
+constexpr double MaxWindowSeconds = 1e5;
+
 P smoothTimeFrame()
 {
     return P::number(SD::SmoothTimeFrame, SD::smoothTimeFrameLabel())
         .withUnit(QStringLiteral("s"))
         .atLeast(0.0)
+        .atMost(MaxWindowSeconds)
         .withDefault(0.1)
         .withTooltip(SD::smoothTimeFrameTooltip());
 }
@@ -145,10 +150,12 @@ void registerSignalOperations(OperationRegistry& registry)
                    P::number(SD::SlopeTimeWindow, SD::slopeTimeWindowLabel())
                        .withUnit(QStringLiteral("s"))
                        .atLeast(0.0)
+                       .atMost(MaxWindowSeconds)
                        .withDefault(30.0)
                        .withTooltip(SD::slopeTimeWindowTooltip()),
                    P::integer(SD::SlopeOrder, SD::slopeOrderLabel())
                        .atLeast(0)
+                       .atMost(PolynomialBaseline::MaxOrder)
                        .withDefault(2)
                        .withTooltip(SD::slopeOrderTooltip()),
                    P::text(SD::StandardizeMethod, SD::standardizeLabel())

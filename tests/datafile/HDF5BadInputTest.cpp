@@ -132,8 +132,8 @@ TEST(HDF5BadInput, EveryRefusalIsClearAndQuiet)
     const hid_t declared = reader.openDataset(file, QStringLiteral("G/Declared"));
     EXPECT_FALSE(reader.read(declared, out));
     EXPECT_EQ(reader.lastError(),
-              QStringLiteral("Dataset /G/Declared declares 200000000 values but the file holds "
-                             "only 524288 of their 1600000000 bytes"));
+              QStringLiteral("Dataset /G/Declared declares 200000000 values (1600000000 bytes) but the file "
+                             "holds only 524288 bytes of them"));
     EXPECT_TRUE(out.empty());
     std::vector<double> first;
     EXPECT_TRUE(reader.read(declared, {0}, {10}, first)) << reader.lastError().toStdString();

@@ -228,6 +228,33 @@ TEST(DataExporter, ExportsFrameRangeOfStackToTiffAndLeavesNothingWhenCancelled)
     EXPECT_EQ(result.error, QStringLiteral("Frames 5 to 7 do not lie within the stack's 6 frames."));
 }
 
+TEST(DataExporter, AStackDeclaringMoreFramesThanItStoresIsRefusedAndLeavesNoTemporaryFile)
+{
+    test::TempDir dir;
+    const QString file = writeDataFile(dir);
+    {
+        // 2^40 frames declared, six stored, and a "Time" declared as long.
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        const hsize_t frames = hsize_t{1} << 40;
+        const hid_t stack = writer.openDataset(writer.fileId(), stackPath);
+        const hsize_t stackExtent[] = {Height, Width, frames};
+        ASSERT_GE(H5Dset_extent(stack, stackExtent), 0);
+        writer.closeDataset(stack);
+        const hid_t time =
+            writer.openDataset(writer.fileId(), stackPath.section(QLatin1Char('/'), 0, -2) + "/Time");
+        ASSERT_GE(H5Dset_extent(time, &frames), 0);
+        writer.closeDataset(time);
+    }
+    const QString tiff = dir.file(QStringLiteral("cells.tif"));
+    const DataExportResult result = DataExporter::run(exportConfig(file, {stackPath}, tiff));
+    EXPECT_FALSE(result.ok());
+    EXPECT_TRUE(result.error.contains(QStringLiteral("declares 11 x 19 x 1099511627776 values")))
+        << result.error.toStdString();
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).filter(QStringLiteral("cells")),
+              QStringList());
+}
+
 TEST(DataExporter, EveryOutputGetsThePermissionsTheUmaskGives)
 {
     test::TempDir dir;

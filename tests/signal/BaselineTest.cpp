@@ -74,6 +74,12 @@ TEST(PolynomialBaseline, ReproducesAPolynomialFarFromTimeZero)
     EXPECT_TRUE(
         PolynomialBaseline::compute(std::vector<double>{1.0, 2.0}, std::vector<double>{0.0, 1.0}, 2, nullptr)
             .outcome.isFailed());
+    // An order of 10000 would cost 5·10^7 multiply-adds a sample and a 10001-wide solve:
+    // refused at once, naming the highest order.
+    const VectorResult huge = PolynomialBaseline::compute(values, time, 10000, nullptr);
+    EXPECT_EQ(huge.outcome.error,
+              QStringLiteral("Error: the polynomial order <b>10000</b> is above the highest order offered, "
+                             "<b>20</b>."));
 }
 
 TEST(SlopeBaseline, DispatchesByMethodName)

@@ -179,6 +179,56 @@ TEST(RansacLineFit, ProposesHalfTheProductOfTheStandardDeviations)
     EXPECT_NEAR(RansacLineFit::proposedThreshold(x, y), 5.0 / 3.0, 1e-12);
 }
 
+TEST(PhotometryDeltaF, RefusesWindowsAndOrdersTheKeptSamplesCannotHoldBeforeAnyStage)
+{
+    // 20 s at 100 Hz; 1 s off each end and every 10th sample kept leaves 180 samples at 10 Hz.
+    const Signal isosbestic = isosbesticSignal();
+    const Signal biosensor = biosensorOf(isosbestic, 0, 0);
+    PhotometryDeltaF::Config config;
+    config.discardStart = 1.0;
+    config.discardEnd = -1.0;
+    config.decimationFactor = 10;
+    config.residualThreshold = 0.5;
+
+    const auto refusal = [&](const PhotometryDeltaF::Config& c) {
+        test::RecordingFeedback feedback;
+        const PhotometryDeltaF::Result result =
+            PhotometryDeltaF::compute(c, isosbestic, biosensor, &feedback);
+        EXPECT_TRUE(result.outcome.isFailed());
+        // Nothing ran: not even the discard said its label.
+        EXPECT_EQ(feedback.labels, QStringList());
+        return result.outcome.error;
+    };
+    // A 1e9 s smoothing window is 10^10 samples at the decimated rate.
+    PhotometryDeltaF::Config smoothing = config;
+    smoothing.smoothMethod = Defs::RunningAverage;
+    smoothing.smoothTimeFrame = 1e9;
+    EXPECT_EQ(refusal(smoothing),
+              QStringLiteral("Error: the averaging window (<b>1e+10</b> samples) is longer "
+                             "than the signal (<b>180</b> samples)."));
+    // 18 s at 10 Hz is exactly 180 samples, which fits; 18.2 s does not.
+    PhotometryDeltaF::Config slope = config;
+    slope.slope.method = Defs::RunningAverage;
+    slope.slope.timeWindow = 18.2;
+    EXPECT_EQ(refusal(slope), QStringLiteral("Error: the averaging window (<b>182</b> samples) is longer "
+                                             "than the signal (<b>180</b> samples)."));
+    slope.slope.timeWindow = 18.0;
+    EXPECT_TRUE(PhotometryDeltaF::compute(slope, isosbestic, biosensor, nullptr).outcome.ok());
+
+    PhotometryDeltaF::Config polynomial = config;
+    polynomial.slope.method = Defs::Polynomial;
+    polynomial.slope.order = 10000;
+    EXPECT_TRUE(refusal(polynomial).contains(QStringLiteral("<b>10000</b> is above the highest order")));
+    // Without decimation 1800 samples are kept, still too few for an order of 1800.
+    polynomial.decimationFactor = 0;
+    polynomial.slope.order = 1800;
+    EXPECT_TRUE(refusal(polynomial).contains(QStringLiteral("<b>1800</b> is above the highest order")));
+    polynomial.decimationFactor = 1000;
+    polynomial.slope.order = 2;
+    EXPECT_EQ(refusal(polynomial), QStringLiteral("Error: the polynomial order <b>2</b> needs more samples "
+                                                  "than the signal holds."));
+}
+
 TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
 {
     const Signal isosbestic = isosbesticSignal();

@@ -4,6 +4,8 @@
 #include "definitions/SignalOperationDefinitions.h"
 #include "signal/operations/SampleRate.h"
 #include "signal/operations/decimation/Decimation.h"
+#include "signal/operations/slope/PolynomialBaseline.h"
+#include "signal/operations/smooth/RunningAverage.h"
 #include "signal/operations/smooth/Smoothing.h"
 #include "signal/operations/standardize/ZScore.h"
 
@@ -112,6 +114,68 @@ KernelOutcome subtractSlope(Signal& s, const SlopeBaseline::Config& config, std:
     return KernelOutcome::completed();
 }
 
+/// The samples of `s` that discard and decimation will keep, and their rate, found
+/// without changing the signal.
+struct KeptSamples
+{
+    std::size_t count = 0;
+    double rate = 0.0;
+};
+
+KeptSamples keptSamples(const Signal& s, const PhotometryDeltaF::Config& config)
+{
+    auto first = s.time.begin();
+    auto last = s.time.end();
+    if (config.discardStart && !s.time.empty())
+        first = std::lower_bound(s.time.begin(), s.time.end(), s.time.front() + *config.discardStart);
+    if (config.discardEnd && !s.time.empty())
+        last = std::upper_bound(first, s.time.end(), s.time.back() + *config.discardEnd);
+    const auto kept = static_cast<std::size_t>(std::max<std::ptrdiff_t>(0, last - first));
+    const std::size_t step =
+        config.decimationFactor > 0 ? static_cast<std::size_t>(config.decimationFactor) : 1;
+    KeptSamples result;
+    result.count = (kept + step - 1) / step;
+    if (result.count >= 2)
+        result.rate = sampleRateOf(result.count, *first, *(first + (result.count - 1) * step));
+    return result;
+}
+
+KernelOutcome checkWindow(double windowSeconds, const KeptSamples& kept)
+{
+    if (RunningAverage::isWindowTooShort(kept.rate, windowSeconds))
+        return KernelOutcome::failed(Defs::windowTooShortMessage());
+    const double samples = kept.rate * windowSeconds;
+    if (samples > static_cast<double>(kept.count))
+        return KernelOutcome::failed(
+            Defs::windowTooLongMessage().arg(QString::number(samples, 'g', 6), QString::number(kept.count)));
+    return KernelOutcome::completed();
+}
+
+/// Refuses, before any stage runs, the windows and the polynomial order that the
+/// signals left after discard and decimation cannot hold.
+KernelOutcome checkAgainstSignals(const PhotometryDeltaF::Config& config, const Signal& isosbestic,
+                                  const Signal& biosensor)
+{
+    for (const Signal* s : {&isosbestic, &biosensor}) {
+        const KeptSamples kept = keptSamples(*s, config);
+        if (kept.count == 0)
+            return KernelOutcome::failed(Defs::emptySignalMessage());
+        KernelOutcome outcome;
+        if (config.smoothMethod == Defs::RunningAverage)
+            outcome = checkWindow(config.smoothTimeFrame, kept);
+        if (outcome.ok() && config.slope.method == Defs::RunningAverage)
+            outcome = checkWindow(config.slope.timeWindow, kept);
+        if (outcome.ok() && config.slope.method == Defs::Polynomial) {
+            if (const QString problem = PolynomialBaseline::orderProblem(config.slope.order, kept.count);
+                !problem.isEmpty())
+                outcome = KernelOutcome::failed(problem);
+        }
+        if (!outcome.ok())
+            return outcome;
+    }
+    return KernelOutcome::completed();
+}
+
 PhotometryDeltaF::Result failure(KernelOutcome outcome)
 {
     PhotometryDeltaF::Result result;
@@ -147,7 +211,9 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
         if (s->values.size() != s->time.size())
             return failure(KernelOutcome::failed(Defs::valuesTimeMismatchMessage()));
     }
-    KernelOutcome outcome;
+    KernelOutcome outcome = checkAgainstSignals(config, isosbestic, biosensor);
+    if (!outcome.ok())
+        return failure(outcome);
     // Runs a stage on both signals under its progress label (none when empty).
     const auto run = [&](const QString& label, const auto& stage) {
         if (!label.isEmpty())

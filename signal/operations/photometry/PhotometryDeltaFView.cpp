@@ -7,6 +7,7 @@
 #include "signal/SignalFileReader.h"
 #include "signal/operations/photometry/PhotometryPairs.h"
 #include "signal/operations/photometry/PhotometryPreviewPlots.h"
+#include "signal/operations/slope/PolynomialBaseline.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -164,7 +165,7 @@ QWidget* PhotometryDeltaFView::buildStages()
     form->addRow(SD::slopeRatioLabel(), m_slopeRatio);
     m_slopeTimeWindow = doubleBox(panel, QStringLiteral("dsb_slopeTimeWindow"), 0.001, 1e5, 30.0);
     form->addRow(SD::slopeTimeWindowLabel(), m_slopeTimeWindow);
-    m_slopeOrder = intBox(panel, QStringLiteral("sb_slopeOrder"), 0, 20, 2);
+    m_slopeOrder = intBox(panel, QStringLiteral("sb_slopeOrder"), 0, PolynomialBaseline::MaxOrder, 2);
     m_slopeOrder->setToolTip(SD::slopeOrderTooltip());
     form->addRow(SD::slopeOrderLabel(), m_slopeOrder);
 

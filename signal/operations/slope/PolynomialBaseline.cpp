@@ -27,6 +27,16 @@ void legendre(double u, std::vector<double>& p)
 
 } // namespace
 
+QString PolynomialBaseline::orderProblem(int order, std::size_t samples)
+{
+    using Defs = SignalOperationDefinitions;
+    if (order > MaxOrder)
+        return Defs::slopeOrderTooHighMessage().arg(order).arg(MaxOrder);
+    if (order < 0 || static_cast<std::size_t>(order) >= samples)
+        return Defs::badSlopeOrderMessage().arg(order);
+    return {};
+}
+
 VectorResult PolynomialBaseline::compute(std::span<const double> values, std::span<const double> time,
                                          int order, Feedback* feedback)
 {
@@ -34,8 +44,8 @@ VectorResult PolynomialBaseline::compute(std::span<const double> values, std::sp
     const std::size_t n = values.size();
     if (time.size() != n)
         return {{}, KernelOutcome::failed(Defs::valuesTimeMismatchMessage())};
-    if (order < 0 || static_cast<std::size_t>(order) >= n)
-        return {{}, KernelOutcome::failed(Defs::badSlopeOrderMessage().arg(order))};
+    if (const QString problem = orderProblem(order, n); !problem.isEmpty())
+        return {{}, KernelOutcome::failed(problem)};
 
     const auto [lowest, highest] = std::minmax_element(time.begin(), time.end());
     const double centre = (*highest + *lowest) / 2.0;
