@@ -14,11 +14,18 @@ int RepairCommand::run(const QStringList& arguments)
         return 2;
     }
     QString error;
-    if (!SuperblockRepair::repairInto(arguments[0], arguments[2], error)) {
+    QStringList leftOut;
+    if (!SuperblockRepair::repairInto(arguments[0], arguments[2], leftOut, error)) {
         QTextStream(stderr) << "Error: " << TerminalProgress::plainText(error) << '\n';
         return 1;
     }
-    QTextStream(stdout) << "repaired copy: " << arguments[2] << '\n';
+    QTextStream out(stdout);
+    out << "repaired copy: " << arguments[2] << '\n';
+    if (!leftOut.isEmpty()) {
+        out << "left out, unreadable (the interrupted write did not finish them): " << leftOut.size() << '\n';
+        for (const QString& path : leftOut)
+            out << "  " << path << '\n';
+    }
     return 0;
 }
 

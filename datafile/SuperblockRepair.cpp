@@ -1,5 +1,7 @@
 #include "datafile/SuperblockRepair.h"
 
+#include "datafile/ReadableCopy.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
@@ -95,25 +97,32 @@ herr_t countObject(hid_t, const char*, const H5O_info_t*, void* count)
     return 0;
 }
 
-/// The file opens and every object in it can be reached.
-bool opensWhole(const QString& path, QString& error)
+/// Sets the end of allocation in the superblock of the file at `path` to the file's size
+/// when they differ; false when the file cannot be written.
+bool restoreEndOfAllocation(const QString& path)
 {
-    // The damage is expected here; the library's own report would only repeat it.
-    H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
-    const hid_t file = H5Fopen(QFile::encodeName(path).constData(), H5F_ACC_RDONLY, H5P_DEFAULT);
-    qint64 objects = 0;
-#if H5_VERSION_GE(1, 12, 0)
-    const bool ok =
-        file >= 0 && H5Ovisit3(file, H5_INDEX_NAME, H5_ITER_INC, countObject, &objects, H5O_INFO_BASIC) >= 0;
-#else
-    const bool ok =
-        file >= 0 && H5Ovisit2(file, H5_INDEX_NAME, H5_ITER_INC, countObject, &objects, H5O_INFO_BASIC) >= 0;
-#endif
-    if (file >= 0)
-        H5Fclose(file);
-    if (!ok)
-        error = QStringLiteral("The repaired copy <b>%1</b> still does not open; it was removed.").arg(path);
-    return ok;
+    QFile copy(path);
+    if (!copy.open(QIODevice::ReadWrite))
+        return false;
+    Superblock block;
+    if (!allocationMismatch(copy, block))
+        return true;
+    const quint64 end = static_cast<quint64>(copy.size()) - block.baseAddress;
+    QByteArray field(block.addressBytes, '\0');
+    for (int i = 0; i < block.addressBytes; ++i)
+        field[i] = static_cast<char>((end >> (8 * i)) & 0xff);
+    bool ok = copy.seek(block.eoaField) && copy.write(field) == field.size();
+    if (ok && block.version >= 2) {
+        // The checksum covers the superblock up to itself: after the root address.
+        const qsizetype checked = 12 + 4 * block.addressBytes;
+        ok = copy.seek(block.offset);
+        const QByteArray head = copy.read(checked);
+        const quint32 sum = SuperblockRepair::lookup3(head.constData(), head.size());
+        char bytes[4];
+        qToLittleEndian(sum, bytes);
+        ok = ok && head.size() == checked && copy.write(bytes, 4) == 4;
+    }
+    return copy.flush() && ok;
 }
 
 } // namespace
@@ -159,6 +168,24 @@ quint32 SuperblockRepair::lookup3(const char* data, qsizetype length, quint32 in
     return c;
 }
 
+bool SuperblockRepair::readsWhole(const QString& path)
+{
+    // The damage is expected here; the library's own report would only repeat it.
+    H5Eset_auto2(H5E_DEFAULT, nullptr, nullptr);
+    const hid_t file = H5Fopen(QFile::encodeName(path).constData(), H5F_ACC_RDONLY, H5P_DEFAULT);
+    qint64 objects = 0;
+#if H5_VERSION_GE(1, 12, 0)
+    const bool ok =
+        file >= 0 && H5Ovisit3(file, H5_INDEX_NAME, H5_ITER_INC, countObject, &objects, H5O_INFO_BASIC) >= 0;
+#else
+    const bool ok =
+        file >= 0 && H5Ovisit2(file, H5_INDEX_NAME, H5_ITER_INC, countObject, &objects, H5O_INFO_BASIC) >= 0;
+#endif
+    if (file >= 0)
+        H5Fclose(file);
+    return ok;
+}
+
 bool SuperblockRepair::looksInterrupted(const QString& path)
 {
     QFile file(path);
@@ -174,56 +201,47 @@ QString SuperblockRepair::damagedMessage(const QString& path)
         .arg(path);
 }
 
-bool SuperblockRepair::repairInto(const QString& path, const QString& copyPath, QString& error)
+bool SuperblockRepair::repairInto(const QString& path, const QString& copyPath, QStringList& leftOut,
+                                  QString& error)
 {
+    leftOut.clear();
     if (QFileInfo(copyPath).absoluteFilePath() == QFileInfo(path).absoluteFilePath() ||
         QFileInfo::exists(copyPath)) {
         error = QStringLiteral("The copy <b>%1</b> exists already; name a new file.").arg(copyPath);
         return false;
     }
-    {
-        QFile original(path);
-        Superblock block;
-        if (!original.open(QIODevice::ReadOnly) || !allocationMismatch(original, block)) {
-            error =
-                QStringLiteral("<b>%1</b> shows no damage from an interrupted write; nothing was written.")
+    if (readsWhole(path)) {
+        error = QStringLiteral("<b>%1</b> shows no damage from an interrupted write; nothing was written.")
                     .arg(path);
-            return false;
-        }
+        return false;
     }
-    if (!QFile::copy(path, copyPath)) {
+    // The original is only ever read: first a copy of its bytes with the end of
+    // allocation restored, which is all most interrupted writes need.
+    const QString restored = copyPath + QStringLiteral(".restoring");
+    QFile::remove(restored);
+    if (!QFile::copy(path, restored) || !restoreEndOfAllocation(restored)) {
+        QFile::remove(restored);
         error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
         return false;
     }
-    QFile copy(copyPath);
-    Superblock block;
-    bool ok = copy.open(QIODevice::ReadWrite) && allocationMismatch(copy, block);
-    if (ok) {
-        const quint64 end = static_cast<quint64>(copy.size()) - block.baseAddress;
-        QByteArray field(block.addressBytes, '\0');
-        for (int i = 0; i < block.addressBytes; ++i)
-            field[i] = static_cast<char>((end >> (8 * i)) & 0xff);
-        ok = copy.seek(block.eoaField) && copy.write(field) == field.size();
-        if (ok && block.version >= 2) {
-            // The checksum covers the superblock up to itself: after the root address.
-            const qsizetype checked = 12 + 4 * block.addressBytes;
-            ok = copy.seek(block.offset);
-            const QByteArray head = copy.read(checked);
-            const quint32 sum = lookup3(head.constData(), head.size());
-            char bytes[4];
-            qToLittleEndian(sum, bytes);
-            ok = ok && head.size() == checked && copy.write(bytes, 4) == 4;
+    bool ok = false;
+    if (readsWhole(restored)) {
+        ok = QFile::rename(restored, copyPath);
+        if (!ok)
+            error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
+    } else {
+        // Objects the interrupted run never finished: a new file of everything else.
+        ok = ReadableCopy::write(restored, copyPath, leftOut, error);
+        if (ok && !readsWhole(copyPath)) {
+            ok = false;
+            error = QStringLiteral("The repaired copy <b>%1</b> still does not open; it was removed.")
+                        .arg(copyPath);
         }
     }
-    ok = ok && copy.flush();
-    copy.close();
+    QFile::remove(restored);
     if (!ok)
-        error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
-    if (!ok || !opensWhole(copyPath, error)) {
         QFile::remove(copyPath);
-        return false;
-    }
-    return true;
+    return ok;
 }
 
 } // namespace zarvi
