@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace zarvi {
 
 namespace {
@@ -52,6 +54,10 @@ bool RunTransaction::trackMissingLevels(const QString& path)
     QString prefix;
     for (const QString& level : levels) {
         prefix = prefix.isEmpty() ? level : prefix + QLatin1Char('/') + level;
+        // Inside a level this run made, rollback removes it with that level, and writing
+        // it to disk early would only put a half-built group on disk at every flush.
+        if (std::find(m_created.cbegin(), m_created.cend(), prefix) != m_created.cend())
+            return false;
         if (!m_file.exists(m_file.fileId(), prefix)) {
             m_created.push_back(prefix);
             return true;

@@ -95,7 +95,8 @@ public:
     void rollback();
 
 private:
-    /// Records the highest level of path that does not exist yet; false when all exist.
+    /// Records the highest level of path that does not exist yet; false when all exist or
+    /// when path lies inside a level the run made.
     bool trackMissingLevels(const QString& path);
     /// Writes the file to disk right after new levels were linked into existing groups;
     /// on failure closes `group` and returns false.
