@@ -66,7 +66,7 @@ bool ReadableCopy::write(const QString& sourcePath, const QString& copyPath, QSt
                             H5Fclose);
     const HDF5Handle sourceRoot(source.valid() ? H5Gopen2(source.get(), "/", H5P_DEFAULT) : -1, H5Gclose);
     if (!sourceRoot.valid()) {
-        error = QStringLiteral("The root of <b>%1</b> cannot be read.").arg(sourcePath);
+        error = QStringLiteral("The file's root group cannot be read; there is nothing to copy.");
         return false;
     }
     HDF5Writer_V6 copy;
@@ -75,7 +75,7 @@ bool ReadableCopy::write(const QString& sourcePath, const QString& copyPath, QSt
         return false;
     }
     if (!copy.copyAttributes(sourceRoot.get(), copy.fileId())) {
-        error = QStringLiteral("The attributes of the root of <b>%1</b> cannot be read.").arg(sourcePath);
+        error = QStringLiteral("The attributes of the file's root group cannot be read.");
         return false;
     }
     if (!copyMembers(copy, sourceRoot.get(), copy.fileId(), QString(), leftOut) || !copy.flush()) {

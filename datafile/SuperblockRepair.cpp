@@ -4,6 +4,7 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QTemporaryFile>
 #include <QtEndian>
 
 #include <hdf5.h>
@@ -97,15 +98,32 @@ herr_t countObject(hid_t, const char*, const H5O_info_t*, void* count)
     return 0;
 }
 
-/// Sets the end of allocation in the superblock of the file at `path` to the file's size
-/// when they differ; false when the file cannot be written.
-bool restoreEndOfAllocation(const QString& path)
+/// Copies the file at `path` into the open `into`, with its permissions, and closes it.
+bool copyBytes(const QString& path, QFile& into)
+{
+    QFile original(path);
+    if (!original.open(QIODevice::ReadOnly) || !into.setPermissions(original.permissions()))
+        return false;
+    while (!original.atEnd()) {
+        const QByteArray block = original.read(1 << 20);
+        if (block.isEmpty() || into.write(block) != block.size())
+            return false;
+    }
+    into.close();
+    return true;
+}
+
+/// Sets the end of allocation in the superblock of the file at `path` to the file's size:
+/// with `evenIfShort` whenever they differ, otherwise only when the recorded end lies past
+/// the file's end. False when the file cannot be written.
+bool restoreEndOfAllocation(const QString& path, bool evenIfShort)
 {
     QFile copy(path);
     if (!copy.open(QIODevice::ReadWrite))
         return false;
     Superblock block;
-    if (!allocationMismatch(copy, block))
+    if (!allocationMismatch(copy, block) ||
+        (!evenIfShort && block.baseAddress + block.endOfAllocation < static_cast<quint64>(copy.size())))
         return true;
     const quint64 end = static_cast<quint64>(copy.size()) - block.baseAddress;
     QByteArray field(block.addressBytes, '\0');
@@ -215,33 +233,42 @@ bool SuperblockRepair::repairInto(const QString& path, const QString& copyPath, 
                     .arg(path);
         return false;
     }
-    // The original is only ever read: first a copy of its bytes with the end of
-    // allocation restored, which is all most interrupted writes need.
-    const QString restored = copyPath + QStringLiteral(".restoring");
-    QFile::remove(restored);
-    if (!QFile::copy(path, restored) || !restoreEndOfAllocation(restored)) {
-        QFile::remove(restored);
+    // The original is only ever read. A recorded end past the file's end makes the library
+    // refuse the file, so the copy's is set to its size. A recorded end short of it is kept:
+    // everything the last whole flush wrote lies before it, and the library refuses what
+    // lies after (the interrupted flush's objects) instead of reading a half-written object
+    // as if it were whole, which can crash it.
+    QTemporaryFile restored(copyPath + QStringLiteral(".XXXXXX"));
+    if (!restored.open() || !copyBytes(path, restored) ||
+        !restoreEndOfAllocation(restored.fileName(), false)) {
         error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
         return false;
     }
-    bool ok = false;
-    if (readsWhole(restored)) {
-        ok = QFile::rename(restored, copyPath);
-        if (!ok)
-            error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
-    } else {
-        // Objects the interrupted run never finished: a new file of everything else.
-        ok = ReadableCopy::write(restored, copyPath, leftOut, error);
-        if (ok && !readsWhole(copyPath)) {
-            ok = false;
+    if (!readsWhole(restored.fileName())) {
+        // A new file of everything that can be read; the rest is what the run never finished.
+        if (ReadableCopy::write(restored.fileName(), copyPath, leftOut, error)) {
+            if (readsWhole(copyPath))
+                return true;
             error = QStringLiteral("The repaired copy <b>%1</b> still does not open; it was removed.")
                         .arg(copyPath);
+            QFile::remove(copyPath);
+            return false;
+        }
+        QFile::remove(copyPath);
+        leftOut.clear();
+        // Not even the root reads before the recorded end: the last resort is to trust every
+        // byte of the file.
+        if (!restoreEndOfAllocation(restored.fileName(), true) || !readsWhole(restored.fileName())) {
+            error = QStringLiteral("<b>%1</b> cannot be repaired: its root group cannot be read.").arg(path);
+            return false;
         }
     }
-    QFile::remove(restored);
-    if (!ok)
-        QFile::remove(copyPath);
-    return ok;
+    if (!restored.rename(copyPath)) {
+        error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
+        return false;
+    }
+    restored.setAutoRemove(false);
+    return true;
 }
 
 } // namespace zarvi
