@@ -65,7 +65,7 @@ for trial in $(seq 1 "$trials"); do
   cp trial.orvel killed.orvel
   rm -f repaired.orvel
   "$cli" repair trial.orvel --into repaired.orvel > repair.txt 2>&1 ||
-    { cp trial.orvel "damaged-$trial.orvel"; fail "$what: the repair failed: $(head -c 400 repair.txt)"; }
+    { status=$?; cp trial.orvel "damaged-$trial.orvel"; fail "$what: the repair failed (exit $status): $(head -c 400 repair.txt)"; }
   cmp -s trial.orvel killed.orvel || fail "$what: the repair changed the file itself"
   "$cli" info repaired.orvel > /dev/null 2>&1 || fail "$what: the repaired copy does not open"
   kept repaired.orvel ||
