@@ -1,8 +1,11 @@
 #include "cli/InfoCommand.h"
 
+#include "cli/TerminalProgress.h"
+
 #include "datafile/DataFileTree.h"
 #include "datafile/FileClassifier.h"
 #include "datafile/HDF5Reader_V6.h"
+#include "datafile/SuperblockRepair.h"
 
 #include <QTextStream>
 
@@ -58,6 +61,11 @@ int InfoCommand::run(const QStringList& arguments)
         return 1;
     }
 
+    // An object the library cannot reach is what a write killed half-way leaves.
+    if (!SuperblockRepair::readsWhole(path)) {
+        err << "Error: " << TerminalProgress::plainText(SuperblockRepair::damagedMessage(path)) << '\n';
+        return 1;
+    }
     HDF5Reader_V6 reader;
     if (reader.open(path) < 0) {
         err << "Error: " << reader.lastError() << '\n';

@@ -9,6 +9,7 @@
 #include "cli/InfoCommand.h"
 #include "cli/PipelineCommand.h"
 #include "cli/RenameCommand.h"
+#include "cli/RepairCommand.h"
 #include "cli/RoisCommand.h"
 #include "cli/RunCommand.h"
 #include "definitions/ZarviMainDefinitions.h"
@@ -49,7 +50,9 @@ const char* usage =
     "                            list, add, import (ImageJ) or remove the ROIs of an image stack\n"
     "  rename FILE OLD_PATH NEW_NAME\n"
     "                            give a result group or dataset a new name\n"
-    "  compact FILE              reclaim the space of deleted data; prints the sizes before and after\n";
+    "  compact FILE              reclaim the space of deleted data; prints the sizes before and after\n"
+    "  repair FILE --into COPY.orvel\n"
+    "                            a repaired copy of a file an interrupted write left unopenable\n";
 
 } // namespace
 
@@ -97,6 +100,8 @@ int main(int argc, char* argv[])
         return zarvi::RoisCommand::run(arguments);
     if (command == QStringLiteral("rename"))
         return zarvi::RenameCommand::run(arguments);
+    if (command == QStringLiteral("repair"))
+        return zarvi::RepairCommand::run(arguments);
     if (command == QStringLiteral("compact"))
         return zarvi::CompactCommand::run(arguments);
     QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;

@@ -1,6 +1,7 @@
 #include "datafile/FileClassifier.h"
 
 #include "datafile/HDF5Reader_V6.h"
+#include "datafile/SuperblockRepair.h"
 #include "definitions/FileDefinitions.h"
 
 namespace zarvi {
@@ -20,8 +21,9 @@ FileClassification FileClassifier::classify(const QString& path)
     FileClassification result;
     HDF5Reader_V6 reader;
     if (reader.open(path) < 0) {
-        result.message =
-            reader.isFileInUse() ? reader.lastError() : FileDefinitions::unrecognizedFileMessage();
+        result.message = reader.isFileInUse() || SuperblockRepair::looksInterrupted(path)
+                             ? reader.lastError()
+                             : FileDefinitions::unrecognizedFileMessage();
         result.detail = reader.lastError();
         return result;
     }

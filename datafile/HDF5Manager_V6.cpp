@@ -1,6 +1,7 @@
 #include "datafile/HDF5Manager_V6.h"
 
 #include "datafile/HDF5Handle.h"
+#include "datafile/SuperblockRepair.h"
 #include "definitions/FileDefinitions.h"
 
 #include <QFile>
@@ -73,6 +74,23 @@ void HDF5Manager_V6::silenceLibraryErrors()
     }
 }
 
+bool HDF5Manager_V6::keepMetadataUntilFlush(hid_t access)
+{
+    H5AC_cache_config_t config;
+    config.version = H5AC__CURR_CACHE_CONFIG_VERSION;
+    if (H5Pget_mdc_config(access, &config) < 0)
+        return false;
+    // By default the cache writes dirty entries out whenever it needs room, in no
+    // particular order and without updating the end of allocation in the superblock;
+    // a kill then leaves links on disk to objects the file does not yet account for.
+    // The library refuses disabled evictions unless every automatic resize is off.
+    config.evictions_enabled = false;
+    config.incr_mode = H5C_incr__off;
+    config.flash_incr_mode = H5C_flash_incr__off;
+    config.decr_mode = H5C_decr__off;
+    return H5Pset_mdc_config(access, &config) >= 0;
+}
+
 bool HDF5Manager_V6::libraryMatchesHeaders(QString* message)
 {
     unsigned major = 0, minor = 0, release = 0;
@@ -103,13 +121,20 @@ hid_t HDF5Manager_V6::open(const QString& path, bool readOnly)
         return H5I_INVALID_HID;
     }
     const QByteArray name = QFile::encodeName(path);
-    const hid_t file = H5Fopen(name.constData(), readOnly ? H5F_ACC_RDONLY : H5F_ACC_RDWR, H5P_DEFAULT);
+    const HDF5Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose);
+    if (!readOnly && !keepMetadataUntilFlush(access.get())) {
+        setLibraryError(QStringLiteral("Unable to set up file access for %1").arg(path));
+        return H5I_INVALID_HID;
+    }
+    const hid_t file = H5Fopen(name.constData(), readOnly ? H5F_ACC_RDONLY : H5F_ACC_RDWR, access.get());
     if (file < 0) {
         setLibraryError(QStringLiteral("Unable to open file (damaged, truncated or in use): %1").arg(path));
         // The library locks the files it opens; a lock held elsewhere is not damage.
         m_fileInUse = lastError().contains(QStringLiteral("unable to lock file"));
         if (m_fileInUse)
             setError(FileDefinitions::fileInUseMessage().arg(path));
+        else if (SuperblockRepair::looksInterrupted(path))
+            setError(SuperblockRepair::damagedMessage(path));
         return H5I_INVALID_HID;
     }
     m_file = file;

@@ -77,7 +77,8 @@ hid_t HDF5Writer_V6::create(const QString& path)
     }
     // Keep to the object formats of HDF5 1.8 so that older readers open our files.
     const HDF5Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose);
-    if (H5Pset_libver_bounds(access.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18) < 0) {
+    if (H5Pset_libver_bounds(access.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18) < 0 ||
+        !keepMetadataUntilFlush(access.get())) {
         setLibraryError(QStringLiteral("Unable to set up file access for %1").arg(path));
         return H5I_INVALID_HID;
     }
@@ -91,7 +92,8 @@ hid_t HDF5Writer_V6::create(const QString& path)
     m_path = path;
     if (!writeAttribute(file, FileDefinitions::SoftwareName, FileDefinitions::SoftwareNameValue) ||
         !writeAttribute(file, FileDefinitions::SoftwareVersion, FileDefinitions::SoftwareVersionValue) ||
-        !writeAttribute(file, FileDefinitions::Created, QDateTime::currentDateTime().toString())) {
+        !writeAttribute(file, FileDefinitions::Created, QDateTime::currentDateTime().toString()) ||
+        !flush()) {
         const QString reason = lastError();
         closeFile();
         setError(reason);
@@ -340,7 +342,8 @@ bool HDF5Writer_V6::appendRaw(hid_t dataset, ElementKind kind, const void* data,
     const hsize_t maximum = maximumDimensions(dataset).back();
     if (count.back() > std::numeric_limits<hsize_t>::max() - dims.back() ||
         (maximum != H5S_UNLIMITED && dims.back() + count.back() > maximum)) {
-        setError(QStringLiteral("Dataset %1 cannot grow beyond %2 on its last axis").arg(name()).arg(maximum));
+        setError(
+            QStringLiteral("Dataset %1 cannot grow beyond %2 on its last axis").arg(name()).arg(maximum));
         return false;
     }
     if (!data) {

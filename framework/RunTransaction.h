@@ -87,8 +87,9 @@ public:
     /// Creates the group at path with its missing parents and opens it; refuses a path
     /// that exists (`existsMessage` with %1 the path, %2 the file). The caller closes it.
     hid_t createGroup(const QString& path, const QString& existsMessage, QString& error);
-    /// Remembers an object created inside a group that existed before, for rollback.
-    void track(const QString& path) { m_created.push_back(path); }
+    /// Remembers an object created inside a group that existed before, for rollback,
+    /// and writes it to disk while it is still empty (see linkToDisk()).
+    void track(const QString& path);
 
     /// Closes the file and keeps what was written; with `markEdited` the root also gets
     /// "EditingSoftwareName", "EditingSoftwareVersion" and "Edited". On failure it rolls
@@ -98,8 +99,12 @@ public:
     void rollback();
 
 private:
-    /// Records the highest level of path that does not exist yet.
-    void trackMissingLevels(const QString& path);
+    /// Records the highest level of path that does not exist yet; false when all exist or
+    /// when path lies inside a level the run made.
+    bool trackMissingLevels(const QString& path);
+    /// Writes the file to disk right after new levels were linked into existing groups;
+    /// on failure closes `group` and returns false.
+    bool linkToDisk(hid_t group, bool madeLevels);
     void release();
 
     HDF5Writer_V6 m_file;

@@ -1,0 +1,88 @@
+#include "datafile/ReadableCopy.h"
+
+#include "datafile/HDF5Handle.h"
+#include "datafile/HDF5Writer_V6.h"
+
+#include <QFile>
+
+namespace zarvi {
+
+namespace {
+
+herr_t collectName(hid_t, const char* name, const H5L_info_t*, void* names)
+{
+    static_cast<QStringList*>(names)->push_back(QString::fromUtf8(name));
+    return 0;
+}
+
+QString joined(const QString& prefix, const QString& name)
+{
+    return prefix.isEmpty() ? name : prefix + QLatin1Char('/') + name;
+}
+
+/// Copies the members of `source` into `target`; false only when the copy itself
+/// cannot be written. What cannot be read goes into `leftOut`.
+bool copyMembers(HDF5Writer_V6& copy, hid_t source, hid_t target, const QString& prefix, QStringList& leftOut)
+{
+    QStringList names;
+    hsize_t index = 0;
+    // A listing that breaks off still gives the members before the break.
+    if (H5Literate(source, H5_INDEX_NAME, H5_ITER_INC, &index, collectName, &names) < 0)
+        leftOut << (prefix.isEmpty() ? QStringLiteral("/") : prefix) +
+                       QStringLiteral(" (the members after %1 cannot be listed)").arg(index);
+    for (const QString& name : names) {
+        const QByteArray bytes = name.toUtf8();
+        if (H5Ocopy(source, bytes.constData(), target, bytes.constData(), H5P_DEFAULT, H5P_DEFAULT) >= 0)
+            continue;
+        // A failed copy may have linked part of the object; the copy is sound, so it goes.
+        if (H5Lexists(target, bytes.constData(), H5P_DEFAULT) > 0)
+            H5Ldelete(target, bytes.constData(), H5P_DEFAULT);
+        const QString path = joined(prefix, name);
+        const HDF5Handle group(H5Gopen2(source, bytes.constData(), H5P_DEFAULT), H5Gclose);
+        const HDF5Handle creation(group.valid() ? H5Gget_create_plist(group.get()) : -1, H5Pclose);
+        if (!creation.valid()) {
+            leftOut << path;
+            continue;
+        }
+        const HDF5Handle made(H5Gcreate2(target, bytes.constData(), H5P_DEFAULT, creation.get(), H5P_DEFAULT),
+                              H5Gclose);
+        if (!made.valid())
+            return false;
+        if (!copy.copyAttributes(group.get(), made.get()))
+            leftOut << path + QStringLiteral(" (attributes)");
+        if (!copyMembers(copy, group.get(), made.get(), path, leftOut))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+bool ReadableCopy::write(const QString& sourcePath, const QString& copyPath, QStringList& leftOut,
+                         QString& error)
+{
+    leftOut.clear();
+    const HDF5Handle source(H5Fopen(QFile::encodeName(sourcePath).constData(), H5F_ACC_RDONLY, H5P_DEFAULT),
+                            H5Fclose);
+    const HDF5Handle sourceRoot(source.valid() ? H5Gopen2(source.get(), "/", H5P_DEFAULT) : -1, H5Gclose);
+    if (!sourceRoot.valid()) {
+        error = QStringLiteral("The file's root group cannot be read; there is nothing to copy.");
+        return false;
+    }
+    HDF5Writer_V6 copy;
+    if (copy.create(copyPath) < 0) {
+        error = copy.lastError();
+        return false;
+    }
+    if (!copy.copyAttributes(sourceRoot.get(), copy.fileId())) {
+        error = QStringLiteral("The attributes of the file's root group cannot be read.");
+        return false;
+    }
+    if (!copyMembers(copy, sourceRoot.get(), copy.fileId(), QString(), leftOut) || !copy.flush()) {
+        error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
+        return false;
+    }
+    return true;
+}
+
+} // namespace zarvi
