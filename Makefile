@@ -7,7 +7,7 @@ FUZZ_SECONDS ?= 60
 JOBS ?= $(shell nproc)
 DEMO_FILE ?= $(BUILD_DIR)/demo.orvel
 
-.PHONY: setup configure build run test bench test-sanitize fuzz format clean
+.PHONY: setup configure build run test test-kill bench test-sanitize fuzz format clean
 
 setup:
 	bash scripts/install-deps.sh
@@ -22,7 +22,11 @@ run: build
 	bash scripts/run-demo.sh $(BUILD_DIR)
 
 test: build
-	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS)
+	ctest --test-dir $(BUILD_DIR) --output-on-failure -j $(JOBS) -LE kill
+
+# Runs killed at random moments, checked to leave the file readable or repairable.
+test-kill: build
+	ctest --test-dir $(BUILD_DIR) --output-on-failure -L kill
 
 bench: build
 	bash scripts/run-benchmarks.sh $(BUILD_DIR)
