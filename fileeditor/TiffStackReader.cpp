@@ -11,7 +11,9 @@
 
 #include <unistd.h>
 
+#include "datafile/MemoryBudget.h"
 #include "definitions/FileEditorOperationDefinitions.h"
+#include "fileeditor/NaturalNameOrder.h"
 #include "fileeditor/TiffHandle.h"
 
 namespace zarvi {
@@ -19,51 +21,6 @@ namespace zarvi {
 namespace {
 
 using Texts = FileEditorOperationDefinitions;
-
-bool isAsciiDigit(QChar c)
-{
-    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
-}
-
-/// Name order as a person reads it: runs of digits compare by value, so img2 comes
-/// before img10; letters compare without case. Names equal under that rule keep a
-/// fixed order through a plain comparison.
-bool naturalLess(const QString& a, const QString& b)
-{
-    qsizetype i = 0;
-    qsizetype j = 0;
-    while (i < a.size() && j < b.size()) {
-        if (isAsciiDigit(a[i]) && isAsciiDigit(b[j])) {
-            qsizetype endA = i;
-            while (endA < a.size() && isAsciiDigit(a[endA]))
-                ++endA;
-            qsizetype endB = j;
-            while (endB < b.size() && isAsciiDigit(b[endB]))
-                ++endB;
-            while (i + 1 < endA && a[i] == QLatin1Char('0'))
-                ++i;
-            while (j + 1 < endB && b[j] == QLatin1Char('0'))
-                ++j;
-            if (endA - i != endB - j)
-                return endA - i < endB - j;
-            const int order = QStringView(a).sliced(i, endA - i).compare(QStringView(b).sliced(j, endB - j));
-            if (order != 0)
-                return order < 0;
-            i = endA;
-            j = endB;
-            continue;
-        }
-        const QChar ca = a[i].toLower();
-        const QChar cb = b[j].toLower();
-        if (ca != cb)
-            return ca < cb;
-        ++i;
-        ++j;
-    }
-    if (a.size() - i != b.size() - j)
-        return a.size() - i < b.size() - j;
-    return a < b;
-}
 
 /// An empty text when path starts like a TIFF or BigTIFF file, else the message why not.
 QString tiffSignatureError(const QString& path)
@@ -116,22 +73,6 @@ std::size_t imageJImageCount(const QString& description)
 /// compressions reach on real images, yet enough to refuse a few bytes that claim
 /// gigabytes of pixels.
 constexpr std::uint64_t MaxExpansion = 1u << 16;
-
-/// a * b, or the largest value where the product does not fit.
-std::uint64_t saturatingProduct(std::uint64_t a, std::uint64_t b)
-{
-    std::uint64_t product = 0;
-    return __builtin_mul_overflow(a, b, &product) ? UINT64_MAX : product;
-}
-
-std::uint64_t physicalMemory()
-{
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long pageSize = sysconf(_SC_PAGESIZE);
-    return pages > 0 && pageSize > 0
-               ? saturatingProduct(static_cast<std::uint64_t>(pages), static_cast<std::uint64_t>(pageSize))
-               : UINT64_MAX;
-}
 
 QString readErrorText(const QString& where, const TiffHandle& tiff)
 {
@@ -274,7 +215,7 @@ bool TiffStackReader::scanFolder(const QString& path, Feedback* feedback)
         folder.entryList({QStringLiteral("*.tif"), QStringLiteral("*.tiff")}, QDir::Files, QDir::NoSort);
     if (names.isEmpty())
         return fail(Texts::emptyTiffFolderMessage().arg(path));
-    std::sort(names.begin(), names.end(), naturalLess);
+    std::sort(names.begin(), names.end(), naturalNameLess);
     for (const QString& name : names)
         m_info.files.append(folder.filePath(name));
 
@@ -444,7 +385,7 @@ bool TiffStackReader::checkDeclaredBytes(TIFF* t, std::size_t page, std::uint32_
 
     // Every block must lie inside the file and hold, decoded, the samples it covers:
     // a whole tile, or the rows of a strip (the last one may be shorter).
-    const std::uint64_t rowBytes = saturatingProduct(blockWidth, sampleBytes);
+    const std::uint64_t rowBytes = MemoryBudget::product({blockWidth, sampleBytes});
     std::uint64_t declared = 0;
     bool oneBlock = compression == COMPRESSION_NONE && !tiled;
     for (std::uint64_t b = 0; b < blocks; ++b) {
@@ -452,10 +393,10 @@ bool TiffStackReader::checkDeclaredBytes(TIFF* t, std::size_t page, std::uint32_
             tiled
                 ? blockRows
                 : std::min<std::uint64_t>(blockRows, height - std::min<std::uint64_t>(height, b * blockRows));
-        const std::uint64_t decoded = saturatingProduct(rowBytes, rows);
+        const std::uint64_t decoded = MemoryBudget::product({rowBytes, rows});
         declared = std::max(declared, decoded);
         if (offsets[b] > m_fileSize || counts[b] > m_fileSize - offsets[b] ||
-            saturatingProduct(counts[b], expansion) < decoded) {
+            MemoryBudget::product({counts[b], expansion}) < decoded) {
             const std::uint64_t frameSamples = static_cast<std::uint64_t>(width) * height * sampleBytes;
             const std::uint64_t shown = std::max({decoded, counts[b], frameSamples});
             return fail(
@@ -464,9 +405,9 @@ bool TiffStackReader::checkDeclaredBytes(TIFF* t, std::size_t page, std::uint32_
         oneBlock = oneBlock && (b == 0 || offsets[b] == offsets[b - 1] + counts[b - 1]);
     }
     // The frame as it is handed on (16 bits a sample) and the largest decoded block.
-    const std::uint64_t frameBytes = saturatingProduct(static_cast<std::uint64_t>(width) * height, 2);
+    const std::uint64_t frameBytes = MemoryBudget::product({width, height, 2});
     const std::uint64_t needed = frameBytes > UINT64_MAX - declared ? UINT64_MAX : frameBytes + declared;
-    const std::uint64_t memory = physicalMemory();
+    const std::uint64_t memory = MemoryBudget::availableBytes();
     if (needed > memory) {
         constexpr double MB = 1024.0 * 1024.0;
         return fail(Texts::frameTooLargeMessage()
