@@ -92,6 +92,14 @@ bool fitsInMemory(HDF5Manager_V6& file, const QString& valuesPath, QString& erro
     return error.isEmpty();
 }
 
+/// The attributes of a signal's values: the run's, and the unit when the signal has one.
+QVariantMap withUnit(QVariantMap attributes, const QString& unit)
+{
+    if (!unit.isEmpty())
+        attributes.insert(FileDefinitions::Unit, unit);
+    return attributes;
+}
+
 } // namespace
 
 QString SignalDataset::valuesPath(const QString& groupPath)
@@ -147,9 +155,7 @@ bool SignalDataset::write(HDF5Writer_V6& file, const QString& groupPath, const S
         error = FileDefinitions::unableToCreateGroupMessage().arg(groupPath);
         return false;
     }
-    QVariantMap valueAttributes = attributes;
-    if (!signal.unit.isEmpty())
-        valueAttributes.insert(FileDefinitions::Unit, signal.unit);
+    const QVariantMap valueAttributes = withUnit(attributes, signal.unit);
     const bool ok =
         write1D(file, group, FileDefinitions::Time, signal.time,
                 {{FileDefinitions::Unit, QStringLiteral("s")}}, error) &&
@@ -175,9 +181,7 @@ bool SignalDataset::writeWithTimeOf(HDF5Writer_V6& file, const QString& groupPat
         error = FileDefinitions::unableToCreateGroupMessage().arg(groupPath);
         return false;
     }
-    QVariantMap valueAttributes = attributes;
-    if (!signal.unit.isEmpty())
-        valueAttributes.insert(FileDefinitions::Unit, signal.unit);
+    const QVariantMap valueAttributes = withUnit(attributes, signal.unit);
     // The library copies the chunks as they are stored, attributes included; the unit is
     // then set as write() sets it, should the source's be missing.
     bool ok = file.copy(file.fileId(), sourceTime, group, FileDefinitions::Time);
