@@ -1,6 +1,8 @@
 #include "datafile/HDF5Manager_V6.h"
 
 #include "datafile/HDF5Handle.h"
+#include "datafile/JournaledFileDriver.h"
+#include "datafile/RollbackJournal.h"
 #include "datafile/SuperblockRepair.h"
 #include "definitions/FileDefinitions.h"
 
@@ -74,23 +76,6 @@ void HDF5Manager_V6::silenceLibraryErrors()
     }
 }
 
-bool HDF5Manager_V6::keepMetadataUntilFlush(hid_t access)
-{
-    H5AC_cache_config_t config;
-    config.version = H5AC__CURR_CACHE_CONFIG_VERSION;
-    if (H5Pget_mdc_config(access, &config) < 0)
-        return false;
-    // By default the cache writes dirty entries out whenever it needs room, in no
-    // particular order and without updating the end of allocation in the superblock;
-    // a kill then leaves links on disk to objects the file does not yet account for.
-    // The library refuses disabled evictions unless every automatic resize is off.
-    config.evictions_enabled = false;
-    config.incr_mode = H5C_incr__off;
-    config.flash_incr_mode = H5C_flash_incr__off;
-    config.decr_mode = H5C_decr__off;
-    return H5Pset_mdc_config(access, &config) >= 0;
-}
-
 bool HDF5Manager_V6::libraryMatchesHeaders(QString* message)
 {
     unsigned major = 0, minor = 0, release = 0;
@@ -114,7 +99,9 @@ hid_t HDF5Manager_V6::open(const QString& path, bool readOnly)
     closeFile();
     m_fileInUse = false;
     QString problem;
-    if (libraryMatchesHeaders(&problem))
+    if (libraryMatchesHeaders(&problem) && !rollBackInterruptedRun(path))
+        return H5I_INVALID_HID;
+    if (problem.isEmpty())
         problem = fileProblem(path, readOnly);
     if (!problem.isEmpty()) {
         setError(problem);
@@ -122,7 +109,7 @@ hid_t HDF5Manager_V6::open(const QString& path, bool readOnly)
     }
     const QByteArray name = QFile::encodeName(path);
     const HDF5Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose);
-    if (!readOnly && !keepMetadataUntilFlush(access.get())) {
+    if (!readOnly && !JournaledFileDriver::use(access.get())) {
         setLibraryError(QStringLiteral("Unable to set up file access for %1").arg(path));
         return H5I_INVALID_HID;
     }
@@ -140,6 +127,24 @@ hid_t HDF5Manager_V6::open(const QString& path, bool readOnly)
     m_file = file;
     m_path = path;
     return file;
+}
+
+bool HDF5Manager_V6::rollBackInterruptedRun(const QString& path)
+{
+    QString message;
+    switch (RollbackJournal::recover(path, message)) {
+    case RollbackJournal::Recovery::None:
+    case RollbackJournal::Recovery::RolledBack:
+        return true;
+    case RollbackJournal::Recovery::InUse:
+        m_fileInUse = true;
+        setError(FileDefinitions::fileInUseMessage().arg(path));
+        return false;
+    case RollbackJournal::Recovery::Failed:
+        setError(message);
+        return false;
+    }
+    return false;
 }
 
 void HDF5Manager_V6::closeFile()

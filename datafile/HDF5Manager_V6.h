@@ -131,10 +131,9 @@ protected:
     /// thread-safe library keeps that setting per thread, so every entry point that
     /// may run on a new thread calls this (it is cheap after the first call).
     static void silenceLibraryErrors();
-    /// Sets up file access so that changed metadata stays in memory until an explicit
-    /// flush or close: the library then never writes half of a change, and a process
-    /// killed between flushes leaves the file as the last flush left it.
-    static bool keepMetadataUntilFlush(hid_t access);
+    /// Rolls path back when a writer of it died (RollbackJournal); false with lastError()
+    /// set when a live writer holds it or the rollback failed.
+    bool rollBackInterruptedRun(const QString& path);
     /// A file, group or dataset identifier that is still open; otherwise sets lastError().
     bool isValidLocation(hid_t location) const;
     bool isValidDataset(hid_t dataset) const;

@@ -3,6 +3,7 @@
 #include "datafile/HDF5AttributeValue.h"
 #include "datafile/HDF5Block.h"
 #include "datafile/HDF5Handle.h"
+#include "datafile/JournaledFileDriver.h"
 #include "definitions/FileDefinitions.h"
 
 #include <QDateTime>
@@ -75,10 +76,12 @@ hid_t HDF5Writer_V6::create(const QString& path)
         setError(QStringLiteral("Not a file but a folder: %1").arg(path));
         return H5I_INVALID_HID;
     }
+    if (!rollBackInterruptedRun(path))
+        return H5I_INVALID_HID;
     // Keep to the object formats of HDF5 1.8 so that older readers open our files.
     const HDF5Handle access(H5Pcreate(H5P_FILE_ACCESS), H5Pclose);
     if (H5Pset_libver_bounds(access.get(), H5F_LIBVER_EARLIEST, H5F_LIBVER_V18) < 0 ||
-        !keepMetadataUntilFlush(access.get())) {
+        !JournaledFileDriver::use(access.get())) {
         setLibraryError(QStringLiteral("Unable to set up file access for %1").arg(path));
         return H5I_INVALID_HID;
     }

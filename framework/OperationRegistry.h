@@ -43,7 +43,7 @@ struct OperationDescriptor
     std::function<std::unique_ptr<AbstractOperationProcess>()> createProcess;
     /// How buttons and dialogs name the operation where the recorded name is not meant to
     /// be read ("AnimalTracking"); empty when it is the name.
-    QString title;
+    QString title = {};
 
     QString shownTitle() const { return title.isEmpty() ? name : title; }
 

@@ -48,34 +48,20 @@ bool RunTransaction::open(const QString& filepath, FileMode mode)
     return true;
 }
 
-bool RunTransaction::trackMissingLevels(const QString& path)
+void RunTransaction::trackMissingLevels(const QString& path)
 {
     const QStringList levels = path.split(QLatin1Char('/'), Qt::SkipEmptyParts);
     QString prefix;
     for (const QString& level : levels) {
         prefix = prefix.isEmpty() ? level : prefix + QLatin1Char('/') + level;
-        // Inside a level this run made, rollback removes it with that level, and writing
-        // it to disk early would only put a half-built group on disk at every flush.
+        // Inside a level this run made, rollback removes it with that level.
         if (std::find(m_created.cbegin(), m_created.cend(), prefix) != m_created.cend())
-            return false;
+            return;
         if (!m_file.exists(m_file.fileId(), prefix)) {
             m_created.push_back(prefix);
-            return true;
+            return;
         }
     }
-    return false;
-}
-
-bool RunTransaction::linkToDisk(hid_t group, bool madeLevels)
-{
-    // The new levels are empty and no other change is pending: writing them now makes
-    // this the only moment the run changes groups that existed before. Until commit the
-    // library keeps every later change in memory, so a kill leaves these empty levels
-    // and everything that was there before as it was.
-    if (group < 0 || !madeLevels || m_file.flush())
-        return true;
-    m_file.closeGroup(group);
-    return false;
 }
 
 hid_t RunTransaction::createGroup(const QString& path, const QString& existsMessage, QString& error)
@@ -84,9 +70,9 @@ hid_t RunTransaction::createGroup(const QString& path, const QString& existsMess
         error = existsMessage.arg(path, m_path);
         return H5I_INVALID_HID;
     }
-    const bool madeLevels = trackMissingLevels(path);
+    trackMissingLevels(path);
     const hid_t group = m_file.createGroupPath(m_file.fileId(), path);
-    if (group < 0 || !linkToDisk(group, madeLevels)) {
+    if (group < 0) {
         error = withReason(FD::unableToCreateGroupMessage().arg(path), m_file.lastError());
         return H5I_INVALID_HID;
     }
@@ -96,8 +82,6 @@ hid_t RunTransaction::createGroup(const QString& path, const QString& existsMess
 void RunTransaction::track(const QString& path)
 {
     m_created.push_back(path);
-    // A failure here shows again, with its reason, when the run commits.
-    m_file.flush();
 }
 
 QString RunTransaction::sensorGroup(const QString& inputPath, QString& error, const QString& sensor)
@@ -107,9 +91,9 @@ QString RunTransaction::sensorGroup(const QString& inputPath, QString& error, co
     QString runGroup = m_runGroups.value(series);
     if (runGroup.isEmpty()) {
         runGroup = OutputLocation::nextRunGroup(m_file, series, m_outputs.outputName);
-        const bool madeLevels = trackMissingLevels(runGroup);
+        trackMissingLevels(runGroup);
         const hid_t group = m_file.createGroupPath(m_file.fileId(), runGroup);
-        bool ok = group >= 0 && linkToDisk(group, madeLevels);
+        bool ok = group >= 0;
         if (m_outputs.recordParameters) {
             for (auto it = m_outputs.parameters.cbegin(); ok && it != m_outputs.parameters.cend(); ++it)
                 ok = m_file.writeAttribute(group, it.key(), it.value());

@@ -36,7 +36,9 @@ struct RunOutputSpec
 /// object it created. commit() flushes and closes the file; rollback() deletes what
 /// the run created (the whole file when the run created it), so that a failed or
 /// cancelled run leaves the file as it was, empty parent groups included. The
-/// destructor rolls back what was not committed. Used by every operation family and
+/// destructor rolls back what was not committed. A process killed mid-run cannot roll
+/// back; the file's RollbackJournal (see JournaledFileDriver) does it at the next open.
+/// Used by every operation family and
 /// by the conversions; lives on the thread of the run.
 class RunTransaction
 {
@@ -87,8 +89,7 @@ public:
     /// Creates the group at path with its missing parents and opens it; refuses a path
     /// that exists (`existsMessage` with %1 the path, %2 the file). The caller closes it.
     hid_t createGroup(const QString& path, const QString& existsMessage, QString& error);
-    /// Remembers an object created inside a group that existed before, for rollback,
-    /// and writes it to disk while it is still empty (see linkToDisk()).
+    /// Remembers an object created inside a group that existed before, for rollback.
     void track(const QString& path);
 
     /// Closes the file and keeps what was written; with `markEdited` the root also gets
@@ -99,12 +100,9 @@ public:
     void rollback();
 
 private:
-    /// Records the highest level of path that does not exist yet; false when all exist or
-    /// when path lies inside a level the run made.
-    bool trackMissingLevels(const QString& path);
-    /// Writes the file to disk right after new levels were linked into existing groups;
-    /// on failure closes `group` and returns false.
-    bool linkToDisk(hid_t group, bool madeLevels);
+    /// Records the highest level of path that does not exist yet, unless path lies inside
+    /// a level the run made.
+    void trackMissingLevels(const QString& path);
     void release();
 
     HDF5Writer_V6 m_file;

@@ -43,7 +43,7 @@ TEST(ConvertedData, OpensInTheImageAndSignalViewers)
     ASSERT_TRUE(stackResult.ok()) << stackResult.error.toStdString();
     SpreadsheetConversionConfig table;
     table.sourcePath = csv.fileName();
-    table.destination = {file, QStringLiteral("Rig")};
+    table.destination = {file, QStringLiteral("Rig"), QString()};
     const ConversionResult tableResult = SpreadsheetConverter::convert(table);
     ASSERT_TRUE(tableResult.ok()) << tableResult.error.toStdString();
 
