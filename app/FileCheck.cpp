@@ -3,9 +3,13 @@
 #include "definitions/DatasetDefinitions.h"
 
 #include <QCoreApplication>
+#include <QCursor>
 #include <QDir>
+#include <QEventLoop>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QProcess>
+#include <QTimer>
 
 namespace zarvi {
 
@@ -21,7 +25,10 @@ FileClassification damaged(const QString& path, const QString& detail)
 
 } // namespace
 
-FileCheck::FileCheck(QString program) : m_program(std::move(program)) {}
+FileCheck::FileCheck(QString program, int timeoutMilliseconds)
+    : m_program(std::move(program)), m_timeoutMilliseconds(timeoutMilliseconds)
+{
+}
 
 QString FileCheck::programBesideApplication()
 {
@@ -43,7 +50,22 @@ FileClassification FileCheck::classify(const QString& path) const
     child.start(m_program, {QStringLiteral("check"), path}, QIODevice::ReadOnly);
     if (!child.waitForStarted())
         return FileClassifier::classify(path);
-    if (!child.waitForFinished(TimeoutMilliseconds)) {
+    // Waiting in a local event loop rather than blocking keeps the windows painted while a
+    // damaged file makes the check hang; user input waits, so nothing else starts meanwhile.
+    const bool withCursor = qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+    if (withCursor)
+        QGuiApplication::setOverrideCursor(QCursor(Qt::WaitCursor));
+    QEventLoop loop;
+    QTimer limit;
+    limit.setSingleShot(true);
+    QObject::connect(&child, &QProcess::finished, &loop, &QEventLoop::quit);
+    QObject::connect(&limit, &QTimer::timeout, &loop, &QEventLoop::quit);
+    limit.start(m_timeoutMilliseconds);
+    if (child.state() != QProcess::NotRunning)
+        loop.exec(QEventLoop::ExcludeUserInputEvents);
+    if (withCursor)
+        QGuiApplication::restoreOverrideCursor();
+    if (child.state() != QProcess::NotRunning) {
         child.kill();
         child.waitForFinished();
         return damaged(path, QStringLiteral("the file check did not finish"));

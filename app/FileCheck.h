@@ -10,7 +10,8 @@ namespace zarvi {
 /// reads it itself: a damaged file can crash or hang the HDF5 library, and in a child that
 /// costs the child, not every open tab. A child that crashes or runs past the time limit
 /// gives an unrecognized file with the damage message. Without the check program the
-/// file is classified in this process. GUI thread (it waits for the child).
+/// file is classified in this process. GUI thread: it waits for the child in a local
+/// event loop that keeps the windows painted and holds back user input.
 class FileCheck
 {
 public:
@@ -18,7 +19,8 @@ public:
     static constexpr int TimeoutMilliseconds = 30000;
 
     /// `program` is the check program; empty classifies in this process.
-    explicit FileCheck(QString program = programBesideApplication());
+    explicit FileCheck(QString program = programBesideApplication(),
+                       int timeoutMilliseconds = TimeoutMilliseconds);
 
     /// zarvi-cli in the application's folder, or in ../cli as the build tree lays them
     /// out; empty when neither exists.
@@ -28,6 +30,7 @@ public:
 
 private:
     QString m_program;
+    int m_timeoutMilliseconds;
 };
 
 } // namespace zarvi

@@ -16,6 +16,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QTabWidget>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -245,4 +246,30 @@ TEST(FileOpening, FilesAreCheckedInAChildProcessThatMayCrash)
     EXPECT_EQ(w.messages, QStringList{result.message});
     ASSERT_EQ(w.tabs()->count(), 1);
     EXPECT_EQ(w.tabs()->tabText(0), QStringLiteral("Data (raw.orvel)"));
+}
+
+TEST(FileOpening, AHangingCheckIsStoppedWithoutFreezingTheWindow)
+{
+    TempDir dir;
+    // A check program that never answers, as the library does on some damaged files.
+    const QString program = dir.file("hanging-check");
+    QFile script(program);
+    ASSERT_TRUE(script.open(QFile::WriteOnly));
+    script.write("#!/bin/sh\nexec sleep 30\n");
+    script.close();
+    script.setPermissions(script.permissions() | QFile::ExeOwner);
+    const QString file = dir.file("raw.orvel");
+    ASSERT_TRUE(writeFileWithRootGroups(file, {"DataAcquisition"}));
+
+    // Timers (and with them painting) keep running while the check is waited for.
+    int ticks = 0;
+    QTimer tick;
+    QObject::connect(&tick, &QTimer::timeout, [&ticks] { ++ticks; });
+    tick.start(20);
+    const FileClassification result = FileCheck(program, 600).classify(file);
+    EXPECT_GT(ticks, 0);
+    EXPECT_EQ(result.kind, FileKind::Unrecognized);
+    EXPECT_EQ(result.message,
+              QStringLiteral("The file <b>raw.orvel</b> could not be read; it may be damaged."));
+    EXPECT_EQ(result.detail, QStringLiteral("the file check did not finish"));
 }
