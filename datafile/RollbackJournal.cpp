@@ -169,25 +169,39 @@ bool RollbackJournal::begin(const QString& dataPath, std::uint64_t originalSize,
 {
     m_path = journalPath(dataPath);
     m_originalSize = created ? 0 : originalSize;
-    // Made whole and locked under a name of its own, then linked in under the journal's
-    // name (which fails when one is there): another open never sees a journal that is
-    // unlocked or without its header.
-    const QByteArray name = QFile::encodeName(m_path);
-    const QByteArray staging = name + "." + QByteArray::number(::getpid());
-    m_fd = ::open(staging.constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (m_fd < 0)
-        return false;
     unsigned char header[HeaderSize];
     std::memcpy(header, Magic.data(), Magic.size());
     putWord(header + 8, m_originalSize);
     putWord(header + 16, created ? CreatedFlag : 0);
-    const bool ok = ::flock(m_fd, LOCK_EX | LOCK_NB) == 0 && writeAll(m_fd, header, sizeof header) &&
-                    ::link(staging.constData(), name.constData()) == 0;
-    ::unlink(staging.constData());
-    if (ok)
-        return true;
-    ::close(m_fd);
-    m_fd = -1;
+    // Made whole and locked before it gets its name (which fails when a journal is there):
+    // another open never sees a journal that is unlocked or without its header. An unnamed
+    // file leaves nothing behind when the kill comes first; where the file system (or a
+    // missing /proc) does not allow one, a name of its own stands in.
+    const QByteArray name = QFile::encodeName(m_path);
+    const QByteArray folder = QFile::encodeName(QFileInfo(m_path).absolutePath());
+    for (const bool unnamed : {true, false}) {
+        const QByteArray staging = name + "." + QByteArray::number(::getpid());
+        m_fd = unnamed ? ::open(folder.constData(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0644)
+                       : ::open(staging.constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+        if (m_fd < 0)
+            continue;
+        bool ok = ::flock(m_fd, LOCK_EX | LOCK_NB) == 0 && writeAll(m_fd, header, sizeof header);
+        if (unnamed) {
+            const QByteArray self = "/proc/self/fd/" + QByteArray::number(m_fd);
+            ok = ok &&
+                 ::linkat(AT_FDCWD, self.constData(), AT_FDCWD, name.constData(), AT_SYMLINK_FOLLOW) == 0;
+        } else {
+            ok = ok && ::link(staging.constData(), name.constData()) == 0;
+            ::unlink(staging.constData());
+        }
+        if (ok)
+            return true;
+        const bool taken = errno == EEXIST;
+        ::close(m_fd);
+        m_fd = -1;
+        if (taken)
+            return false;
+    }
     return false;
 }
 

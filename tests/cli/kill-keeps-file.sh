@@ -61,7 +61,8 @@ for trial in $(seq 1 "$trials"); do
   # The first open after the kill rolls an unfinished run back.
   "$cli" info trial.orvel > info.txt 2>&1 ||
     { cp trial.orvel "damaged-$trial.orvel"; fail "$what: the file does not open: $(head -c 400 info.txt)"; }
-  [ ! -e trial.orvel.rollback ] || fail "$what: the rollback journal is still there after an open"
+  leftovers=$(ls trial.orvel.* 2> /dev/null)
+  [ -z "$leftovers" ] || fail "$what: files left next to the data file after an open: $leftovers"
   if cmp -s trial.orvel base.orvel; then
     restored=$((restored + 1))
     continue
