@@ -213,7 +213,6 @@ bool RollbackJournal::appendRecord(int dataFd, std::uint64_t address, std::uint6
     if (!readAt(dataFd, record.data() + 16, length, address))
         return false;
     putWord(record.data() + 16 + length, checksum(record.data(), 16 + length));
-    m_hasRecords = true;
     return writeAll(m_fd, record.data(), record.size());
 }
 
@@ -263,17 +262,16 @@ bool RollbackJournal::save(int dataFd, std::uint64_t address, std::uint64_t leng
     return true;
 }
 
-bool RollbackJournal::finish(int dataFd)
+void RollbackJournal::finish()
 {
     if (m_fd < 0)
-        return true;
-    // Once the journal is gone the file's new bytes must be on disk to stand alone.
-    const bool ok = !m_hasRecords || ::fdatasync(dataFd) == 0;
-    if (ok)
-        ::unlink(QFile::encodeName(m_path).constData());
+        return;
+    // The file's new bytes are left to the system's write-back rather than synced here:
+    // a sync would cost every run a full write of its output to the disk. The journal
+    // covers a killed program; a power cut in the seconds after a run is left to repair.
+    ::unlink(QFile::encodeName(m_path).constData());
     ::close(m_fd);
     m_fd = -1;
-    return ok;
 }
 
 RollbackJournal::Recovery RollbackJournal::recover(const QString& dataPath, QString& message)

@@ -46,8 +46,8 @@ public:
     /// Saves the original bytes of [address, address + length) that lie below the original
     /// size and were not saved yet, reading them from `dataFd`. Call before overwriting.
     bool save(int dataFd, std::uint64_t address, std::uint64_t length);
-    /// Ends the session cleanly: the file's writes reach the disk, then the journal goes.
-    bool finish(int dataFd);
+    /// Ends the session cleanly: the journal goes.
+    void finish();
 
     /// Rolls back `dataPath` when a journal of a dead session is next to it.
     static Recovery recover(const QString& dataPath, QString& message);
@@ -59,7 +59,6 @@ private:
     int m_fd = -1;
     std::uint64_t m_originalSize = 0;
     bool m_synced = false;
-    bool m_hasRecords = false;
     /// Saved ranges, start -> end, disjoint.
     std::map<std::uint64_t, std::uint64_t> m_saved;
 };
