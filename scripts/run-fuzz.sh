@@ -36,9 +36,14 @@ for target in "${targets[@]}"; do
   log="$build/logs/$target.log"
   mkdir -p "$corpus" "$findings" "$(dirname "$log")"
   before=$(find "$findings" -type f | wc -l)
+  # The datafile target forks a child per input, and a fork copies the page tables of all
+  # the memory the sanitizer holds back from reuse to catch use after free: a smaller
+  # quarantine (the default is 256 MB) makes the target run nearly twice as fast.
+  sanitizer=$ASAN_OPTIONS
+  [ "$target" != datafile ] || sanitizer="$sanitizer:quarantine_size_mb=32"
   # Fork mode goes on past a finding, so each target gets its whole time; the inputs
   # found are saved all the same.
-  "$build/tests/fuzz/fuzz_$target" "$corpus" "$seeds/$target" \
+  ASAN_OPTIONS=$sanitizer "$build/tests/fuzz/fuzz_$target" "$corpus" "$seeds/$target" \
     -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
     -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
     -artifact_prefix="$findings/" >"$log" 2>&1 || true
