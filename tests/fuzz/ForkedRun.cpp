@@ -92,7 +92,14 @@ bool ForkedRun::faultIsInLibrary(std::string_view report)
                 return true;
         return false;
     };
+    const auto inLibrary = [](std::string_view frame) {
+        return frame.find("libhdf5") != std::string_view::npos;
+    };
+    // A stack runs out wherever the deepest call happens to be: the overflow is the
+    // library's only when no frame of ours recurses in the part of the stack shown.
+    const bool wholeStack = report.find("stack-overflow") != std::string_view::npos;
     bool inStack = false;
+    bool blamed = false;
     while (!report.empty()) {
         const std::size_t end = report.find('\n');
         const std::string_view line = report.substr(0, end);
@@ -100,12 +107,17 @@ bool ForkedRun::faultIsInLibrary(std::string_view report)
         const std::size_t first = line.find_first_not_of(' ');
         const bool frame = first != std::string_view::npos && line[first] == '#';
         if (!frame && inStack)
-            return false;
+            break;
         inStack = frame;
-        if (frame && !passesCallOn(line))
-            return line.find("libhdf5") != std::string_view::npos;
+        if (!frame || passesCallOn(line))
+            continue;
+        if (!inLibrary(line))
+            return false;
+        blamed = true;
+        if (!wholeStack)
+            break;
     }
-    return false;
+    return blamed;
 }
 
 ForkedRunResult ForkedRun::run(const std::function<QByteArray()>& work, int timeoutMilliseconds)

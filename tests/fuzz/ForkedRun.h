@@ -39,7 +39,8 @@ public:
     static ForkedRunResult run(const std::function<QByteArray()>& work, int timeoutMilliseconds);
 
     /// True when the first stack of a sanitizer's report, past the sanitizer's interceptors
-    /// and the C library, which only pass a call on, starts in the HDF5 library.
+    /// and the C library, which only pass a call on, starts in the HDF5 library; for a stack
+    /// overflow, when every frame of it shown lies there.
     static bool faultIsInLibrary(std::string_view report);
 };
 

@@ -40,7 +40,8 @@ TEST(ForkedRun, ReportsHowTheChildEnded)
 }
 
 // Report stacks as AddressSanitizer prints them: the first frame that is neither an
-// interceptor nor the C library decides, and only the fault's own stack counts.
+// interceptor nor the C library decides, and only the fault's own stack counts; a stack
+// overflow is the library's only when no frame of ours shows.
 TEST(ForkedRun, BlamesTheLibraryOnlyForFaultsThatStartInIt)
 {
     const char* throughInterceptor =
@@ -68,6 +69,17 @@ TEST(ForkedRun, BlamesTheLibraryOnlyForFaultsThatStartInIt)
                        "    #0 0x7f in H5MM_malloc (/lib/x86_64-linux-gnu/libhdf5_serial.so.103+0x1000)\n";
     EXPECT_FALSE(ForkedRun::faultIsInLibrary(ours));
     EXPECT_FALSE(ForkedRun::faultIsInLibrary("==1==ERROR: AddressSanitizer: SEGV on unknown address\n"));
+
+    const char* libraryRecursion = "==1==ERROR: AddressSanitizer: stack-overflow on address 0x7ff\n"
+                                   "    #0 0x7f in H5G__obj_iterate (/lib/libhdf5_serial.so.103+0x100)\n"
+                                   "    #1 0x7f in H5G_iterate (/lib/libhdf5_serial.so.103+0x200)\n";
+    EXPECT_TRUE(ForkedRun::faultIsInLibrary(libraryRecursion));
+    const char* ourRecursion = "==1==ERROR: AddressSanitizer: stack-overflow on address 0x7ff\n"
+                               "    #0 0x7f in H5G__obj_iterate (/lib/libhdf5_serial.so.103+0x100)\n"
+                               "    #1 0x7f in H5Literate2 (/lib/libhdf5_serial.so.103+0x300)\n"
+                               "    #2 0x55 in zarvi::walk(long) /src/datafile/DataFileTree.cpp:10:5\n"
+                               "    #3 0x55 in zarvi::walk(long) /src/datafile/DataFileTree.cpp:21:13\n";
+    EXPECT_FALSE(ForkedRun::faultIsInLibrary(ourRecursion));
 }
 
 // The data files that crash or hang the HDF5 library itself go through the datafile entry
