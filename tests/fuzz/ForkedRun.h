@@ -38,10 +38,10 @@ class ForkedRun
 public:
     static ForkedRunResult run(const std::function<QByteArray()>& work, int timeoutMilliseconds);
 
-    /// True when the first stack of a sanitizer's report, past the sanitizer's interceptors
-    /// and the C library, which only pass a call on, starts in the HDF5 library; for a stack
-    /// overflow, when every frame of it shown lies there.
-    static bool faultIsInLibrary(std::string_view report);
+    /// True when the first stack of a sanitizer's report, past the sanitizer's runtime in
+    /// `program` (the running program's path) and the C library, which only pass a call on,
+    /// starts in the HDF5 library; for a stack overflow, when every frame of it shown lies there.
+    static bool faultIsInLibrary(std::string_view report, std::string_view program);
 };
 
 } // namespace zarvi::fuzz

@@ -44,12 +44,13 @@ TEST(ForkedRun, ReportsHowTheChildEnded)
 // overflow is the library's only when no frame of ours shows.
 TEST(ForkedRun, BlamesTheLibraryOnlyForFaultsThatStartInIt)
 {
+    const char* program = "/build/fuzz_datafile";
     const char* throughInterceptor =
         "==1==ERROR: AddressSanitizer: memcpy-param-overlap: memory ranges overlap\n"
         "    #0 0x55 in __interceptor_memcpy (/build/fuzz_datafile+0x188895)\n"
         "    #1 0x7f in H5HG_read (/lib/x86_64-linux-gnu/libhdf5_serial.so.103+0x167b8d)\n"
         "    #2 0x55 in zarvi::readStrings(long) /src/datafile/HDF5AttributeValue.cpp:68:40\n";
-    EXPECT_TRUE(ForkedRun::faultIsInLibrary(throughInterceptor));
+    EXPECT_TRUE(ForkedRun::faultIsInLibrary(throughInterceptor, program));
 
     const char* insideCLibrary =
         "==1==ERROR: AddressSanitizer: SEGV on unknown address\n"
@@ -57,7 +58,14 @@ TEST(ForkedRun, BlamesTheLibraryOnlyForFaultsThatStartInIt)
         "string/../sysdeps/x86_64/multiarch/memmove-vec-unaligned-erms.S:362\n"
         "    #1 0x55 in __interceptor_memcpy (/build/fuzz_datafile+0x188895)\n"
         "    #2 0x7f in H5T__conv_vlen (/lib/x86_64-linux-gnu/libhdf5_serial.so.103+0x24d924)\n";
-    EXPECT_TRUE(ForkedRun::faultIsInLibrary(insideCLibrary));
+    EXPECT_TRUE(ForkedRun::faultIsInLibrary(insideCLibrary, program));
+
+    const char* runtimeFrames =
+        "==1==ERROR: AddressSanitizer: heap-buffer-overflow on address 0x60\n"
+        "    #0 0x55 in __sanitizer::internal_strlen(char const*) (/build/fuzz_datafile+0x21af99)\n"
+        "    #1 0x55 in strdup (/build/fuzz_datafile+0x1dc095)\n"
+        "    #2 0x7f in H5MM_xstrdup (/lib/x86_64-linux-gnu/libhdf5_serial.so.103+0x1842ad)\n";
+    EXPECT_TRUE(ForkedRun::faultIsInLibrary(runtimeFrames, program));
 
     const char* ours = "==1==ERROR: AddressSanitizer: heap-buffer-overflow on address 0x60\n"
                        "    #0 0x55 in __asan_memcpy (/build/fuzz_datafile+0x1a0000)\n"
@@ -67,19 +75,20 @@ TEST(ForkedRun, BlamesTheLibraryOnlyForFaultsThatStartInIt)
                        "0x60 is located 0 bytes to the right of 16-byte region\n"
                        "allocated by thread T0 here:\n"
                        "    #0 0x7f in H5MM_malloc (/lib/x86_64-linux-gnu/libhdf5_serial.so.103+0x1000)\n";
-    EXPECT_FALSE(ForkedRun::faultIsInLibrary(ours));
-    EXPECT_FALSE(ForkedRun::faultIsInLibrary("==1==ERROR: AddressSanitizer: SEGV on unknown address\n"));
+    EXPECT_FALSE(ForkedRun::faultIsInLibrary(ours, program));
+    EXPECT_FALSE(
+        ForkedRun::faultIsInLibrary("==1==ERROR: AddressSanitizer: SEGV on unknown address\n", program));
 
     const char* libraryRecursion = "==1==ERROR: AddressSanitizer: stack-overflow on address 0x7ff\n"
                                    "    #0 0x7f in H5G__obj_iterate (/lib/libhdf5_serial.so.103+0x100)\n"
                                    "    #1 0x7f in H5G_iterate (/lib/libhdf5_serial.so.103+0x200)\n";
-    EXPECT_TRUE(ForkedRun::faultIsInLibrary(libraryRecursion));
+    EXPECT_TRUE(ForkedRun::faultIsInLibrary(libraryRecursion, program));
     const char* ourRecursion = "==1==ERROR: AddressSanitizer: stack-overflow on address 0x7ff\n"
                                "    #0 0x7f in H5G__obj_iterate (/lib/libhdf5_serial.so.103+0x100)\n"
                                "    #1 0x7f in H5Literate2 (/lib/libhdf5_serial.so.103+0x300)\n"
                                "    #2 0x55 in zarvi::walk(long) /src/datafile/DataFileTree.cpp:10:5\n"
                                "    #3 0x55 in zarvi::walk(long) /src/datafile/DataFileTree.cpp:21:13\n";
-    EXPECT_FALSE(ForkedRun::faultIsInLibrary(ourRecursion));
+    EXPECT_FALSE(ForkedRun::faultIsInLibrary(ourRecursion, program));
 }
 
 // The data files that crash or hang the HDF5 library itself go through the datafile entry
