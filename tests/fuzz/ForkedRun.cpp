@@ -92,12 +92,13 @@ bool readUntilEnd(int pipeIn, std::chrono::steady_clock::time_point deadline, QB
 
 bool ForkedRun::faultIsInLibrary(std::string_view report, std::string_view program)
 {
-    // The sanitizer's runtime is linked into the program without line tables, so its frames
-    // (interceptors such as strdup among them) show the program's path; ours show a source.
+    // Clang links the sanitizer's runtime into the program without line tables, so its frames
+    // (interceptors such as strdup among them) show the program's path where ours show a
+    // source file; GCC's runtime is a library of its own, libasan.
     const std::string inRuntime = "(" + std::string(program) + "+0x";
     const auto passesCallOn = [&inRuntime](std::string_view frame) {
-        const std::string_view passing[] = {inRuntime,     "__interceptor_", "__asan",
-                                            "__sanitizer", "libc.so",        "/sysdeps/"};
+        const std::string_view passing[] = {inRuntime,    "__interceptor_", "__asan",   "__sanitizer",
+                                            "libasan.so", "libc.so",        "/sysdeps/"};
         for (const std::string_view part : passing)
             if (frame.find(part) != std::string_view::npos)
                 return true;
