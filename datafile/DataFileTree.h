@@ -25,8 +25,9 @@ struct DataFileNode
 };
 
 /// Walks an open file depth-first, groups before their members, members in name
-/// order. Used by the command-line inspector and the file browser; runs on the
-/// thread that holds the file.
+/// order; each group is walked once, so a group reached again through another hard link
+/// (or from inside itself) is listed without its members. Used by the command-line
+/// inspector and the file browser; runs on the thread that holds the file.
 class DataFileTree
 {
 public:

@@ -1,5 +1,7 @@
 #include "datafile/ZipArchiveReader.h"
 
+#include "datafile/MemoryBudget.h"
+
 #include <QtEndian>
 
 #include <zlib.h>
@@ -24,6 +26,9 @@ constexpr std::uint16_t Utf8NameFlag = 0x0800;
 /// A ROI file holds a few kilobytes and a workbook sheet of a million rows some hundred
 /// megabytes; a larger entry is not inflated, to keep a damaged size from taking the memory.
 constexpr std::uint32_t LargestEntry = 1024u << 20;
+/// Deflate codes a run of 258 repeated bytes in 2 bits at best, so no stream unpacks to more
+/// than 1032 times its own size.
+constexpr std::uint64_t LargestDeflateRatio = 1032;
 
 /// Little-endian fields at an offset the caller has checked to lie inside `bytes`.
 std::uint16_t u16(const QByteArray& bytes, qsizetype at)
@@ -54,7 +59,8 @@ qsizetype findEndOfDirectory(const QByteArray& bytes)
 
 bool inflateRaw(const QByteArray& packed, std::uint32_t size, QByteArray& data)
 {
-    data.resize(static_cast<qsizetype>(size));
+    // Exactly the size: resize() would reserve room to grow, up to twice the entry.
+    data = QByteArray(static_cast<qsizetype>(size), Qt::Uninitialized);
     z_stream stream{};
     // Negative window bits: a raw deflate stream, as ZIP stores it, without zlib's header.
     if (inflateInit2(&stream, -MAX_WBITS) != Z_OK)
@@ -92,6 +98,20 @@ bool readEntry(const QByteArray& bytes, qsizetype at, ZipArchiveReader::Entry& e
     }
     if (size > LargestEntry) {
         error = QStringLiteral("The archive entry %1 holds %2 bytes, too many to read.").arg(name).arg(size);
+        return false;
+    }
+    if (method == Deflated && size > LargestDeflateRatio * packedSize) {
+        error =
+            QStringLiteral("The archive entry %1 claims %2 bytes, more than its %3 packed bytes can hold.")
+                .arg(name)
+                .arg(size)
+                .arg(packedSize);
+        return false;
+    }
+    const QString memory =
+        MemoryBudget::problem(QStringLiteral("The archive entry %1").arg(entry.name.toHtmlEscaped()), size);
+    if (!memory.isEmpty()) {
+        error = memory;
         return false;
     }
     if (!fits(bytes, localHeader, LocalHeaderSize) || u32(bytes, localHeader) != LocalHeaderSignature) {

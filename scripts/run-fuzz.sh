@@ -36,9 +36,18 @@ for target in "${targets[@]}"; do
   log="$build/logs/$target.log"
   mkdir -p "$corpus" "$findings" "$(dirname "$log")"
   before=$(find "$findings" -type f | wc -l)
+  # The datafile target forks a child per input, and a fork copies the page tables of all
+  # the memory the sanitizer holds back from reuse to catch use after free: a smaller
+  # quarantine (the default is 256 MB) makes the target run nearly twice as fast. Its child
+  # reads through HDF5, which allocates whatever size a damaged file declares; libFuzzer
+  # would end the child on an allocation of -rss_limit_mb or more as if it were a finding,
+  # so the sanitizer refuses those first (malloc returns null, as the library expects of a
+  # failed allocation, and new still reports them).
+  sanitizer=$ASAN_OPTIONS
+  [ "$target" != datafile ] || sanitizer="$sanitizer:quarantine_size_mb=32:max_allocation_size_mb=2047"
   # Fork mode goes on past a finding, so each target gets its whole time; the inputs
   # found are saved all the same.
-  "$build/tests/fuzz/fuzz_$target" "$corpus" "$seeds/$target" \
+  ASAN_OPTIONS=$sanitizer "$build/tests/fuzz/fuzz_$target" "$corpus" "$seeds/$target" \
     -fork=1 -ignore_crashes=1 -ignore_timeouts=1 -ignore_ooms=1 \
     -max_total_time="$seconds" -timeout=20 -rss_limit_mb=2048 -max_len=65536 \
     -artifact_prefix="$findings/" >"$log" 2>&1 || true

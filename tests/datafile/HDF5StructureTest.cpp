@@ -1,5 +1,6 @@
 #include "DataFileTestSupport.h"
 #include "common/TempDir.h"
+#include "datafile/DataFileTree.h"
 #include "datafile/HDF5Reader_V6.h"
 #include "datafile/HDF5Writer_V6.h"
 
@@ -194,5 +195,33 @@ TEST(HDF5Structure, GroupsLinksAndTheirOrder)
     other.closeFile();
 
     EXPECT_TRUE(writer.flush());
+    EXPECT_EQ(openIdentifierCount(), identifiersBefore);
+}
+
+// Hard links can make a group its own member or reach one group from two places; a valid
+// file all the same. The tree walks each group once: 2 groups, 1 dataset and 2 links back
+// to A make 5 nodes, the links back without members.
+TEST(HDF5Structure, TreeWalksEachGroupOnceThroughHardLinks)
+{
+    TempDir dir;
+    HDF5Writer_V6 writer;
+    const hid_t file = writer.create(dir.file(QStringLiteral("links.orvel")));
+    ASSERT_GE(file, 0);
+    const hid_t a = writer.createGroup(file, QStringLiteral("A"));
+    const hid_t b = writer.createGroup(file, QStringLiteral("B"));
+    writer.closeDataset(writer.create1D(a, ElementKind::Float64, QStringLiteral("x"), 3));
+    ASSERT_GE(H5Lcreate_hard(a, ".", a, "loop", H5P_DEFAULT, H5P_DEFAULT), 0);
+    ASSERT_GE(H5Lcreate_hard(a, ".", b, "shared", H5P_DEFAULT, H5P_DEFAULT), 0);
+    writer.closeGroup(a);
+    writer.closeGroup(b);
+    const long long identifiersBefore = openIdentifierCount();
+
+    const std::vector<DataFileNode> nodes = DataFileTree::collect(writer);
+    QStringList paths;
+    for (const DataFileNode& node : nodes)
+        paths << node.path;
+    EXPECT_EQ(paths, (QStringList{"A", "A/loop", "A/x", "B", "B/shared"}));
+    EXPECT_EQ(nodes[1].kind, ObjectKind::Group);
+    EXPECT_EQ(nodes[1].depth, 1);
     EXPECT_EQ(openIdentifierCount(), identifiersBefore);
 }

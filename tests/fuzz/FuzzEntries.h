@@ -17,7 +17,10 @@ struct FuzzEntry
 
 /// Every entry: "tiff", "csv", "xlsx", "video" and "datafile". Each writes the input to
 /// a file and reads it the way the program reads such a file, so that a reader's fault
-/// shows up under the sanitizers; what the reader reports is not checked.
+/// shows up under the sanitizers; what the reader reports is not checked, but for the
+/// refusal message of a data file. "datafile" reads through the HDF5 library in a forked
+/// child first, as the application checks a file in a child process (see
+/// library-faults/README.md).
 std::span<const FuzzEntry> fuzzEntries();
 
 /// The entry of that name, or null.
