@@ -36,7 +36,7 @@ test-sanitize: setup
 	cmake -S . -B $(SANITIZE_DIR) -G Ninja -DCMAKE_BUILD_TYPE=Debug -DZARVI_SANITIZE=ON -DZARVI_BUILD_BENCH=OFF
 	cmake --build $(SANITIZE_DIR) -j $(JOBS)
 	LSAN_OPTIONS=suppressions=$(CURDIR)/tests/lsan-suppressions.txt:print_suppressions=0 \
-	  ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS) -LE kill
+	  ctest --test-dir $(SANITIZE_DIR) --output-on-failure -j $(JOBS)
 
 # Each fuzz target for FUZZ_SECONDS; clang and libFuzzer are installed on first use.
 fuzz:
