@@ -4,6 +4,7 @@
 #include "datafile/HDF5Writer_V6.h"
 
 #include <QFile>
+#include <QSet>
 
 namespace zarvi {
 
@@ -20,9 +21,18 @@ QString joined(const QString& prefix, const QString& name)
     return prefix.isEmpty() ? name : prefix + QLatin1Char('/') + name;
 }
 
+/// Where a group lies in the source file, the same through every hard link to it.
+haddr_t placeOf(hid_t group)
+{
+    H5O_info_t info;
+    return H5Oget_info2(group, &info, H5O_INFO_BASIC) < 0 ? HADDR_UNDEF : info.addr;
+}
+
 /// Copies the members of `source` into `target`; false only when the copy itself
-/// cannot be written. What cannot be read goes into `leftOut`.
-bool copyMembers(HDF5Writer_V6& copy, hid_t source, hid_t target, const QString& prefix, QStringList& leftOut)
+/// cannot be written. What cannot be read goes into `leftOut`. `entered` holds the groups
+/// gone into member by member: a hard link back to one of them (a cycle) is left out.
+bool copyMembers(HDF5Writer_V6& copy, hid_t source, hid_t target, const QString& prefix, QStringList& leftOut,
+                 QSet<haddr_t>& entered)
 {
     QStringList names;
     hsize_t index = 0;
@@ -40,7 +50,8 @@ bool copyMembers(HDF5Writer_V6& copy, hid_t source, hid_t target, const QString&
         const QString path = joined(prefix, name);
         const HDF5Handle group(H5Gopen2(source, bytes.constData(), H5P_DEFAULT), H5Gclose);
         const HDF5Handle creation(group.valid() ? H5Gget_create_plist(group.get()) : -1, H5Pclose);
-        if (!creation.valid()) {
+        const haddr_t place = group.valid() ? placeOf(group.get()) : HADDR_UNDEF;
+        if (!creation.valid() || place == HADDR_UNDEF || entered.contains(place)) {
             leftOut << path;
             continue;
         }
@@ -50,7 +61,8 @@ bool copyMembers(HDF5Writer_V6& copy, hid_t source, hid_t target, const QString&
             return false;
         if (!copy.copyAttributes(group.get(), made.get()))
             leftOut << path + QStringLiteral(" (attributes)");
-        if (!copyMembers(copy, group.get(), made.get(), path, leftOut))
+        entered.insert(place);
+        if (!copyMembers(copy, group.get(), made.get(), path, leftOut, entered))
             return false;
     }
     return true;
@@ -78,7 +90,8 @@ bool ReadableCopy::write(const QString& sourcePath, const QString& copyPath, QSt
         error = QStringLiteral("The attributes of the file's root group cannot be read.");
         return false;
     }
-    if (!copyMembers(copy, sourceRoot.get(), copy.fileId(), QString(), leftOut) || !copy.flush()) {
+    QSet<haddr_t> entered{placeOf(sourceRoot.get())};
+    if (!copyMembers(copy, sourceRoot.get(), copy.fileId(), QString(), leftOut, entered) || !copy.flush()) {
         error = QStringLiteral("Unable to write the copy <b>%1</b>.").arg(copyPath);
         return false;
     }
