@@ -43,6 +43,10 @@ QString fileProblem(const QString& path, bool readOnly)
         return QStringLiteral("Not a file but a folder: %1").arg(path);
     if (!info.isReadable() || (!readOnly && !info.isWritable()))
         return QStringLiteral("No permission to %1 file: %2").arg(readOnly ? "read" : "write", path);
+    if (!readOnly && !QFileInfo(info.absolutePath()).isWritable())
+        return QStringLiteral("No permission to write in the folder of %1 (a file being written keeps its "
+                              "rollback journal next to it)")
+            .arg(path);
     if (info.size() == 0)
         return QStringLiteral("File is empty: %1").arg(path);
 #if H5_VERSION_GE(1, 12, 0)

@@ -88,7 +88,7 @@ H5FD_t* openFile(const char* name, unsigned flags, hid_t, haddr_t maxaddr)
         if (!file->journal.begin(QFile::decodeName(name), static_cast<std::uint64_t>(before.st_size),
                                  created)) {
             pushError(__func__, H5E_FILE, H5E_CANTOPENFILE,
-                      "unable to start the rollback journal (another program may be writing the file)");
+                      "unable to create the rollback journal next to the file");
             return nullptr;
         }
     }
