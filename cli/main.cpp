@@ -1,21 +1,8 @@
-#include "analysis/AnalysisOperations.h"
-#include "behavior/BehaviorOperations.h"
 #include "cli/CheckCommand.h"
-#include "cli/CompactCommand.h"
-#include "cli/ConvertCommand.h"
-#include "cli/DemoCommand.h"
-#include "cli/ExportCommand.h"
-#include "cli/HelpCommand.h"
 #include "cli/InfoCommand.h"
-#include "cli/PipelineCommand.h"
-#include "cli/RenameCommand.h"
 #include "cli/RepairCommand.h"
-#include "cli/RoisCommand.h"
-#include "cli/RunCommand.h"
+#include "datafile/OwnLibrary.h"
 #include "definitions/ZarviMainDefinitions.h"
-#include "framework/OperationRegistry.h"
-#include "image/ImageOperations.h"
-#include "signal/SignalOperations.h"
 
 #include <QCoreApplication>
 #include <QTextStream>
@@ -66,11 +53,6 @@ int main(int argc, char* argv[])
     QCoreApplication::setApplicationName(zarvi::ZarviMainDefinitions::ApplicationName);
     QCoreApplication::setApplicationVersion(zarvi::ZarviMainDefinitions::VersionText);
 
-    zarvi::registerSignalOperations(zarvi::OperationRegistry::instance());
-    zarvi::registerAnalysisOperations(zarvi::OperationRegistry::instance());
-    zarvi::registerImageOperations(zarvi::OperationRegistry::instance());
-    zarvi::registerBehaviorOperations(zarvi::OperationRegistry::instance());
-
     QStringList arguments = QCoreApplication::arguments().mid(1);
     if (arguments.isEmpty() || arguments.first() == QStringLiteral("--help") ||
         arguments.first() == QStringLiteral("-h")) {
@@ -78,32 +60,29 @@ int main(int argc, char* argv[])
         return arguments.isEmpty() ? 2 : 0;
     }
     const QString command = arguments.takeFirst();
+    // The commands that only read or copy a data file run here; the others are in a
+    // library loaded for them, with every operation family, OpenCV and the numeric
+    // libraries, which would otherwise make every start slower (and the application's
+    // file check, which runs `check` for each file it opens).
     if (command == QStringLiteral("info"))
         return zarvi::InfoCommand::run(arguments);
     if (command == QStringLiteral("check"))
         return zarvi::CheckCommand::run(arguments);
-    if (command == QStringLiteral("demo"))
-        return zarvi::DemoCommand::run(arguments);
-    if (command == QStringLiteral("ops"))
-        return zarvi::HelpCommand::listOperations();
-    if (command == QStringLiteral("help"))
-        return zarvi::HelpCommand::describe(arguments);
-    if (command == QStringLiteral("run"))
-        return zarvi::RunCommand::run(arguments);
-    if (command == QStringLiteral("pipeline"))
-        return zarvi::PipelineCommand::run(arguments);
-    if (command == QStringLiteral("convert"))
-        return zarvi::ConvertCommand::run(arguments);
-    if (command == QStringLiteral("export"))
-        return zarvi::ExportCommand::run(arguments);
-    if (command == QStringLiteral("rois"))
-        return zarvi::RoisCommand::run(arguments);
-    if (command == QStringLiteral("rename"))
-        return zarvi::RenameCommand::run(arguments);
     if (command == QStringLiteral("repair"))
         return zarvi::RepairCommand::run(arguments);
-    if (command == QStringLiteral("compact"))
-        return zarvi::CompactCommand::run(arguments);
-    QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
-    return 2;
+    static const QStringList loadedCommands{"demo",    "ops",    "help", "run",    "pipeline",
+                                            "convert", "export", "rois", "rename", "compact"};
+    if (!loadedCommands.contains(command)) {
+        QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
+        return 2;
+    }
+    QString error;
+    using Entry = int (*)(const QString*, const QStringList*);
+    const auto entry = reinterpret_cast<Entry>(
+        zarvi::OwnLibrary::entry("libzarvi_cli_commands.so", "zarviRunCommand", error));
+    if (!entry) {
+        QTextStream(stderr) << "Error: the commands library could not be loaded: " << error << '\n';
+        return 1;
+    }
+    return entry(&command, &arguments);
 }
