@@ -53,7 +53,7 @@ QByteArray libraryPath(const char* fileName)
 
 void* OwnLibrary::entry(const char* fileName, const char* entry, QString& error)
 {
-    void* library = dlopen(libraryPath(fileName).constData(), RTLD_NOW | RTLD_LOCAL);
+    void* library = dlopen(libraryPath(fileName).constData(), RTLD_LAZY | RTLD_LOCAL);
     void* address = library ? dlsym(library, entry) : nullptr;
     if (!address)
         error = QString::fromLocal8Bit(dlerror());
