@@ -27,6 +27,9 @@ struct DriverFile
     dev_t device = 0;
     ino_t inode = 0;
     bool writing = false;
+    /// A write or a cut failed (a full disk, say): the file may be half changed, so the
+    /// journal outlives the session and the next open rolls the file back.
+    bool failed = false;
     RollbackJournal journal;
 };
 
@@ -113,7 +116,7 @@ H5FD_t* openFile(const char* name, unsigned flags, hid_t, haddr_t maxaddr)
 herr_t closeFile(H5FD_t* handle)
 {
     const std::unique_ptr<DriverFile> file(fileOf(handle));
-    if (file->writing)
+    if (file->writing && !file->failed)
         file->journal.finish();
     if (::close(file->fd) == 0)
         return 0;
@@ -202,6 +205,7 @@ herr_t writeFile(H5FD_t* handle, H5FD_mem_t, hid_t, haddr_t address, size_t size
         return -1;
     }
     if (!file->journal.save(file->fd, address, size)) {
+        file->failed = true;
         pushError(__func__, H5E_IO, H5E_WRITEERROR,
                   "unable to save the original bytes in the rollback journal");
         return -1;
@@ -214,6 +218,7 @@ herr_t writeFile(H5FD_t* handle, H5FD_mem_t, hid_t, haddr_t address, size_t size
         if (written < 0 && errno == EINTR)
             continue;
         if (written <= 0) {
+            file->failed = true;
             pushError(__func__, H5E_IO, H5E_WRITEERROR, "file write failed");
             return -1;
         }
@@ -233,11 +238,13 @@ herr_t truncateFile(H5FD_t* handle, hid_t, hbool_t)
         return 0;
     // Cutting the file short destroys original bytes as surely as overwriting them.
     if (file->eoa < file->eof && !file->journal.save(file->fd, file->eoa, file->eof - file->eoa)) {
+        file->failed = true;
         pushError(__func__, H5E_IO, H5E_SEEKERROR,
                   "unable to save the original bytes in the rollback journal");
         return -1;
     }
     if (::ftruncate(file->fd, static_cast<off_t>(file->eoa)) != 0) {
+        file->failed = true;
         pushError(__func__, H5E_IO, H5E_SEEKERROR, "unable to extend or truncate file");
         return -1;
     }

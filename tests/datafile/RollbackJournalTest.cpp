@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -187,6 +188,51 @@ TEST(JournaledFileDriver, AWriterKilledMidRunLeavesTheFileAsItWasForTheNextOpen)
     EXPECT_LT(second.open(created), 0);
     EXPECT_FALSE(QFileInfo::exists(created));
     EXPECT_FALSE(QFileInfo::exists(RollbackJournal::journalPath(created)));
+}
+
+TEST(JournaledFileDriver, AWriteThatFailsLeavesTheJournalSoTheFileIsRolledBack)
+{
+    test::TempDir dir;
+    const QString path = dir.file(QStringLiteral("data.orvel"));
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.create(path), 0);
+        writer.closeGroup(writer.createGroupPath(writer.fileId(), QStringLiteral("Data/Before")));
+        writer.closeFile();
+    }
+    const QByteArray before = contentsOf(path);
+
+    // A full disk, made by a file-size limit a little above the file's size: the run's
+    // data cannot be written, and the session ends through the normal close.
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{static_cast<rlim_t>(before.size() + 65536),
+                           static_cast<rlim_t>(before.size() + 65536)};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        HDF5Writer_V6 writer;
+        if (writer.open(path) < 0)
+            ::_exit(2);
+        const hid_t group = writer.createGroupPath(writer.fileId(), QStringLiteral("Data/Run"));
+        const hid_t dataset = writer.create1D(group, ElementKind::Float64, QStringLiteral("Signal"), 1 << 20);
+        const std::vector<double> values(1 << 20, 1.5);
+        const bool written = writer.append(dataset, values.data(), {values.size()}) && writer.flush();
+        writer.closeDataset(dataset);
+        writer.closeGroup(group);
+        writer.closeFile();
+        ::_exit(written ? 1 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    ASSERT_EQ(WEXITSTATUS(status), 0) << "the write was expected to fail";
+    EXPECT_TRUE(QFileInfo::exists(RollbackJournal::journalPath(path)));
+
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(path), 0) << reader.lastError().toStdString();
+    reader.closeFile();
+    EXPECT_EQ(contentsOf(path), before);
 }
 
 } // namespace
