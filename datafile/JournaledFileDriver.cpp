@@ -1,5 +1,6 @@
 #include "datafile/JournaledFileDriver.h"
 
+#include "datafile/PositionedIo.h"
 #include "datafile/RollbackJournal.h"
 
 #include <QFile>
@@ -175,23 +176,9 @@ herr_t readFile(H5FD_t* handle, H5FD_mem_t, hid_t, haddr_t address, size_t size,
                  "read past the end of allocation");
         return -1;
     }
-    auto* out = static_cast<unsigned char*>(buffer);
-    while (size > 0) {
-        const ssize_t got = ::pread(file->fd, out, size, static_cast<off_t>(address));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0) {
-            pushError(__func__, H5E_IO, H5E_READERROR, "file read failed");
-            return -1;
-        }
-        if (got == 0) {
-            // Allocated but never written: reads as zeros.
-            std::memset(out, 0, size);
-            break;
-        }
-        out += got;
-        size -= static_cast<size_t>(got);
-        address += static_cast<haddr_t>(got);
+    if (!readWholeAt(file->fd, static_cast<unsigned char*>(buffer), size, address)) {
+        pushError(__func__, H5E_IO, H5E_READERROR, "file read failed");
+        return -1;
     }
     return 0;
 }
@@ -210,22 +197,12 @@ herr_t writeFile(H5FD_t* handle, H5FD_mem_t, hid_t, haddr_t address, size_t size
                   "unable to save the original bytes in the rollback journal");
         return -1;
     }
-    const auto* in = static_cast<const unsigned char*>(buffer);
-    haddr_t position = address;
-    size_t left = size;
-    while (left > 0) {
-        const ssize_t written = ::pwrite(file->fd, in, left, static_cast<off_t>(position));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0) {
-            file->failed = true;
-            pushError(__func__, H5E_IO, H5E_WRITEERROR, "file write failed");
-            return -1;
-        }
-        in += written;
-        left -= static_cast<size_t>(written);
-        position += static_cast<haddr_t>(written);
+    if (!writeWholeAt(file->fd, static_cast<const unsigned char*>(buffer), size, address)) {
+        file->failed = true;
+        pushError(__func__, H5E_IO, H5E_WRITEERROR, "file write failed");
+        return -1;
     }
+    const haddr_t position = address + size;
     if (position > file->eof)
         file->eof = position;
     return 0;

@@ -1,5 +1,7 @@
 #include "datafile/RollbackJournal.h"
 
+#include "datafile/PositionedIo.h"
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -69,41 +71,6 @@ bool writeAll(int fd, const unsigned char* data, std::size_t size)
     return true;
 }
 
-/// Reads exactly `size` bytes at `offset`; bytes past the end of the file read as zero.
-bool readAt(int fd, unsigned char* data, std::size_t size, std::uint64_t offset)
-{
-    while (size > 0) {
-        const ssize_t got = ::pread(fd, data, size, static_cast<off_t>(offset));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got < 0)
-            return false;
-        if (got == 0) {
-            std::memset(data, 0, size);
-            return true;
-        }
-        data += got;
-        size -= static_cast<std::size_t>(got);
-        offset += static_cast<std::uint64_t>(got);
-    }
-    return true;
-}
-
-bool writeAt(int fd, const unsigned char* data, std::size_t size, std::uint64_t offset)
-{
-    while (size > 0) {
-        const ssize_t written = ::pwrite(fd, data, size, static_cast<off_t>(offset));
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        data += written;
-        size -= static_cast<std::size_t>(written);
-        offset += static_cast<std::uint64_t>(written);
-    }
-    return true;
-}
-
 /// Makes the journal's name in its folder durable, so that a power cut after the first
 /// overwrite cannot lose the journal itself.
 void syncFolderOf(const QString& path)
@@ -142,7 +109,7 @@ bool applyRecords(int fd, int dataFd, QString& reason)
             return true;
         if (checksum(record.data(), 16 + length) != wordAt(record.data() + 16 + length))
             return true;
-        if (!writeAt(dataFd, record.data() + 16, length, wordAt(record.data()))) {
+        if (!writeWholeAt(dataFd, record.data() + 16, length, wordAt(record.data()))) {
             reason = QString::fromLocal8Bit(std::strerror(errno));
             return false;
         }
@@ -210,7 +177,7 @@ bool RollbackJournal::appendRecord(int dataFd, std::uint64_t address, std::uint6
     std::vector<unsigned char> record(16 + length + 8);
     putWord(record.data(), address);
     putWord(record.data() + 8, length);
-    if (!readAt(dataFd, record.data() + 16, length, address))
+    if (!readWholeAt(dataFd, record.data() + 16, length, address))
         return false;
     putWord(record.data() + 16 + length, checksum(record.data(), 16 + length));
     return writeAll(m_fd, record.data(), record.size());
