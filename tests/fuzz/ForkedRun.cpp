@@ -11,12 +11,14 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#if defined(__has_feature)
+// GCC says so with __SANITIZE_ADDRESS__, clang with __has_feature; GCC's own test must come
+// first, since Qt's headers define __has_feature as 0 for compilers that lack it.
+#if defined(__SANITIZE_ADDRESS__)
+#define ZARVI_FUZZ_ADDRESS_SANITIZER
+#elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #define ZARVI_FUZZ_ADDRESS_SANITIZER
 #endif
-#elif defined(__SANITIZE_ADDRESS__)
-#define ZARVI_FUZZ_ADDRESS_SANITIZER
 #endif
 #ifdef ZARVI_FUZZ_ADDRESS_SANITIZER
 #include <sanitizer/asan_interface.h>
