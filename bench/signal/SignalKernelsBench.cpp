@@ -2,14 +2,17 @@
 // array timed in the same run, so the ratio holds on any machine.
 
 #include "definitions/SignalOperationDefinitions.h"
+#include "numeric/Statistics.h"
 #include "signal/operations/filter/FilterDesign.h"
 #include "signal/operations/filter/ZeroPhaseFilter.h"
+#include "signal/operations/photometry/RansacLineFit.h"
 #include "signal/operations/smooth/RunningAverage.h"
 
 #include <benchmark/benchmark.h>
 
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <random>
 #include <vector>
 
@@ -136,6 +139,62 @@ BENCHMARK_CAPTURE(RunningAverageWindow, new_vector, true)
     ->Arg(36'000'000)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
+
+/// A standardised one-hour pair as the deltaF/F run fits it: a shared slow drift, a
+/// 0.1 Hz response on the biosensor, white noise, low-passed at 10 Hz and z-scored.
+std::pair<std::vector<double>, std::vector<double>> standardisedPair(std::size_t n)
+{
+    std::mt19937_64 generator(7);
+    std::normal_distribution<double> distribution(0.0, 1.0);
+    std::vector<double> iso(n);
+    std::vector<double> bio(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        const double t = static_cast<double>(i) / 1000.0;
+        const double drift = 0.2 * std::exp(-t / 1800.0);
+        iso[i] = 1.0 + drift + 0.01 * distribution(generator);
+        bio[i] = 1.5 + 1.3 * drift + 0.05 * std::sin(2.0 * M_PI * 0.1 * t) + 0.02 * distribution(generator);
+    }
+    const std::array<double, 1> cutoff{10.0};
+    const zarvi::FilterDesign::Result design =
+        zarvi::FilterDesign::design(zarvi::SignalOperationDefinitions::LowPass, cutoff, 1000.0);
+    for (std::vector<double>* values : {&iso, &bio}) {
+        zarvi::Butterworth filter = design.filter;
+        zarvi::ZeroPhaseFilter::apply(filter, *values, nullptr);
+        const zarvi::Statistics::Scale scale = zarvi::Statistics::standardScore(*values);
+        for (double& v : *values)
+            v = scale.score(v);
+    }
+    return {std::move(iso), std::move(bio)};
+}
+
+/// The robust line fit of a one-hour pair. The baseline is one plain pass counting the
+/// inliers of one line, so the ratio says how many full passes the fit costs.
+void RansacLineFitOneHour(benchmark::State& state)
+{
+    const auto n = static_cast<std::size_t>(state.range(0));
+    const auto [iso, bio] = standardisedPair(n);
+    double kernelSeconds = 0.0;
+    double baselineSeconds = 0.0;
+    long long iterations = 0;
+    for (auto _ : state) {
+        auto start = Clock::now();
+        const zarvi::RansacLineFit::Result fit = zarvi::RansacLineFit::fit(iso, bio, 0.5, nullptr);
+        const double elapsed = seconds(start);
+        state.SetIterationTime(elapsed);
+        kernelSeconds += elapsed;
+        iterations += fit.iterations;
+
+        start = Clock::now();
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < n; ++i)
+            count += std::fabs(fit.a * iso[i] + fit.b * bio[i] + fit.c) < 0.5 ? 1 : 0;
+        baselineSeconds += seconds(start);
+        benchmark::DoNotOptimize(count);
+    }
+    reportRates(state, static_cast<double>(n) * state.iterations(), kernelSeconds, baselineSeconds);
+    state.counters["models"] = static_cast<double>(iterations) / static_cast<double>(state.iterations());
+}
+BENCHMARK(RansacLineFitOneHour)->Arg(3'600'000)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 } // namespace
 

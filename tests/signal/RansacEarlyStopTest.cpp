@@ -57,10 +57,25 @@ Model plainFit(const std::vector<double>& x, const std::vector<double>& y, doubl
     return best;
 }
 
+void expectSameModel(const std::vector<double>& x, const std::vector<double>& y, double threshold,
+                     const char* data)
+{
+    std::srand(5);
+    const Model expected = plainFit(x, y, threshold);
+    std::srand(5);
+    const RansacLineFit::Result fit = RansacLineFit::fit(x, y, threshold, nullptr);
+    ASSERT_TRUE(fit.outcome.ok()) << data;
+    EXPECT_EQ(fit.a, expected.a) << data << " " << threshold;
+    EXPECT_EQ(fit.b, expected.b) << data << " " << threshold;
+    EXPECT_EQ(fit.c, expected.c) << data << " " << threshold;
+    EXPECT_EQ(fit.inlierCount, expected.inliers) << data << " " << threshold;
+    EXPECT_EQ(fit.iterations, expected.iterations) << data << " " << threshold;
+}
+
 TEST(RansacLineFit, StoppingALosingCountEarlyChoosesTheModelOfAFullCount)
 {
     // A noisy rising line with a tenth of the samples thrown far off it: many drawn models lose,
-    // most of them long before the end of the samples.
+    // most of them long before the end of the samples. Long enough to be counted cell by cell.
     std::mt19937 generator(11);
     std::normal_distribution<double> noise(0.0, 0.05);
     std::uniform_real_distribution<double> offset(-3.0, 3.0);
@@ -69,18 +84,48 @@ TEST(RansacLineFit, StoppingALosingCountEarlyChoosesTheModelOfAFullCount)
         x[i] = std::sin(0.001 * static_cast<double>(i)) + noise(generator);
         y[i] = 0.8 * x[i] + 0.2 + noise(generator) + (i % 10 == 3 ? offset(generator) : 0.0);
     }
-    for (const double threshold : {0.02, 0.1, 0.5}) {
-        std::srand(5);
-        const Model expected = plainFit(x, y, threshold);
-        std::srand(5);
-        const RansacLineFit::Result fit = RansacLineFit::fit(x, y, threshold, nullptr);
-        ASSERT_TRUE(fit.outcome.ok());
-        EXPECT_EQ(fit.a, expected.a) << threshold;
-        EXPECT_EQ(fit.b, expected.b) << threshold;
-        EXPECT_EQ(fit.c, expected.c) << threshold;
-        EXPECT_EQ(fit.inlierCount, expected.inliers) << threshold;
-        EXPECT_EQ(fit.iterations, expected.iterations) << threshold;
+    for (const double threshold : {0.02, 0.1, 0.5})
+        expectSameModel(x, y, threshold, "noisy line");
+    // Too short for the grid: every model counted sample by sample.
+    x.resize(3000);
+    y.resize(3000);
+    expectSameModel(x, y, 0.1, "short");
+}
+
+TEST(RansacLineFit, CountingCellByCellGivesTheCountsOfEverySample)
+{
+    // Whole numbers, as an acquisition card's counts: many residuals equal the threshold
+    // exactly and many samples sit on the edges of cells, where a count from whole cells
+    // would first go wrong.
+    std::mt19937 generator(3);
+    std::uniform_int_distribution<int> step(-3, 3);
+    std::vector<double> x(40000), y(40000);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        x[i] = static_cast<double>(static_cast<int>(i % 200) + step(generator));
+        y[i] = 2.0 * x[i] + static_cast<double>(step(generator));
     }
+    for (const double threshold : {32.0, 64.0})
+        expectSameModel(x, y, threshold, "whole numbers");
+
+    // Values far from zero for their spread, where rounding is largest against a cell, and
+    // so far that the grid is left for a count of every sample.
+    std::normal_distribution<double> noise(0.0, 1.0);
+    for (const double origin : {1e6, 1e11}) {
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            x[i] = origin + noise(generator);
+            y[i] = 0.5 * origin + 0.5 * (x[i] - origin) + 0.1 * noise(generator);
+        }
+        expectSameModel(x, y, 0.05, "far from zero");
+    }
+
+    // Half the samples spread over a square, half near a line across it: bands at every
+    // angle, most of them missing most cells.
+    std::uniform_real_distribution<double> uniform(0.0, 1.0);
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        x[i] = uniform(generator);
+        y[i] = i % 2 == 0 ? uniform(generator) : 0.9 * x[i] + 0.05 + 0.01 * noise(generator);
+    }
+    expectSameModel(x, y, 0.01, "square and line");
 }
 
 } // namespace

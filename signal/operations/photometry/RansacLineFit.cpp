@@ -2,6 +2,7 @@
 
 #include "definitions/SignalOperationDefinitions.h"
 #include "numeric/Statistics.h"
+#include "signal/operations/photometry/InlierGrid.h"
 
 #include <algorithm>
 #include <array>
@@ -99,6 +100,13 @@ RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<co
         return withOutcome(KernelOutcome::failed(Defs::lineFitConstantSignalMessage()));
     const double maxSlope = sy / sx;
 
+    // Long signals are counted from a grid of their samples, which gives the same counts.
+    const InlierGrid grid(x, y);
+    const auto inliersOf = [&](double a, double b, double c, std::size_t needed) {
+        return grid.usable() ? grid.count(a, b, c, residualThreshold, needed)
+                             : countInliers(x.data(), y.data(), n, a, b, c, residualThreshold, needed);
+    };
+
     Result result;
     ProgressTracker progress(feedback, 100);
     std::size_t bestCount = 0;
@@ -125,7 +133,7 @@ RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<co
             if (attempt % 4096 == 0 && progress.isCanceled())
                 return withOutcome(KernelOutcome::cancelled());
         }
-        const std::size_t count = countInliers(x.data(), y.data(), n, a, b, c, residualThreshold, bestCount);
+        const std::size_t count = inliersOf(a, b, c, bestCount);
         if (count >= bestCount) {
             bestCount = count;
             result.a = a;

@@ -1,0 +1,166 @@
+#include "signal/operations/photometry/InlierGrid.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace zarvi {
+
+namespace {
+
+/// Below this many samples a plain count of every sample costs less than sorting them.
+constexpr std::size_t FewestSamples = std::size_t{1} << 14;
+
+/// Rows of a column that rounding could put on the wrong side of the band's edge are
+/// counted sample by sample; this bounds the rounding, relative to the values' size, that
+/// the grid accepts (double arithmetic errs by a few 1e-16 of it).
+constexpr double RoundingBound = 1e-12;
+
+} // namespace
+
+inline std::size_t InlierGrid::cellOf(double x, double y) const
+{
+    const auto column = std::min(m_side - 1, static_cast<std::size_t>((x - m_xMin) * m_xPerColumn));
+    const auto row = std::min(m_side - 1, static_cast<std::size_t>((y - m_yMin) * m_yPerRow));
+    return column * m_side + row;
+}
+
+InlierGrid::InlierGrid(std::span<const double> x, std::span<const double> y)
+{
+    const std::size_t n = x.size();
+    if (n < FewestSamples || y.size() != n || n >= std::numeric_limits<std::uint32_t>::max())
+        return;
+    // The range in plain passes the compiler can vectorise; x * 0 turns NaN for a NaN or
+    // an infinity, so one sum tells whether every sample is finite.
+    double xMax = x[0], yMax = y[0], finite = 0.0;
+    m_xMin = x[0];
+    m_yMin = y[0];
+    for (std::size_t i = 0; i < n; ++i) {
+        m_xMin = x[i] < m_xMin ? x[i] : m_xMin;
+        xMax = x[i] > xMax ? x[i] : xMax;
+        m_yMin = y[i] < m_yMin ? y[i] : m_yMin;
+        yMax = y[i] > yMax ? y[i] : yMax;
+        finite += x[i] * 0.0 + y[i] * 0.0;
+    }
+    if (finite != 0.0)
+        return;
+    // About four samples per cell where they spread evenly; a line's band then crosses
+    // about as many columns as a cell holds samples.
+    m_side =
+        std::clamp<std::size_t>(static_cast<std::size_t>(std::sqrt(static_cast<double>(n)) / 2.0), 16, 1024);
+    m_xStep = (xMax - m_xMin) / static_cast<double>(m_side);
+    m_yStep = (yMax - m_yMin) / static_cast<double>(m_side);
+    if (!(m_xStep > 0.0) || !(m_yStep > 0.0) || !std::isfinite(m_xStep) || !std::isfinite(m_yStep))
+        return;
+    m_xPerColumn = 1.0 / m_xStep;
+    m_yPerRow = 1.0 / m_yStep;
+    m_xMagnitude = std::max(std::fabs(m_xMin), std::fabs(xMax));
+    m_yMagnitude = std::max(std::fabs(m_yMin), std::fabs(yMax));
+
+    // A counting sort by cell: counts, their running sum, then each sample to its place.
+    m_cellStart.assign(m_side * m_side + 1, 0);
+    for (std::size_t i = 0; i < n; ++i)
+        ++m_cellStart[cellOf(x[i], y[i]) + 1];
+    for (std::size_t k = 1; k < m_cellStart.size(); ++k)
+        m_cellStart[k] += m_cellStart[k - 1];
+    std::vector<std::uint32_t> next(m_cellStart.begin(), m_cellStart.end() - 1);
+    m_order = std::make_unique_for_overwrite<std::uint32_t[]>(n);
+    m_x = x.data();
+    m_y = y.data();
+    for (std::size_t i = 0; i < n; ++i)
+        m_order[next[cellOf(x[i], y[i])]++] = static_cast<std::uint32_t>(i);
+    m_count = n;
+}
+
+std::size_t InlierGrid::samplesIn(std::size_t column, RowRange rows) const
+{
+    if (rows.first > rows.last)
+        return 0;
+    const std::size_t base = column * m_side;
+    return m_cellStart[base + static_cast<std::size_t>(rows.last) + 1] -
+           m_cellStart[base + static_cast<std::size_t>(rows.first)];
+}
+
+std::size_t InlierGrid::inliersIn(std::size_t column, RowRange rows, double a, double b, double c,
+                                  double threshold) const
+{
+    if (rows.first > rows.last)
+        return 0;
+    const std::size_t base = column * m_side;
+    const std::uint32_t end = m_cellStart[base + static_cast<std::size_t>(rows.last) + 1];
+    std::size_t count = 0;
+    for (std::uint32_t k = m_cellStart[base + static_cast<std::size_t>(rows.first)]; k < end; ++k) {
+        const std::uint32_t i = m_order[k];
+        count += std::fabs(a * m_x[i] + b * m_y[i] + c) < threshold ? 1 : 0;
+    }
+    return count;
+}
+
+std::size_t InlierGrid::countEverySample(double a, double b, double c, double threshold) const
+{
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < m_count; ++i)
+        count += std::fabs(a * m_x[i] + b * m_y[i] + c) < threshold ? 1 : 0;
+    return count;
+}
+
+std::size_t InlierGrid::count(double a, double b, double c, double threshold, std::size_t needed) const
+{
+    // The inliers lie in the band |y - (slope x + intercept)| < half.
+    const double slope = -a / b;
+    const double intercept = -c / b;
+    const double half = threshold / std::fabs(b);
+    // Where rounding could move the band's edges by a sizeable part of a row (a nearly
+    // vertical line, values far from zero for their spread), every sample is counted.
+    const double size = std::fabs(slope) * m_xMagnitude + std::fabs(intercept) + m_yMagnitude + half;
+    if (!std::isfinite(size) || !(RoundingBound * size < 0.25 * m_yStep))
+        return countEverySample(a, b, c, threshold);
+
+    const auto row = [this](double y) {
+        // Truncating a value kept above zero floors it, without a call to floor().
+        const double r = std::clamp((y - m_yMin) * m_yPerRow, -4.0, static_cast<double>(m_side) + 4.0);
+        return static_cast<long long>(r + 8.0) - 8;
+    };
+    const auto lastRow = static_cast<long long>(m_side) - 1;
+    // Rows of a column that the band reaches at all, and rows it covers whole; both kept a
+    // row away from the computed edges, so that rounding cannot misplace a sample.
+    const auto rowsOf = [&](std::size_t column, RowRange& touched, RowRange& covered) {
+        const double x0 = m_xMin + static_cast<double>(column) * m_xStep;
+        const double y0 = slope * x0 + intercept;
+        const double y1 = slope * (x0 + m_xStep) + intercept;
+        const double low = std::min(y0, y1), high = std::max(y0, y1);
+        touched = {std::max(0LL, row(low - half) - 1), std::min(lastRow, row(high + half) + 1)};
+        covered = {std::max(touched.first, row(high - half) + 2),
+                   std::min(touched.last, row(low + half) - 2)};
+    };
+
+    // Most lines lose on the cells alone: even every sample of every reached cell is too few.
+    std::size_t possible = 0;
+    RowRange touched, covered;
+    for (std::size_t column = 0; column < m_side; ++column) {
+        rowsOf(column, touched, covered);
+        possible += samplesIn(column, touched);
+    }
+    if (possible < needed)
+        return possible;
+
+    std::size_t count = 0;
+    for (std::size_t column = 0; column < m_side; ++column) {
+        rowsOf(column, touched, covered);
+        RowRange below = touched, above{0, -1};
+        if (covered.first <= covered.last) {
+            below.last = covered.first - 1;
+            above = {covered.last + 1, touched.last};
+        }
+        const std::size_t edgeSamples = samplesIn(column, below) + samplesIn(column, above);
+        const std::size_t edgeInliers =
+            inliersIn(column, below, a, b, c, threshold) + inliersIn(column, above, a, b, c, threshold);
+        count += samplesIn(column, covered) + edgeInliers;
+        possible -= edgeSamples - edgeInliers;
+        if (possible < needed)
+            return possible;
+    }
+    return count;
+}
+
+} // namespace zarvi
