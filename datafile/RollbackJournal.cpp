@@ -57,20 +57,6 @@ std::uint64_t checksum(const unsigned char* data, std::size_t size)
     return hash;
 }
 
-bool writeAll(int fd, const unsigned char* data, std::size_t size)
-{
-    while (size > 0) {
-        const ssize_t written = ::write(fd, data, size);
-        if (written < 0 && errno == EINTR)
-            continue;
-        if (written <= 0)
-            return false;
-        data += written;
-        size -= static_cast<std::size_t>(written);
-    }
-    return true;
-}
-
 /// Makes the journal's name in its folder durable, so that a power cut after the first
 /// overwrite cannot lose the journal itself.
 void syncFolderOf(const QString& path)
@@ -152,7 +138,8 @@ bool RollbackJournal::begin(const QString& dataPath, std::uint64_t originalSize,
                        : ::open(staging.constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
         if (m_fd < 0)
             continue;
-        bool ok = ::flock(m_fd, LOCK_EX | LOCK_NB) == 0 && writeAll(m_fd, header, sizeof header);
+        m_journalSize = 0;
+        bool ok = ::flock(m_fd, LOCK_EX | LOCK_NB) == 0 && append(header, sizeof header);
         if (unnamed) {
             const QByteArray self = "/proc/self/fd/" + QByteArray::number(m_fd);
             ok = ok &&
@@ -180,7 +167,15 @@ bool RollbackJournal::appendRecord(int dataFd, std::uint64_t address, std::uint6
     if (!readWholeAt(dataFd, record.data() + 16, length, address))
         return false;
     putWord(record.data() + 16 + length, checksum(record.data(), 16 + length));
-    return writeAll(m_fd, record.data(), record.size());
+    return append(record.data(), record.size());
+}
+
+bool RollbackJournal::append(const unsigned char* data, std::size_t size)
+{
+    if (!writeWholeAt(m_fd, data, size, m_journalSize))
+        return false;
+    m_journalSize += size;
+    return true;
 }
 
 bool RollbackJournal::save(int dataFd, std::uint64_t address, std::uint64_t length)

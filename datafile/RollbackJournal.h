@@ -54,10 +54,13 @@ public:
 
 private:
     bool appendRecord(int dataFd, std::uint64_t address, std::uint64_t length);
+    bool append(const unsigned char* data, std::size_t size);
 
     QString m_path;
     int m_fd = -1;
     std::uint64_t m_originalSize = 0;
+    /// The journal's own length: records are appended there.
+    std::uint64_t m_journalSize = 0;
     bool m_synced = false;
     /// Saved ranges, start -> end, disjoint.
     std::map<std::uint64_t, std::uint64_t> m_saved;
