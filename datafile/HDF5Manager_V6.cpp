@@ -342,6 +342,20 @@ hid_t HDF5Manager_V6::openGroup(hid_t location, const QString& path)
 
 hid_t HDF5Manager_V6::openDataset(hid_t location, const QString& path)
 {
+    return openDataset(location, path, H5P_DEFAULT);
+}
+
+hid_t HDF5Manager_V6::openDatasetForWholeRead(hid_t location, const QString& path)
+{
+    const HDF5Handle access(H5Pcreate(H5P_DATASET_ACCESS), H5Pclose);
+    if (!access.valid() ||
+        H5Pset_chunk_cache(access.get(), H5D_CHUNK_CACHE_NSLOTS_DEFAULT, 0, H5D_CHUNK_CACHE_W0_DEFAULT) < 0)
+        return openDataset(location, path);
+    return openDataset(location, path, access.get());
+}
+
+hid_t HDF5Manager_V6::openDataset(hid_t location, const QString& path, hid_t access)
+{
     if (!isValidLocation(location))
         return H5I_INVALID_HID;
     const ObjectKind kind = objectKind(location, path);
@@ -350,7 +364,7 @@ hid_t HDF5Manager_V6::openDataset(hid_t location, const QString& path)
                                              : QStringLiteral("Not a dataset: %1").arg(path));
         return H5I_INVALID_HID;
     }
-    const hid_t dataset = H5Dopen2(location, objectName(path).constData(), H5P_DEFAULT);
+    const hid_t dataset = H5Dopen2(location, objectName(path).constData(), access);
     if (dataset < 0)
         setLibraryError(QStringLiteral("Unable to open dataset %1").arg(path));
     return dataset;

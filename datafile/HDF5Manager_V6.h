@@ -65,6 +65,10 @@ public:
     QStringList children(hid_t group) const;
     hid_t openGroup(hid_t location, const QString& path);
     hid_t openDataset(hid_t location, const QString& path);
+    /// Opens a dataset that is read whole, once: without a chunk cache the library reads
+    /// each chunk straight into the caller's buffer instead of into its cache and then
+    /// copying it. Not for writing nor for reading in pieces smaller than a chunk.
+    hid_t openDatasetForWholeRead(hid_t location, const QString& path);
 
     // Datasets.
     std::vector<hsize_t> dimensions(hid_t dataset) const;
@@ -127,6 +131,7 @@ public:
     bool isFileInUse() const { return m_fileInUse; }
 
 protected:
+    hid_t openDataset(hid_t location, const QString& path, hid_t access);
     /// Switches off HDF5's printing of its error stack for the calling thread. The
     /// thread-safe library keeps that setting per thread, so every entry point that
     /// may run on a new thread calls this (it is cheap after the first call).

@@ -10,7 +10,7 @@ namespace {
 
 bool read1D(HDF5Manager_V6& file, const QString& path, std::vector<double>& out, QString& error)
 {
-    const hid_t dataset = file.openDataset(file.fileId(), path);
+    const hid_t dataset = file.openDatasetForWholeRead(file.fileId(), path);
     if (dataset < 0) {
         error = FileDefinitions::datasetNotFoundMessage().arg(path);
         return false;
