@@ -3,11 +3,9 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QtEndian>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include <unistd.h>
 
@@ -39,20 +37,6 @@ QString tiffSignatureError(const QString& path)
 QString bold(const QString& text)
 {
     return QStringLiteral("<b>%1</b>").arg(text);
-}
-
-/// Copies 8-bit samples into 16-bit ones. Written in fixed blocks over unaliased
-/// pointers, which is what GCC needs to vectorise it at -O2.
-void widen(const std::uint8_t* __restrict source, std::uint16_t* __restrict target, std::size_t count)
-{
-    constexpr std::size_t Block = 32;
-    std::size_t i = 0;
-    for (; i + Block <= count; i += Block) {
-        for (std::size_t j = 0; j < Block; ++j)
-            target[i + j] = source[i + j];
-    }
-    for (; i < count; ++i)
-        target[i] = source[i];
 }
 
 /// The number of images an ImageJ description ("ImageJ=1.54f\nimages=3500\n...")
@@ -311,9 +295,9 @@ bool TiffStackReader::readFrame(std::size_t k, std::span<std::uint16_t> out)
         return fail(Texts::frameBufferSizeMessage().arg(out.size()).arg(m_info.pixelsPerFrame()));
 
     if (m_contiguousStart > 0)
-        return readContiguousFrame(k, out);
+        return readRawFrame(k, m_contiguousStart + k * out.size() * (m_info.bitsPerSample / 8), out);
     if (k < m_pageBlocks.size() && m_pageBlocks[k].offset != 0 && m_raw)
-        return readBlock(k, out);
+        return readRawFrame(k, m_pageBlocks[k].offset, out);
     TiffHandle single;
     TiffHandle* tiff = m_tiff.get();
     if (m_folder) {
@@ -333,27 +317,29 @@ bool TiffStackReader::readFrame(std::size_t k, std::span<std::uint16_t> out)
     // The file may have changed since open(); a page that no longer fits is refused.
     if (!checkPage(*tiff, k, false))
         return false;
-    return TIFFIsTiled(tiff->get()) ? readTiles(*tiff, out, k) : readStrips(*tiff, out, k);
+    if (!m_decoder.decode(*tiff, static_cast<std::size_t>(m_info.width),
+                          static_cast<std::size_t>(m_info.height), m_info.bitsPerSample, out))
+        return fail(readError(k, *tiff));
+    return true;
 }
 
-bool TiffStackReader::readContiguousFrame(std::size_t k, std::span<std::uint16_t> out)
+bool TiffStackReader::readRawFrame(std::size_t k, std::uint64_t offset, std::span<std::uint16_t> out)
 {
-    const std::size_t values = m_info.pixelsPerFrame();
-    const bool wide = m_info.bitsPerSample == 16;
-    const auto bytes = static_cast<qint64>(values * (wide ? 2 : 1));
-    char* buffer = reinterpret_cast<char*>(out.data());
-    if (!wide) {
-        if (m_scratch.size() < values)
-            m_scratch.resize(values);
-        buffer = reinterpret_cast<char*>(m_scratch.data());
+    const std::size_t bytes = out.size() * static_cast<std::size_t>(m_info.bitsPerSample / 8);
+    char* buffer = m_decoder.rawTarget(out, m_info.bitsPerSample);
+    // One positioned read for the whole frame; the loop only continues a short read, and
+    // a frame the file ends inside is refused.
+    std::size_t done = 0;
+    while (done < bytes) {
+        const ssize_t got =
+            ::pread(m_raw->handle(), buffer + done, bytes - done, static_cast<off_t>(offset + done));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return fail(Texts::tiffReadErrorMessage().arg(pageLocation(k), Texts::incompleteImageText()));
+        done += static_cast<std::size_t>(got);
     }
-    if (!m_raw->seek(static_cast<qint64>(m_contiguousStart) + static_cast<qint64>(k) * bytes) ||
-        m_raw->read(buffer, bytes) != bytes)
-        return fail(Texts::tiffReadErrorMessage().arg(pageLocation(k), Texts::incompleteImageText()));
-    if (!wide)
-        widen(m_scratch.data(), out.data(), values);
-    else if (m_swapBytes)
-        std::transform(out.begin(), out.end(), out.begin(), [](std::uint16_t v) { return qbswap(v); });
+    m_decoder.finishRaw(out, m_info.bitsPerSample, m_swapBytes);
     return true;
 }
 
@@ -420,105 +406,6 @@ bool TiffStackReader::checkDeclaredBytes(TIFF* t, std::size_t page, std::uint32_
         const std::uint64_t end = offsets[blocks - 1] + counts[blocks - 1];
         const bool whole = oneBlock && offsets[0] > 0 && end - offsets[0] >= frameSamples;
         m_pageBlocks.push_back(whole ? Block{offsets[0], frameSamples} : Block{});
-    }
-    return true;
-}
-
-bool TiffStackReader::readBlock(std::size_t k, std::span<std::uint16_t> out)
-{
-    const Block& block = m_pageBlocks[k];
-    const bool wide = m_info.bitsPerSample == 16;
-    auto* buffer = reinterpret_cast<char*>(out.data());
-    if (!wide) {
-        if (m_scratch.size() < block.bytes)
-            m_scratch.resize(block.bytes);
-        buffer = reinterpret_cast<char*>(m_scratch.data());
-    }
-    // One positioned read for the whole frame; the loop only continues a short read.
-    std::uint64_t done = 0;
-    while (done < block.bytes) {
-        const ssize_t got = ::pread(m_raw->handle(), buffer + done, block.bytes - done,
-                                    static_cast<off_t>(block.offset + done));
-        if (got < 0 && errno == EINTR)
-            continue;
-        if (got <= 0)
-            return fail(Texts::tiffReadErrorMessage().arg(pageLocation(k), Texts::incompleteImageText()));
-        done += static_cast<std::uint64_t>(got);
-    }
-    if (!wide)
-        widen(m_scratch.data(), out.data(), out.size());
-    else if (m_swapBytes)
-        std::transform(out.begin(), out.end(), out.begin(), [](std::uint16_t v) { return qbswap(v); });
-    return true;
-}
-
-bool TiffStackReader::readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page)
-{
-    TIFF* t = tiff.get();
-    const auto width = static_cast<std::size_t>(m_info.width);
-    const auto height = static_cast<std::size_t>(m_info.height);
-    const bool wide = m_info.bitsPerSample == 16;
-    std::uint32_t rowsPerStrip = 0;
-    TIFFGetFieldDefaulted(t, TIFFTAG_ROWSPERSTRIP, &rowsPerStrip);
-    if (rowsPerStrip == 0 || rowsPerStrip > height)
-        rowsPerStrip = static_cast<std::uint32_t>(height);
-
-    for (std::size_t row = 0; row < height; row += rowsPerStrip) {
-        const std::size_t values = std::min<std::size_t>(rowsPerStrip, height - row) * width;
-        const auto bytes = static_cast<tmsize_t>(values * (wide ? 2 : 1));
-        std::uint16_t* target = out.data() + row * width;
-        // 16-bit strips decode straight into the caller's frame; 8-bit ones are widened.
-        void* buffer = target;
-        if (!wide) {
-            if (m_scratch.size() < values)
-                m_scratch.resize(values);
-            buffer = m_scratch.data();
-        }
-        const tstrip_t strip = TIFFComputeStrip(t, static_cast<std::uint32_t>(row), 0);
-        tiff.clearError();
-        if (TIFFReadEncodedStrip(t, strip, buffer, bytes) != bytes)
-            return fail(readError(page, tiff));
-        if (!wide)
-            widen(m_scratch.data(), target, values);
-    }
-    return true;
-}
-
-bool TiffStackReader::readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page)
-{
-    TIFF* t = tiff.get();
-    const auto width = static_cast<std::size_t>(m_info.width);
-    const auto height = static_cast<std::size_t>(m_info.height);
-    const std::size_t sampleBytes = m_info.bitsPerSample / 8;
-    std::uint32_t tileWidth = 0;
-    std::uint32_t tileHeight = 0;
-    TIFFGetField(t, TIFFTAG_TILEWIDTH, &tileWidth);
-    TIFFGetField(t, TIFFTAG_TILELENGTH, &tileHeight);
-    const tmsize_t tileBytes = TIFFTileSize(t);
-    if (tileWidth == 0 || tileHeight == 0 || tileBytes <= 0)
-        return fail(readError(page, tiff));
-    if (m_scratch.size() < static_cast<std::size_t>(tileBytes))
-        m_scratch.resize(static_cast<std::size_t>(tileBytes));
-
-    for (std::size_t y = 0; y < height; y += tileHeight) {
-        const std::size_t rows = std::min<std::size_t>(tileHeight, height - y);
-        for (std::size_t x = 0; x < width; x += tileWidth) {
-            const std::size_t columns = std::min<std::size_t>(tileWidth, width - x);
-            const ttile_t tile =
-                TIFFComputeTile(t, static_cast<std::uint32_t>(x), static_cast<std::uint32_t>(y), 0, 0);
-            tiff.clearError();
-            if (TIFFReadEncodedTile(t, tile, m_scratch.data(), tileBytes) != tileBytes)
-                return fail(readError(page, tiff));
-            // Edge tiles are padded: copy only the part inside the image.
-            for (std::size_t r = 0; r < rows; ++r) {
-                const std::uint8_t* source = m_scratch.data() + r * tileWidth * sampleBytes;
-                std::uint16_t* target = out.data() + (y + r) * width + x;
-                if (sampleBytes == 2)
-                    std::memcpy(target, source, columns * 2);
-                else
-                    widen(source, target, columns);
-            }
-        }
     }
     return true;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "datafile/Feedback.h"
+#include "fileeditor/TiffPageDecoder.h"
 
 #include <tiffio.h>
 
@@ -85,7 +86,8 @@ private:
     /// After a one-page scan: takes the frames an ImageJ description announces when they
     /// can follow the first image back to back. False only on a read error.
     bool findContiguousFrames(const QString& path);
-    bool readContiguousFrame(std::size_t k, std::span<std::uint16_t> out);
+    /// Reads frame k from uncompressed samples that start at offset, with one read.
+    bool readRawFrame(std::size_t k, std::uint64_t offset, std::span<std::uint16_t> out);
     /// Checks the current page of tiff: greyscale, unsigned, 8 or 16 bits, and (after the
     /// first page) the same size and depth as the first. page (from 0) names it in messages.
     bool checkPage(TiffHandle& tiff, std::size_t page, bool first);
@@ -94,10 +96,6 @@ private:
     /// also notes where the page's samples lie when they are one uncompressed block.
     bool checkDeclaredBytes(TIFF* tiff, std::size_t page, std::uint32_t width, std::uint32_t height,
                             std::uint16_t bits);
-    /// Reads a page whose samples are one uncompressed block with a single read.
-    bool readBlock(std::size_t k, std::span<std::uint16_t> out);
-    bool readStrips(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page);
-    bool readTiles(TiffHandle& tiff, std::span<std::uint16_t> out, std::size_t page);
     /// "Page 3 of <b>stack.tif</b>", or "<b>img3.tif</b>" in a folder.
     QString pageLocation(std::size_t page) const;
     QString readError(std::size_t page, const TiffHandle& tiff) const;
@@ -124,7 +122,7 @@ private:
     std::unique_ptr<QFile> m_raw;
     std::unique_ptr<TiffHandle> m_tiff;
     std::size_t m_currentPage = 0;
-    std::vector<std::uint8_t> m_scratch;
+    TiffPageDecoder m_decoder;
     QString m_error;
 };
 
