@@ -38,6 +38,9 @@ printf '[{"Operations": "Decimation", "DecimationFactor": 2}, {"Operations": "De
 expect 0 "$cli" run $f --pipeline pipe.json --data $s
 grep -q 'DecimatedSignals3/Biosensor/Signal' out.txt || fail pipeline
 "$cli" info $f | grep -q 'Signal  float64 \[60000\]' || fail "decimated length"
+# A source that is not in the file is an error even next to one that is, and nothing is written.
+expect 1 "$cli" run $f --operation Decimation --params '{"DecimationFactor": 2}' --data $s No/Such/Signal
+grep -q 'No/Such/Signal was not found' err.txt || fail "missing source: $(cat err.txt)"
 # Refused runs leave the file as it was: no fourth output group.
 "$cli" info $f | grep -q DecimatedSignals4 && fail "a refused run wrote"
 exit 0
