@@ -7,12 +7,12 @@ volatile std::sig_atomic_t InterruptibleFeedback::s_interrupted = 0;
 InterruptibleFeedback::InterruptibleFeedback()
 {
     s_interrupted = 0;
-    m_previousHandler = std::signal(SIGINT, onInterrupt);
+    std::signal(SIGINT, onInterrupt);
 }
 
 InterruptibleFeedback::~InterruptibleFeedback()
 {
-    std::signal(SIGINT, m_previousHandler);
+    std::signal(SIGINT, SIG_IGN);
 }
 
 void InterruptibleFeedback::onInterrupt(int)

@@ -11,7 +11,9 @@ namespace zarvi {
 
 /// Feedback of a command that runs a file-editing job on the main thread: progress
 /// goes to the terminal, and Ctrl-C (SIGINT) raises a flag that the job polls as its
-/// cancel. The handler is installed for the object's lifetime. Main thread.
+/// cancel. The handler is installed for the object's lifetime; after it, Ctrl-C is
+/// ignored, since the job's outcome stands: a job that finished is never reported as
+/// cancelled. Main thread.
 class InterruptibleFeedback : public Feedback
 {
 public:
@@ -31,7 +33,6 @@ private:
 
     static volatile std::sig_atomic_t s_interrupted;
     TerminalProgress m_progress;
-    void (*m_previousHandler)(int) = SIG_DFL;
 };
 
 } // namespace zarvi

@@ -108,9 +108,11 @@ int RunCommand::run(const QStringList& arguments)
         progress.printMessage(title, message, details);
     };
     activeRunner = &runner;
-    auto previousHandler = std::signal(SIGINT, onInterrupt);
+    std::signal(SIGINT, onInterrupt);
     const RunResult result = runner.runPipeline(steps, file, datapaths);
-    std::signal(SIGINT, previousHandler);
+    // The run's outcome stands: a Ctrl-C from now on must not report a written result as
+    // cancelled.
+    std::signal(SIGINT, SIG_IGN);
     activeRunner = nullptr;
     progress.finish();
 

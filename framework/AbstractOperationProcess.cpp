@@ -33,6 +33,7 @@ void AbstractOperationProcess::startProcess(const QVariantMap& parameters)
 {
     m_errors.clear();
     m_outputs.clear();
+    m_committed = false;
     m_lastProgress = -1;
     m_warningsSent.clear();
     QVariantMap operationParameters = parameters;
@@ -50,7 +51,8 @@ void AbstractOperationProcess::startProcess(const QVariantMap& parameters)
         else
             runOperation();
     }
-    if (isCanceled() && m_errors.isEmpty())
+    // Once committed, the run stands: a cancel that came too late is not reported as one.
+    if (!m_committed && isCanceled() && m_errors.isEmpty())
         addError(ZarviMainDefinitions::operationCanceledMessage());
     if (!m_errors.isEmpty())
         m_outputs.clear();
@@ -90,6 +92,8 @@ void AbstractOperationProcess::runInputs(RunTransaction& run, int count,
         run.rollback();
     else if (!run.commit())
         addError(run.lastError());
+    else
+        m_committed = true;
 }
 
 void AbstractOperationProcess::warn(const QString& message)

@@ -116,6 +116,8 @@ private:
     };
 
     std::atomic<bool> m_cancelRequested{false};
+    /// The run's outputs are in the file: a cancel that comes later no longer undoes them.
+    bool m_committed = false;
     ProcessFeedback m_feedback{*this};
     int m_lastProgress = -1;
     QStringList m_warningsSent;

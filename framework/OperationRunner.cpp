@@ -87,15 +87,25 @@ RunResult OperationRunner::runPipeline(const QList<QVariantMap>& steps, const QS
     result.datapaths = datapaths;
     const QSet<QString> groupsBefore = steps.size() > 1 ? groupPaths(filepath) : QSet<QString>();
     QStringList written;
-    for (const QVariantMap& step : steps) {
-        result = run(step, filepath, result.datapaths);
-        if (!result.succeeded() || result.canceled) {
-            // A pipeline is all or nothing: the steps that ran are taken back too.
-            takeBack(filepath, written, groupsBefore);
-            result.datapaths.clear();
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        result = run(steps[i], filepath, result.datapaths);
+        const bool committed = result.succeeded();
+        if (committed)
+            written << result.datapaths;
+        if (committed && i + 1 == steps.size()) {
+            // Every step is in the file: a cancel that came after the last commit stops nothing.
+            result.canceled = false;
             break;
         }
-        written << result.datapaths;
+        if (!committed || result.canceled) {
+            // A pipeline is all or nothing: the steps that ran are taken back too, a step
+            // that committed just before the cancel reached it included.
+            takeBack(filepath, written, groupsBefore);
+            result.datapaths.clear();
+            if (result.errors.isEmpty())
+                result.errors << ZarviMainDefinitions::operationCanceledMessage();
+            break;
+        }
     }
     return result;
 }

@@ -16,6 +16,8 @@ struct RunResult
     QString filepath;
     QStringList datapaths;
     QStringList errors;
+    /// A cancel was asked for. With no errors the run had committed before the cancel
+    /// reached it, and its outputs stand.
     bool canceled = false;
     bool succeeded() const { return errors.isEmpty(); }
 };

@@ -40,8 +40,12 @@ span=$(( ($(date +%s%N) - start) / 1000000 ))
 cancelled=0 finished=0
 for trial in $(seq 1 "$trials"); do
   cp base.orvel trial.orvel
-  # The first interrupt comes during start-up.
-  delay=$(( trial == 1 ? RANDOM % 5 : (RANDOM * 32768 + RANDOM) % (span + 1) ))
+  # The first interrupt comes during start-up, every third one near the end, where a run
+  # commits and a late cancel must not be reported as one.
+  draw=$(( RANDOM * 32768 + RANDOM ))
+  if [ "$trial" -eq 1 ]; then delay=$(( draw % 5 ))
+  elif [ $((trial % 3)) -eq 0 ]; then delay=$(( span * 3 / 4 + draw % (span / 4 + 1) ))
+  else delay=$(( draw % (span + 1) )); fi
   run trial.orvel; pid=$!
   sleep "$(printf '%d.%03d' $((delay / 1000)) $((delay % 1000)))"
   kill -INT "$pid" 2> /dev/null; wait "$pid"; code=$?
