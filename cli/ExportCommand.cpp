@@ -4,7 +4,7 @@
 
 #include "cli/InterruptibleFeedback.h"
 #include "cli/TerminalProgress.h"
-#include "definitions/FileEditorOperationDefinitions.h"
+#include "definitions/ExportDefinitions.h"
 #include "fileeditor/DataExporter.h"
 
 namespace zarvi {
@@ -79,8 +79,8 @@ int ExportCommand::run(const QStringList& arguments)
     DataExportResult result;
     {
         InterruptibleFeedback feedback;
-        feedback.setLabel(TerminalProgress::plainText(
-            FileEditorOperationDefinitions::exportingLabel().arg(config.outputPath)));
+        feedback.setLabel(
+            TerminalProgress::plainText(ExportDefinitions::exportingLabel().arg(config.outputPath)));
         result = DataExporter::run(config, &feedback);
         feedback.finish();
     }

@@ -16,6 +16,7 @@
 #include "datafile/ImageFrameReader.h"
 #include "datafile/SignalDataset.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "definitions/ExportDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/CsvTableWriter.h"
@@ -30,6 +31,7 @@ namespace {
 
 using FD = FileDefinitions;
 using Texts = FileEditorOperationDefinitions;
+using ExportTexts = ExportDefinitions;
 
 enum class OutputFormat
 {
@@ -131,7 +133,7 @@ bool readSignals(HDF5Manager_V6& file, const std::vector<ExportableDataset>& ite
         if (i == 0) {
             table.columns.push_back(TableColumn{FD::TimeKey, Texts::SecondsUnit, std::move(signal.time)});
         } else if (signal.time != table.columns.front().values) {
-            result.error = Texts::exportTimeBaseMessage().arg(items.front().path, items[i].path);
+            result.error = ExportTexts::exportTimeBaseMessage().arg(items.front().path, items[i].path);
             return false;
         }
         table.columns.push_back(TableColumn{unique[i], signal.unit, std::move(signal.values)});
@@ -276,7 +278,7 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
     const std::size_t count =
         config.frameCount > 0 ? config.frameCount : (frames > first ? frames - first : std::size_t(0));
     if (first >= frames || count == 0 || count > frames - first) {
-        result.error = Texts::exportFrameRangeMessage().arg(first + 1).arg(first + count).arg(frames);
+        result.error = ExportTexts::exportFrameRangeMessage().arg(first + 1).arg(first + count).arg(frames);
         return;
     }
     // The frames go to a file beside the output (same folder, so same file system),
@@ -405,7 +407,7 @@ std::vector<ExportableDataset> DataExporter::exportableDatasets(const QString& f
     LockedFileRead read(filepath);
     if (!read.isOpen()) {
         error = read.isBusy()
-                    ? Texts::fileBusyMessage().arg(filepath)
+                    ? ExportTexts::fileBusyMessage().arg(filepath)
                     : Texts::unableToOpenMessage().arg(filepath) + QStringLiteral("<br>") + read.error();
         return items;
     }
@@ -425,11 +427,11 @@ DataExportResult DataExporter::run(const DataExportConfig& config, Feedback* fee
     result.outputPath = config.outputPath;
     const OutputFormat format = formatOf(config.outputPath);
     if (format == OutputFormat::Unknown) {
-        result.error = Texts::exportExtensionMessage().arg(config.outputPath);
+        result.error = ExportTexts::exportExtensionMessage().arg(config.outputPath);
         return result;
     }
     if (config.datapaths.isEmpty()) {
-        result.error = Texts::exportNothingMessage();
+        result.error = ExportTexts::exportNothingMessage();
         return result;
     }
     auto source = std::make_optional<LockedFileRead>(config.filepath, LockedFileRead::Wait::Yes);
@@ -443,7 +445,7 @@ DataExportResult DataExporter::run(const DataExportConfig& config, Feedback* fee
     for (const QString& path : config.datapaths) {
         std::optional<ExportableDataset> item = classify(file, path);
         if (!item) {
-            result.error = Texts::exportUnknownDatasetMessage().arg(path);
+            result.error = ExportTexts::exportUnknownDatasetMessage().arg(path);
             return result;
         }
         items.push_back(std::move(*item));
@@ -451,15 +453,15 @@ DataExportResult DataExporter::run(const DataExportConfig& config, Feedback* fee
     const ExportKind kind = items.front().kind;
     if (std::any_of(items.begin(), items.end(),
                     [kind](const ExportableDataset& i) { return i.kind != kind; }))
-        result.error = Texts::exportMixedMessage();
+        result.error = ExportTexts::exportMixedMessage();
     else if ((kind == ExportKind::ImageStack) != (format == OutputFormat::Tiff))
-        result.error = Texts::exportFormatMessage().arg(config.outputPath);
+        result.error = ExportTexts::exportFormatMessage().arg(config.outputPath);
     else if (kind == ExportKind::ImageStack && items.size() > 1)
-        result.error = Texts::exportOneStackMessage();
+        result.error = ExportTexts::exportOneStackMessage();
     else if (kind == ExportKind::Matrix && items.size() > 1)
-        result.error = Texts::exportOneMatrixMessage();
+        result.error = ExportTexts::exportOneMatrixMessage();
     else if (kind == ExportKind::Coordinates && items.size() > 1)
-        result.error = Texts::exportOneCoordinatesMessage();
+        result.error = ExportTexts::exportOneCoordinatesMessage();
     if (!result.ok())
         return result;
     if (kind == ExportKind::ImageStack) {

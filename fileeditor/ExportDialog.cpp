@@ -16,6 +16,7 @@
 #include <QVBoxLayout>
 
 #include "datafile/DataFileTree.h"
+#include "definitions/ExportDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 
@@ -24,6 +25,7 @@ namespace zarvi {
 namespace {
 
 using Texts = FileEditorOperationDefinitions;
+using ExportTexts = ExportDefinitions;
 
 constexpr int indexRole = Qt::UserRole;
 
@@ -44,17 +46,17 @@ QString kindText(ExportKind kind)
 {
     switch (kind) {
     case ExportKind::Events:
-        return Texts::eventsKindText();
+        return ExportTexts::eventsKindText();
     case ExportKind::Matrix:
-        return Texts::matrixKindText();
+        return ExportTexts::matrixKindText();
     case ExportKind::ImageStack:
-        return Texts::imageStackKindText();
+        return ExportTexts::imageStackKindText();
     case ExportKind::Coordinates:
-        return Texts::coordinatesKindText();
+        return ExportTexts::coordinatesKindText();
     case ExportKind::Signal:
         break;
     }
-    return Texts::signalKindText();
+    return ExportTexts::signalKindText();
 }
 
 /// path with its suffix replaced by (or, without one, extended with) suffix.
@@ -70,7 +72,7 @@ QString withSuffix(const QString& path, const QString& suffix)
 ExportDialog::ExportDialog(const QString& file, const QStringList& selectedPaths, QWidget* parent)
     : QDialog(parent), m_file(file)
 {
-    setWindowTitle(Texts::exportWindowTitle());
+    setWindowTitle(ExportTexts::exportWindowTitle());
     // Wide enough to show a whole file path.
     setMinimumWidth(560);
     buildWidgets();
@@ -92,7 +94,7 @@ void ExportDialog::buildWidgets()
     auto* fileLabel = new QLabel(QStringLiteral("<b>%1</b>").arg(m_file.toHtmlEscaped()), this);
     fileLabel->setObjectName(QStringLiteral("lb_file"));
     layout->addWidget(fileLabel);
-    layout->addWidget(new QLabel(Texts::datasetsLabel(), this));
+    layout->addWidget(new QLabel(ExportTexts::datasetsLabel(), this));
     m_list = new QListWidget(this);
     m_list->setObjectName(QStringLiteral("lw_datasets"));
     layout->addWidget(m_list);
@@ -101,7 +103,7 @@ void ExportDialog::buildWidgets()
     m_format = new QComboBox(this);
     m_format->setObjectName(QStringLiteral("cb_format"));
     m_format->addItems({QStringLiteral(".csv"), QStringLiteral(".xlsx"), QStringLiteral(".tif")});
-    form->addRow(Texts::formatLabel(), m_format);
+    form->addRow(ExportTexts::formatLabel(), m_format);
     auto* outputRow = new QHBoxLayout;
     m_output = new QLineEdit(this);
     m_output->setObjectName(QStringLiteral("le_output"));
@@ -110,24 +112,24 @@ void ExportDialog::buildWidgets()
     browse->setText(Texts::browseText());
     outputRow->addWidget(m_output);
     outputRow->addWidget(browse);
-    form->addRow(Texts::outputLabel(), outputRow);
+    form->addRow(ExportTexts::outputLabel(), outputRow);
     layout->addLayout(form);
 
-    m_frames = new QGroupBox(Texts::framesTitle(), this);
+    m_frames = new QGroupBox(ExportTexts::framesTitle(), this);
     m_frames->setObjectName(QStringLiteral("gb_frames"));
     auto* framesForm = new QFormLayout(m_frames);
     m_firstFrame = new QSpinBox(m_frames);
     m_firstFrame->setObjectName(QStringLiteral("sb_firstFrame"));
     m_lastFrame = new QSpinBox(m_frames);
     m_lastFrame->setObjectName(QStringLiteral("sb_lastFrame"));
-    framesForm->addRow(Texts::firstFrameLabel(), m_firstFrame);
-    framesForm->addRow(Texts::lastFrameLabel(), m_lastFrame);
+    framesForm->addRow(ExportTexts::firstFrameLabel(), m_firstFrame);
+    framesForm->addRow(ExportTexts::lastFrameLabel(), m_lastFrame);
     m_frames->setEnabled(false);
     layout->addWidget(m_frames);
 
     auto* buttons = new QHBoxLayout;
     buttons->addStretch();
-    auto* exportButton = new QPushButton(Texts::exportButtonText(), this);
+    auto* exportButton = new QPushButton(ExportTexts::exportButtonText(), this);
     exportButton->setObjectName(QStringLiteral("pb_export"));
     auto* closeButton = new QPushButton(Texts::closeButtonText(), this);
     closeButton->setObjectName(QStringLiteral("pb_close"));
@@ -212,8 +214,9 @@ void ExportDialog::onFormatChanged()
 
 void ExportDialog::browseOutput()
 {
-    static const QStringList filters{Texts::csvFilter(), Texts::xlsxFilter(), Texts::tiffExportFilter()};
-    const QString path = QFileDialog::getSaveFileName(this, Texts::outputLabel(), m_output->text(),
+    static const QStringList filters{ExportTexts::csvFilter(), ExportTexts::xlsxFilter(),
+                                     ExportTexts::tiffExportFilter()};
+    const QString path = QFileDialog::getSaveFileName(this, ExportTexts::outputLabel(), m_output->text(),
                                                       filters[m_format->currentIndex()]);
     if (!path.isEmpty())
         m_output->setText(withSuffix(path, suffixOf(static_cast<Format>(m_format->currentIndex()))));
@@ -225,11 +228,11 @@ std::optional<DataExportConfig> ExportDialog::buildConfig(QString& problem) cons
     const std::vector<ExportableDataset> checked = checkedDatasets();
     const QString output = m_output->text().trimmed();
     if (checked.empty()) {
-        problem = Texts::exportNothingMessage();
+        problem = ExportTexts::exportNothingMessage();
         return std::nullopt;
     }
     if (output.isEmpty()) {
-        problem = Texts::chooseOutputMessage();
+        problem = ExportTexts::chooseOutputMessage();
         return std::nullopt;
     }
     DataExportConfig config;
@@ -240,7 +243,7 @@ std::optional<DataExportConfig> ExportDialog::buildConfig(QString& problem) cons
     config.outputPath = withSuffix(output, suffixOf(format));
     if (format == Tiff && m_frames->isEnabled()) {
         if (m_lastFrame->value() < m_firstFrame->value()) {
-            problem = Texts::exportFrameRangeMessage()
+            problem = ExportTexts::exportFrameRangeMessage()
                           .arg(m_firstFrame->value())
                           .arg(m_lastFrame->value())
                           .arg(m_lastFrame->maximum());
@@ -257,12 +260,12 @@ bool ExportDialog::exportData()
     QString problem;
     const std::optional<DataExportConfig> config = buildConfig(problem);
     if (!config) {
-        m_present(Texts::exportWindowTitle(), problem, QMessageBox::Warning);
+        m_present(ExportTexts::exportWindowTitle(), problem, QMessageBox::Warning);
         return false;
     }
     DataExportResult result;
     BackgroundJob job(ZarviMainDefinitions::progressTitle());
-    job.exec(Texts::exportingLabel().arg(config->outputPath),
+    job.exec(ExportTexts::exportingLabel().arg(config->outputPath),
              [&](Feedback& feedback) { result = DataExporter::run(*config, &feedback); });
     if (result.canceled)
         return false;
@@ -270,7 +273,7 @@ bool ExportDialog::exportData()
         m_present(ZarviMainDefinitions::errorOperationTitle(), result.error, QMessageBox::Critical);
         return false;
     }
-    m_present(Texts::exportedTitle(), Texts::exportedMessage().arg(result.outputPath),
+    m_present(ExportTexts::exportedTitle(), ExportTexts::exportedMessage().arg(result.outputPath),
               QMessageBox::Information);
     m_exportedFile = result.outputPath;
     accept();
