@@ -164,14 +164,9 @@ bool spreadsheetFrom(const Arguments& parsed, SpreadsheetConversionConfig& confi
         return false;
     }
     config.timeUnit = units.value(unit);
-    const QString events = parsed.values.value(QStringLiteral("--event-columns"));
-    for (const QString& text : events.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        const std::optional<int> column = positiveInt(text.trimmed());
-        if (!column) {
-            problem = QStringLiteral("--event-columns takes column numbers from 1, separated by commas");
-            return false;
-        }
-        config.eventColumns.push_back(*column - 1);
+    if (!parseEventColumns(parsed.values.value(QStringLiteral("--event-columns")), config.eventColumns)) {
+        problem = QStringLiteral("--event-columns takes column numbers from 1, separated by commas");
+        return false;
     }
     if (!parseTriggerColumns(parsed.values.value(QStringLiteral("--trigger-columns")),
                              config.triggerColumns)) {

@@ -299,14 +299,8 @@ void ConvertDialog::updateColumnRoles()
     // Fields that do not parse yet keep the roles shown; Convert says what is wrong.
     CsvColumnRoles roles;
     roles.timeColumn = m_timeColumn->value() - 1;
-    for (const QString& text : m_eventColumns->text().split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        bool ok = false;
-        const int column = text.trimmed().toInt(&ok);
-        if (!ok || column < 1)
-            return;
-        roles.eventColumns.push_back(column - 1);
-    }
-    if (!parseTriggerColumns(m_triggerColumns->text(), roles.triggerColumns))
+    if (!parseEventColumns(m_eventColumns->text(), roles.eventColumns) ||
+        !parseTriggerColumns(m_triggerColumns->text(), roles.triggerColumns))
         return;
     roles.signalUnit = m_signalUnit->text().trimmed();
     m_columnPreview->setRoles(roles);
@@ -438,14 +432,9 @@ std::optional<ConversionRequest> ConvertDialog::buildRequest(QString& problem) c
         config.destination = to;
         config.timeColumn = m_timeColumn->value() - 1;
         config.timeUnit = static_cast<TimeUnit>(m_timeUnit->currentData().toInt());
-        for (const QString& text : m_eventColumns->text().split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-            bool ok = false;
-            const int column = text.trimmed().toInt(&ok);
-            if (!ok || column < 1) {
-                problem = Texts::eventColumnsMessage().arg(m_eventColumns->text());
-                return std::nullopt;
-            }
-            config.eventColumns.push_back(column - 1);
+        if (!parseEventColumns(m_eventColumns->text(), config.eventColumns)) {
+            problem = Texts::eventColumnsMessage().arg(m_eventColumns->text());
+            return std::nullopt;
         }
         if (!parseTriggerColumns(m_triggerColumns->text(), config.triggerColumns)) {
             problem = Texts::triggerColumnsMessage().arg(m_triggerColumns->text());

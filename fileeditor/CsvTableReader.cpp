@@ -168,6 +168,19 @@ bool parseTriggerColumns(const QString& text, std::vector<CsvTriggerColumn>& col
     return true;
 }
 
+bool parseEventColumns(const QString& text, std::vector<int>& columns)
+{
+    columns.clear();
+    for (const QString& item : text.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        bool ok = false;
+        const int column = item.trimmed().toInt(&ok);
+        if (!ok || column < 1)
+            return false;
+        columns.push_back(column - 1);
+    }
+    return true;
+}
+
 CsvPreview CsvTableReader::preview(const QString& path, int lineCount, CsvDelimiter delimiter,
                                    const QString& sheet)
 {

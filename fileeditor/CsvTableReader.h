@@ -49,6 +49,10 @@ std::pair<QString, QString> splitHeaderUnit(const QString& header);
 /// colon) into 0-based trigger columns; false on any other text.
 bool parseTriggerColumns(const QString& text, std::vector<CsvTriggerColumn>& columns);
 
+/// Reads column numbers from 1 separated by commas into 0-based event columns; false on
+/// any other text.
+bool parseEventColumns(const QString& text, std::vector<int>& columns);
+
 struct CsvTableReaderConfig
 {
     QString path;

@@ -126,6 +126,11 @@ TEST(SpreadsheetConverter, TriggerColumnsBecomePulsesAndHeaderUnitsBecomeUnits)
     std::vector<CsvTriggerColumn> parsed;
     EXPECT_FALSE(parseTriggerColumns(QStringLiteral("4:high"), parsed));
     EXPECT_FALSE(parseTriggerColumns(QStringLiteral("0"), parsed));
+    std::vector<int> eventColumns;
+    EXPECT_TRUE(parseEventColumns(QStringLiteral(" 3, 10"), eventColumns));
+    EXPECT_EQ(eventColumns, (std::vector<int>{2, 9}));
+    EXPECT_FALSE(parseEventColumns(QStringLiteral("3,0"), eventColumns));
+    EXPECT_FALSE(parseEventColumns(QStringLiteral("3;4"), eventColumns));
     config.destination.filepath = dir.file(QStringLiteral("refused.orvel"));
     config.triggerColumns = {CsvTriggerColumn{6, {}}};
     EXPECT_EQ(SpreadsheetConverter::convert(config).error, "Column 7 is given two roles; choose one.");
