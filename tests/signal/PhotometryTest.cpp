@@ -64,8 +64,9 @@ TEST(RansacLineFit, FollowsTheIterationRuleAndRejectsInadmissiblePairs)
     const double sx = test::sampleDeviation(x);
     const double sy = test::sampleDeviation(y);
     for (int run = 0; run < 5; ++run) {
-        const RansacLineFit::Result fit = RansacLineFit::fit(x, y, 0.3, nullptr);
+        RansacLineFit::Result fit = RansacLineFit::fit(x, y, 0.3, nullptr);
         ASSERT_TRUE(fit.outcome.ok());
+        RansacLineFit::markInliers(fit, x, y, 0.3);
         EXPECT_GE(fit.slope, 0.0);
         EXPECT_LE(fit.slope, sy / sx);
         EXPECT_FALSE(std::fabs(fit.b) < 0.5 * sx && std::fabs(fit.a) < 0.5 * sy);

@@ -284,26 +284,35 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
         feedback->warn(Defs::allInliersWarning().arg(threshold));
 
     setLabel(feedback, Defs::calculatingFittedIsosbesticLabel());
-    const std::size_t n = biosensor.values.size();
-    std::vector<double> fitted(n);
-    for (std::size_t i = 0; i < n; ++i)
-        fitted[i] = result.fit.slope * isosbestic.values[i] + result.fit.intercept;
-
     // Detrended or standardised signals sit near zero, so only raw signals are divided.
     const bool ratio = !slopeRemoved && !standardized;
+    const double slope = result.fit.slope;
+    const double intercept = result.fit.intercept;
+    const std::size_t n = biosensor.values.size();
+    result.time = std::move(biosensor.time);
+    if (!config.keepPreviewData) {
+        // A run needs only the difference: it replaces the biosensor's values where they
+        // are, without a buffer of fitted values.
+        for (std::size_t i = 0; i < n; ++i) {
+            const double fitted = slope * isosbestic.values[i] + intercept;
+            const double difference = biosensor.values[i] - fitted;
+            biosensor.values[i] = ratio ? difference / fitted : difference;
+        }
+        result.deltaF = std::move(biosensor.values);
+        return result;
+    }
+    RansacLineFit::markInliers(result.fit, isosbestic.values, biosensor.values, config.residualThreshold);
+    std::vector<double> fitted(n);
+    for (std::size_t i = 0; i < n; ++i)
+        fitted[i] = slope * isosbestic.values[i] + intercept;
     result.deltaF.resize(n);
     for (std::size_t i = 0; i < n; ++i) {
         const double difference = biosensor.values[i] - fitted[i];
         result.deltaF[i] = ratio ? difference / fitted[i] : difference;
     }
-    result.time = std::move(biosensor.time);
-    if (config.keepPreviewData) {
-        result.isosbesticForFit = std::move(isosbestic.values);
-        result.biosensorForFit = std::move(biosensor.values);
-        result.fittedIsosbestic = std::move(fitted);
-    } else {
-        result.fit.residuals.clear();
-    }
+    result.isosbesticForFit = std::move(isosbestic.values);
+    result.biosensorForFit = std::move(biosensor.values);
+    result.fittedIsosbestic = std::move(fitted);
     return result;
 }
 

@@ -51,8 +51,8 @@ public:
     {
         std::vector<double> time;   ///< time of the biosensor samples kept
         std::vector<double> deltaF; ///< a ratio or a difference, never a percentage
-        /// The line fit: line, inlier mask, inlier count and iteration count (its
-        /// residuals only with keepPreviewData).
+        /// The line fit: line, inlier count and iteration count (its inlier mask only
+        /// with keepPreviewData).
         RansacLineFit::Result fit;
 
         // With keepPreviewData only:

@@ -148,13 +148,16 @@ RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<co
     result.slope = -result.a / result.b;
     result.intercept = -result.c / result.b;
     result.inlierCount = bestCount;
-    result.residuals.resize(n);
-    result.inliers.resize(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        result.residuals[i] = std::fabs(result.a * x[i] + result.b * y[i] + result.c);
-        result.inliers[i] = result.residuals[i] < residualThreshold ? 1 : 0;
-    }
     return result;
+}
+
+void RansacLineFit::markInliers(Result& result, std::span<const double> x, std::span<const double> y,
+                                double residualThreshold)
+{
+    const std::size_t n = std::min(x.size(), y.size());
+    result.inliers.resize(n);
+    for (std::size_t i = 0; i < n; ++i)
+        result.inliers[i] = std::fabs(result.a * x[i] + result.b * y[i] + result.c) < residualThreshold ? 1 : 0;
 }
 
 double RansacLineFit::proposedThreshold(std::span<const double> x, std::span<const double> y)

@@ -31,9 +31,7 @@ public:
         /// The same line as y = slope x + intercept; the slope is never negative.
         double slope = 0.0;
         double intercept = 0.0;
-        /// |a x + b y + c| per sample for the best line.
-        std::vector<double> residuals;
-        /// 1 where the residual is below the threshold.
+        /// 1 where |a x + b y + c| is below the threshold; filled by markInliers() only.
         std::vector<std::uint8_t> inliers;
         std::size_t inlierCount = 0;
         long long iterations = 0;
@@ -56,6 +54,11 @@ public:
     /// denominators). A model's residual is its distance from the line times the distance
     /// between its two samples, which scale with the signals' spreads; for standardised
     /// signals this is 0.5, the declared default.
+    /// Fills result.inliers for the samples the fit was made on. Only the preview draws
+    /// them, so a run does not spend a pass and a buffer of the signal's length on them.
+    static void markInliers(Result& result, std::span<const double> x, std::span<const double> y,
+                            double residualThreshold);
+
     static double proposedThreshold(std::span<const double> x, std::span<const double> y);
 };
 
