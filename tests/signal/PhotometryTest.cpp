@@ -294,5 +294,43 @@ TEST(PhotometryDeltaF, RunsTheStagesInOrderAndSkipsWhatIsNotAsked)
               QStringLiteral("Bad value for decimation factor."));
 }
 
+TEST(PhotometryDeltaF, ComputesBothSignalsTogetherEachAsAloneAndStopsBothOnCancel)
+{
+    // Lines of time with a small wobble left for the fit: an order-1 polynomial slope is
+    // close to each signal's own line, so each slope shows whose samples it came from.
+    Signal isosbestic;
+    Signal biosensor;
+    for (std::size_t i = 0; i < 4000; ++i) {
+        const double t = static_cast<double>(i) / 100.0;
+        isosbestic.time.push_back(t);
+        const double wobble = 0.01 * std::sin(2.0 * std::numbers::pi * 0.7 * t);
+        isosbestic.values.push_back(1.0 + 0.01 * t + wobble);
+        biosensor.time.push_back(t);
+        biosensor.values.push_back(5.0 - 0.02 * t + 2.0 * wobble);
+    }
+    QVariantMap parameters{{Defs::RemoveSlopeMethod, Defs::Polynomial},
+                           {Defs::SlopeOrder, 1},
+                           {Defs::ResidualThreshold, 0.5}};
+    PhotometryDeltaF::Config config = PhotometryDeltaF::Config::fromParameters(ParameterValues(parameters));
+    config.keepPreviewData = true;
+    test::RecordingFeedback counting;
+    const PhotometryDeltaF::Result result = PhotometryDeltaF::compute(config, isosbestic, biosensor, &counting);
+    ASSERT_TRUE(result.outcome.ok()) << result.outcome.error.toStdString();
+    for (std::size_t i = 0; i < 4000; i += 100) {
+        const double t = isosbestic.time[i];
+        EXPECT_NEAR(result.isosbesticSlope[i], 1.0 + 0.01 * t, 0.01) << i;
+        EXPECT_NEAR(result.biosensorSlope[i], 5.0 - 0.02 * t, 0.01) << i;
+    }
+
+    // A cancel in any stage stops the run, whichever core the stage was on.
+    const long long polls = counting.polls();
+    ASSERT_GT(polls, 8);
+    for (const long long after : {0LL, polls / 8, polls / 4, polls / 2}) {
+        test::RecordingFeedback cancel(after);
+        EXPECT_TRUE(PhotometryDeltaF::compute(config, isosbestic, biosensor, &cancel).outcome.isCancelled())
+            << after;
+    }
+}
+
 } // namespace
 } // namespace zarvi

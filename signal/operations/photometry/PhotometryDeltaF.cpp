@@ -10,7 +10,10 @@
 #include "signal/operations/standardize/ZScore.h"
 
 #include <algorithm>
+#include <atomic>
+#include <chrono>
 #include <functional>
+#include <future>
 
 namespace zarvi {
 
@@ -26,17 +29,41 @@ void setLabel(Feedback* feedback, const QString& label)
         feedback->setLabel(label);
 }
 
-/// Runs one stage on both signals, the isosbestic filling the first half of the
-/// progress bar and the biosensor the second; stops at the first failure.
+/// The feedback of the stage that runs on the second core: it reports nothing (the
+/// first core reports for both) and is cancelled when the first core says so.
+class StopFlagFeedback : public Feedback
+{
+public:
+    explicit StopFlagFeedback(const std::atomic<bool>& stop) : m_stop(stop) {}
+    bool isCanceled() const override { return m_stop.load(std::memory_order_relaxed); }
+
+private:
+    const std::atomic<bool>& m_stop;
+};
+
+/// Runs one stage on both signals at once, the isosbestic on a second thread: the two
+/// are independent, so each comes out as it would alone. The biosensor's stage reports
+/// progress and polls the user's cancel, and passes a cancel or failure on to the
+/// isosbestic's. An isosbestic failure is reported first, as when the stages ran in turn.
 KernelOutcome forBoth(Signal& isosbestic, Signal& biosensor, Feedback* feedback,
                       const std::function<KernelOutcome(Signal&, Feedback*)>& stage)
 {
-    ScaledFeedback first(feedback, 0, 50);
-    const KernelOutcome outcome = stage(isosbestic, feedback ? &first : nullptr);
-    if (!outcome.ok())
-        return outcome;
-    ScaledFeedback second(feedback, 50, 100);
-    return stage(biosensor, feedback ? &second : nullptr);
+    std::atomic<bool> stop{false};
+    StopFlagFeedback isosbesticFeedback(stop);
+    std::future<KernelOutcome> isosbesticDone =
+        std::async(std::launch::async, [&] { return stage(isosbestic, &isosbesticFeedback); });
+    const KernelOutcome biosensorOutcome = stage(biosensor, feedback);
+    if (!biosensorOutcome.ok())
+        stop = true;
+    // A cancel must reach the isosbestic's stage while it finishes alone.
+    while (isosbesticDone.wait_for(std::chrono::milliseconds(5)) != std::future_status::ready) {
+        if (feedback && feedback->isCanceled())
+            stop = true;
+    }
+    const KernelOutcome isosbesticOutcome = isosbesticDone.get();
+    if (isosbesticOutcome.isFailed() || biosensorOutcome.ok())
+        return isosbesticOutcome;
+    return biosensorOutcome;
 }
 
 void eraseFront(Signal& s, std::size_t count)
@@ -256,10 +283,10 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
 
     const bool slopeRemoved = !config.slope.method.isEmpty();
     if (slopeRemoved) {
-        std::vector<double>* slopes[] = {&result.isosbesticSlope, &result.biosensorSlope};
-        int which = 0;
-        if (!run(Defs::removingSlopeLabel(),
-                 [&](Signal& s, Feedback* f) { return subtractSlope(s, config.slope, *slopes[which++], f); }))
+        if (!run(Defs::removingSlopeLabel(), [&](Signal& s, Feedback* f) {
+                return subtractSlope(s, config.slope,
+                                     &s == &isosbestic ? result.isosbesticSlope : result.biosensorSlope, f);
+            }))
             return failure(outcome);
         if (!config.keepPreviewData) {
             result.isosbesticSlope.clear();
