@@ -29,31 +29,33 @@ void SignalOperationProcess::runOperation()
     runInputs(run, static_cast<int>(inputs.size()), [&](int i, Feedback* step) {
         m_stepFeedback = step;
         const QStringList& paths = inputs[i];
-        m_otherInputs.assign(static_cast<std::size_t>(paths.size() - 1), Signal{});
-        QString error;
-        for (qsizetype k = 0; k + 1 < paths.size(); ++k) {
-            if (!SignalDataset::read(run.file(), paths[k], m_otherInputs[static_cast<std::size_t>(k)],
-                                     error)) {
+        const auto others = static_cast<std::size_t>(paths.size() - 1);
+        m_otherInputs.assign(others, Signal{});
+        m_otherRates.assign(others, 0.0);
+        // Reads one signal, with its time vector or only the time's ends.
+        const auto readSignal = [&](const QString& path, Signal& signal, double& rate) {
+            QString error;
+            TimeSpan span;
+            const bool read = readsTime() ? SignalDataset::read(run.file(), path, signal, error)
+                                          : SignalDataset::readValues(run.file(), path, signal, span, error);
+            if (!read)
                 addError(error);
+            rate = readsTime() ? sampleRateOf(signal.time) : sampleRateOf(span.count, span.first, span.last);
+            return read;
+        };
+        for (std::size_t k = 0; k < others; ++k) {
+            if (!readSignal(paths[static_cast<qsizetype>(k)], m_otherInputs[k], m_otherRates[k]))
                 return false;
-            }
         }
-        TimeSpan span;
-        const bool read = readsInputTime()
-                              ? SignalDataset::read(run.file(), paths.last(), m_input, error)
-                              : SignalDataset::readValues(run.file(), paths.last(), m_input, span, error);
-        if (!read) {
-            addError(error);
+        if (!readSignal(paths.last(), m_input, m_inputRate))
             return false;
-        }
-        m_inputRate =
-            readsInputTime() ? sampleRateOf(m_input.time) : sampleRateOf(span.count, span.first, span.last);
         m_inputPath = paths.last();
         m_output = Signal{};
         m_output.unit = m_input.unit;
         m_outputAttributes.clear();
         if (!computeOperation() || isCanceled())
             return false;
+        QString error;
         const QString written =
             keepsInputTime()
                 ? run.writeSignalWithInputTime(m_inputPath, m_output, error, outputSensor(),
@@ -73,6 +75,7 @@ void SignalOperationProcess::runOperation()
     m_stepFeedback = nullptr;
     m_input = Signal{};
     m_otherInputs.clear();
+    m_otherRates.clear();
     m_output = Signal{};
     m_outputAttributes.clear();
 }

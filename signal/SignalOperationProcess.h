@@ -37,17 +37,19 @@ protected:
     /// The output's time is the input's: it is then copied inside the file, not written
     /// back from m_output.time, and computeOperation() may leave m_output.time empty.
     virtual bool keepsInputTime() const { return false; }
-    /// False for an operation that needs only the input's sample rate: the input's time
-    /// vector is then not read (m_input.time stays empty), only its ends.
-    virtual bool readsInputTime() const { return true; }
+    /// False for an operation that needs only the sample rates: the time vectors of the
+    /// input's signals are then not read (their `time` stays empty), only their ends.
+    virtual bool readsTime() const { return true; }
 
     /// The last signal of the current input and its path.
     Signal m_input;
     QString m_inputPath;
     /// The sample rate of m_input, from the ends of its time vector (see sampleRateOf()).
     double m_inputRate = 0.0;
-    /// The other signals of the current input, in the order inputsOf() gave them.
+    /// The other signals of the current input, in the order inputsOf() gave them, and
+    /// their sample rates.
     std::vector<Signal> m_otherInputs;
+    std::vector<double> m_otherRates;
     /// What computeOperation() produces (with the input's unit unless it sets another).
     Signal m_output;
     /// Attributes of the output's values besides the run's, e.g. what a fit found.

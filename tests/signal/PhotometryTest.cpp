@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
 #include <random>
 #include <vector>
@@ -330,6 +331,35 @@ TEST(PhotometryDeltaF, ComputesBothSignalsTogetherEachAsAloneAndStopsBothOnCance
         EXPECT_TRUE(PhotometryDeltaF::compute(config, isosbestic, biosensor, &cancel).outcome.isCancelled())
             << after;
     }
+}
+
+TEST(PhotometryDeltaF, NeedsOnlyTheRatesUnlessAStageWorksOnTimes)
+{
+    const Signal isosbestic = isosbesticSignal();
+    const Signal biosensor = biosensorOf(isosbestic, 500, 700);
+    QVariantMap parameters{{Defs::SmoothMethod, Defs::RunningAverage},
+                           {Defs::SmoothTimeFrame, 0.25},
+                           {Defs::StandardizeMethod, Defs::StandardZScore},
+                           {Defs::ResidualThreshold, 0.01}};
+    PhotometryDeltaF::Config config = PhotometryDeltaF::Config::fromParameters(ParameterValues(parameters));
+    ASSERT_FALSE(config.needsTime());
+    Signal isosbesticRate{isosbestic.values, {}, 100.0};
+    Signal biosensorRate{biosensor.values, {}, 100.0};
+    // The fit draws with rand(): the same seed gives the same draws.
+    std::srand(11);
+    const PhotometryDeltaF::Result withTimes = PhotometryDeltaF::compute(config, isosbestic, biosensor, nullptr);
+    std::srand(11);
+    const PhotometryDeltaF::Result withRates =
+        PhotometryDeltaF::compute(config, isosbesticRate, biosensorRate, nullptr);
+    ASSERT_TRUE(withRates.outcome.ok()) << withRates.outcome.error.toStdString();
+    EXPECT_EQ(withRates.deltaF, withTimes.deltaF);
+    EXPECT_TRUE(withRates.time.empty());
+
+    // Discard works on times, so a signal without them is refused.
+    config.discardStart = 1.0;
+    EXPECT_TRUE(config.needsTime());
+    EXPECT_EQ(PhotometryDeltaF::compute(config, isosbesticRate, biosensorRate, nullptr).outcome.error,
+              Defs::valuesTimeMismatchMessage());
 }
 
 } // namespace

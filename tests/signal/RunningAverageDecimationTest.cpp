@@ -24,16 +24,16 @@ TEST(RunningAverage, AveragesWithMirroredEndsAndTheEvenWindowScaling)
     const std::vector<double> x{1.0, 4.0, 2.0, 8.0, 5.0, 7.0};
     // 128 Hz keeps times and windows exact in binary.
     const double fs = 128.0;
-    const std::vector<double> time = timeAt(fs, x.size());
+    const double rate = fs;
 
     // W = 1: h = 0, each output is its own sample.
-    const VectorResult one = RunningAverage::compute(x, time, 1.0 / fs, nullptr);
+    const VectorResult one = RunningAverage::compute(x, rate, 1.0 / fs, nullptr);
     ASSERT_TRUE(one.outcome.ok());
     EXPECT_EQ(one.values, x);
 
     // W = 4: h = 2, five samples summed and divided by 4.
     // Index -1 reads x1, -2 reads x2; index 6 reads x4 and 7 reads x3.
-    const VectorResult four = RunningAverage::compute(x, time, 4.0 / fs, nullptr);
+    const VectorResult four = RunningAverage::compute(x, rate, 4.0 / fs, nullptr);
     ASSERT_TRUE(four.outcome.ok());
     const std::vector<double> expected{
         (2.0 + 4.0 + 1.0 + 4.0 + 2.0) / 4.0, // x2 x1 | x0 x1 x2
@@ -56,9 +56,9 @@ TEST(RunningAverage, AveragesWithMirroredEndsAndTheEvenWindowScaling)
 
     // A window shorter than one sample is refused, and so is one longer than the signal,
     // however long (no conversion of 1e300 samples to a count).
-    EXPECT_TRUE(RunningAverage::compute(x, time, 0.5 / fs, nullptr).outcome.isFailed());
+    EXPECT_TRUE(RunningAverage::compute(x, rate, 0.5 / fs, nullptr).outcome.isFailed());
     for (const double seconds : {(x.size() + 1) / fs, 1e300}) {
-        const VectorResult tooLong = RunningAverage::compute(x, time, seconds, nullptr);
+        const VectorResult tooLong = RunningAverage::compute(x, rate, seconds, nullptr);
         EXPECT_TRUE(tooLong.outcome.isFailed());
         EXPECT_TRUE(tooLong.outcome.error.contains(QStringLiteral("longer than the signal")));
     }

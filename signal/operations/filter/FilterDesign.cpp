@@ -1,7 +1,6 @@
 #include "signal/operations/filter/FilterDesign.h"
 
 #include "definitions/SignalOperationDefinitions.h"
-#include "signal/operations/SampleRate.h"
 
 #include <algorithm>
 
@@ -10,13 +9,12 @@ namespace zarvi {
 using Defs = SignalOperationDefinitions;
 
 FilterDesign::Result FilterDesign::design(const QString& filterType, std::span<const double> cutoffs,
-                                          double sampleRate, std::span<const double> time)
+                                          double rate)
 {
     const std::optional<FilterKind> kind = kindFromName(filterType);
     if (!kind)
         return {Butterworth{}, KernelOutcome::failed(Defs::unknownFilterTypeMessage().arg(filterType))};
 
-    const double rate = sampleRate == RateFromTime ? sampleRateOf(time) : sampleRate;
     Result result{Butterworth(*kind), KernelOutcome::completed()};
     const bool outside =
         std::any_of(cutoffs.begin(), cutoffs.end(), [rate](double f) { return !isBelowNyquist(f, rate); });

@@ -18,9 +18,6 @@ namespace zarvi {
 class FilterDesign
 {
 public:
-    /// Pass as the sample rate to take the rate from the signal's time vector instead.
-    static constexpr double RateFromTime = -1.0;
-
     struct Result
     {
         Butterworth filter;
@@ -31,8 +28,7 @@ public:
     /// filters span the first to the last one (centre = (low + high) / 2,
     /// width = high - low). Fails with "Wrong low-high filter frequencies." when a
     /// cut-off is not strictly between 0 and half the sample rate, or a band is empty.
-    static Result design(const QString& filterType, std::span<const double> cutoffs, double sampleRate,
-                         std::span<const double> time = {});
+    static Result design(const QString& filterType, std::span<const double> cutoffs, double sampleRate);
 
     /// The cut-off list of a parameter map: LowCutoffFrequency first when present,
     /// then HighCutoffFrequency when present.

@@ -15,7 +15,7 @@ class FilterProcess : public SignalOperationProcess
 protected:
     bool computeOperation() override;
     bool keepsInputTime() const override { return true; }
-    bool readsInputTime() const override { return false; }
+    bool readsTime() const override { return false; }
 };
 
 } // namespace zarvi

@@ -112,10 +112,16 @@ KernelOutcome decimate(Signal& s, int factor, Feedback* feedback)
     return kept.outcome;
 }
 
+/// The sample rate of a signal, from its time when it has one.
+double rateOf(const Signal& s)
+{
+    return s.time.empty() ? s.rate : sampleRateOf(s.time);
+}
+
 KernelOutcome smooth(Signal& s, const PhotometryDeltaF::Config& config, Feedback* feedback)
 {
     return Smoothing::apply({config.smoothMethod, config.smoothTimeFrame, config.smoothFrequency}, s.values,
-                            s.time, feedback);
+                            rateOf(s), feedback);
 }
 
 /// Subtracts the slope of the chosen method and keeps it in `slope`.
@@ -151,6 +157,8 @@ struct KeptSamples
 
 KeptSamples keptSamples(const Signal& s, const PhotometryDeltaF::Config& config)
 {
+    if (s.time.empty()) // left out: nothing is discarded or decimated
+        return {s.values.size(), s.values.size() >= 2 ? s.rate : 0.0};
     auto first = s.time.begin();
     auto last = s.time.end();
     if (config.discardStart && !s.time.empty())
@@ -231,11 +239,17 @@ PhotometryDeltaF::Config PhotometryDeltaF::Config::fromParameters(const Paramete
     return config;
 }
 
+bool PhotometryDeltaF::Config::needsTime() const
+{
+    return discardStart || discardEnd || decimationFactor != 0 || !slope.method.isEmpty();
+}
+
 PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal isosbestic, Signal biosensor,
                                                    Feedback* feedback)
 {
     for (const Signal* s : {&isosbestic, &biosensor}) {
-        if (s->values.size() != s->time.size())
+        const bool timeLeftOut = s->time.empty() && !config.needsTime();
+        if (s->values.size() != s->time.size() && !timeLeftOut)
             return failure(KernelOutcome::failed(Defs::valuesTimeMismatchMessage()));
     }
     KernelOutcome outcome = checkAgainstSignals(config, isosbestic, biosensor);
@@ -268,7 +282,7 @@ PhotometryDeltaF::Result PhotometryDeltaF::compute(const Config& config, Signal 
     Result result;
     const bool lowPass = config.smoothMethod == Defs::LowPassButterworthFilter;
     const bool smoothing = Smoothing::isKnownMethod(config.smoothMethod);
-    const double decimatedRate = sampleRateOf(biosensor.time);
+    const double decimatedRate = rateOf(biosensor);
     if (lowPass && isSmoothingCutoffTooHigh(config.smoothFrequency, decimatedRate)) {
         if (feedback)
             feedback->warn(Defs::smoothingCutoffTooHighMessage().arg(Defs::SmoothSignals));

@@ -39,17 +39,22 @@ public:
 
         /// Reads the keys of the operation's parameter map.
         static Config fromParameters(const ParameterValues& parameters);
+        /// True when a stage needs the signals' times (discard, decimation, slope
+        /// removal); the others need only the sample rates.
+        bool needsTime() const;
     };
 
     struct Signal
     {
         std::vector<double> values;
+        /// May be left empty when the config does not need it; `rate` then gives the rate.
         std::vector<double> time;
+        double rate = 0.0;
     };
 
     struct Result
     {
-        std::vector<double> time;   ///< time of the biosensor samples kept
+        std::vector<double> time;   ///< time of the biosensor samples kept (empty if left out)
         std::vector<double> deltaF; ///< a ratio or a difference, never a percentage
         /// The line fit: line, inlier count and iteration count (its inlier mask only
         /// with keepPreviewData).

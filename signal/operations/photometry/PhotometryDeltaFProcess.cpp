@@ -30,13 +30,19 @@ QString PhotometryDeltaFProcess::outputSensor() const
     return m_parameters.text(SD::BiosensorName);
 }
 
+bool PhotometryDeltaFProcess::readsTime() const
+{
+    return PhotometryDeltaF::Config::fromParameters(m_parameters).needsTime();
+}
+
 bool PhotometryDeltaFProcess::computeOperation()
 {
     const PhotometryDeltaF::Config config = PhotometryDeltaF::Config::fromParameters(m_parameters);
     Signal& isosbestic = m_otherInputs.front();
     PhotometryDeltaF::Result result =
-        PhotometryDeltaF::compute(config, {std::move(isosbestic.values), std::move(isosbestic.time)},
-                                  {std::move(m_input.values), std::move(m_input.time)}, m_stepFeedback);
+        PhotometryDeltaF::compute(config,
+                                  {std::move(isosbestic.values), std::move(isosbestic.time), m_otherRates.front()},
+                                  {std::move(m_input.values), std::move(m_input.time), m_inputRate}, m_stepFeedback);
     if (result.outcome.isFailed())
         addError(result.outcome.error);
     if (!result.outcome.ok())

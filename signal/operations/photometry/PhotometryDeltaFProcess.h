@@ -22,6 +22,10 @@ protected:
     QString outputSensor() const override;
     /// ΔF/F of the current pair: the isosbestic signal with m_input (the biosensor) into m_output.
     bool computeOperation() override;
+    /// Without discard, decimation or slope removal only the rates are needed, and the
+    /// output's time is the biosensor's, copied inside the file.
+    bool readsTime() const override;
+    bool keepsInputTime() const override { return !readsTime(); }
 };
 
 } // namespace zarvi

@@ -1,6 +1,7 @@
 #include "signal/operations/slope/SlopeBaseline.h"
 
 #include "definitions/SignalOperationDefinitions.h"
+#include "signal/operations/SampleRate.h"
 #include "signal/operations/slope/ArplsBaseline.h"
 #include "signal/operations/slope/PolynomialBaseline.h"
 #include "signal/operations/smooth/RunningAverage.h"
@@ -14,7 +15,7 @@ VectorResult SlopeBaseline::compute(const Config& config, std::span<const double
     if (config.method == Defs::Arpls)
         return ArplsBaseline::compute(values, config.lambda, config.ratio, feedback);
     if (config.method == Defs::RunningAverage)
-        return RunningAverage::compute(values, time, config.timeWindow, feedback);
+        return RunningAverage::compute(values, sampleRateOf(time), config.timeWindow, feedback);
     if (config.method == Defs::Polynomial)
         return PolynomialBaseline::compute(values, time, config.order, feedback);
     return {{}, KernelOutcome::failed(Defs::unknownSlopeMethodMessage().arg(config.method))};

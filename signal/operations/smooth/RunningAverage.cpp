@@ -1,7 +1,6 @@
 #include "signal/operations/smooth/RunningAverage.h"
 
 #include "definitions/SignalOperationDefinitions.h"
-#include "signal/operations/SampleRate.h"
 
 namespace zarvi {
 
@@ -24,10 +23,9 @@ inline std::size_t mirrored(long long k, long long n)
 
 } // namespace
 
-VectorResult RunningAverage::compute(std::span<const double> values, std::span<const double> time,
-                                     double windowSeconds, Feedback* feedback)
+VectorResult RunningAverage::compute(std::span<const double> values, double rate, double windowSeconds,
+                                     Feedback* feedback)
 {
-    const double rate = sampleRateOf(time);
     if (isWindowTooShort(rate, windowSeconds))
         return {{}, KernelOutcome::failed(SignalOperationDefinitions::windowTooShortMessage())};
     // Checked before the conversion to a count, which a huge window would overflow.

@@ -13,10 +13,10 @@ namespace zarvi {
 class RunningAverage
 {
 public:
-    /// W = int(sample rate of `time` x windowSeconds) samples; see computeSamples().
+    /// W = int(sampleRate x windowSeconds) samples; see computeSamples().
     /// Fails when W is below one sample or longer than the signal.
-    static VectorResult compute(std::span<const double> values, std::span<const double> time,
-                                double windowSeconds, Feedback* feedback);
+    static VectorResult compute(std::span<const double> values, double sampleRate, double windowSeconds,
+                                Feedback* feedback);
     /// True when a window of `windowSeconds` holds less than one sample at `sampleRate`;
     /// the kernel refuses such a window and the views say so beside the field.
     static bool isWindowTooShort(double sampleRate, double windowSeconds)

@@ -13,8 +13,7 @@ bool SmoothProcess::computeOperation()
                                    m_parameters.number(SD::SmoothTimeFrame),
                                    m_parameters.number(SD::SmoothFrequency)};
     m_output.values = std::move(m_input.values);
-    m_output.time = std::move(m_input.time);
-    const KernelOutcome outcome = Smoothing::apply(config, m_output.values, m_output.time, m_stepFeedback);
+    const KernelOutcome outcome = Smoothing::apply(config, m_output.values, m_inputRate, m_stepFeedback);
     if (outcome.isFailed())
         addError(outcome.error);
     return outcome.ok();

@@ -15,6 +15,7 @@ class SmoothProcess : public SignalOperationProcess
 protected:
     bool computeOperation() override;
     bool keepsInputTime() const override { return true; }
+    bool readsTime() const override { return false; }
 };
 
 } // namespace zarvi

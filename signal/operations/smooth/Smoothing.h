@@ -27,12 +27,12 @@ public:
     /// True when `method` names one of the two smoothing methods.
     static bool isKnownMethod(const QString& method);
 
-    /// Smooths `values` in place; `time` gives the sample rate. An empty or unknown
-    /// method leaves the values as they are. Fails when the window is shorter than one
-    /// sample or the cut-off is not below half the sample rate. On cancel the values
-    /// may be partly smoothed and must be discarded.
-    static KernelOutcome apply(const Config& config, std::vector<double>& values,
-                               std::span<const double> time, Feedback* feedback);
+    /// Smooths `values`, sampled at `sampleRate`, in place. An empty or unknown method
+    /// leaves the values as they are. Fails when the window is shorter than one sample
+    /// or the cut-off is not below half the sample rate. On cancel the values may be
+    /// partly smoothed and must be discarded.
+    static KernelOutcome apply(const Config& config, std::vector<double>& values, double sampleRate,
+                               Feedback* feedback);
 };
 
 } // namespace zarvi
