@@ -190,8 +190,8 @@ bool HDF5Writer_V6::move(hid_t location, const QString& from, const QString& to)
     return true;
 }
 
-bool HDF5Writer_V6::copy(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
-                         const QString& destinationName)
+bool HDF5Writer_V6::canNameAgain(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
+                                 const QString& destinationName)
 {
     if (!isValidLocation(destinationLocation))
         return false;
@@ -204,11 +204,33 @@ bool HDF5Writer_V6::copy(hid_t sourceLocation, const QString& sourceName, hid_t 
         setError(QStringLiteral("Object already exists: %1").arg(destinationName));
         return false;
     }
+    return true;
+}
+
+bool HDF5Writer_V6::copy(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
+                         const QString& destinationName)
+{
+    if (!canNameAgain(sourceLocation, sourceName, destinationLocation, destinationName))
+        return false;
     // Default copy properties take attributes and, for a group, every member.
     const HDF5Handle links = utf8LinkProperties();
     if (H5Ocopy(sourceLocation, objectName(sourceName).constData(), destinationLocation,
                 objectName(destinationName).constData(), H5P_DEFAULT, links.get()) < 0) {
         setLibraryError(QStringLiteral("Unable to copy %1 to %2").arg(sourceName, destinationName));
+        return false;
+    }
+    return true;
+}
+
+bool HDF5Writer_V6::link(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
+                         const QString& destinationName)
+{
+    if (!canNameAgain(sourceLocation, sourceName, destinationLocation, destinationName))
+        return false;
+    const HDF5Handle links = utf8LinkProperties();
+    if (H5Lcreate_hard(sourceLocation, objectName(sourceName).constData(), destinationLocation,
+                       objectName(destinationName).constData(), links.get(), H5P_DEFAULT) < 0) {
+        setLibraryError(QStringLiteral("Unable to link %1 to %2").arg(sourceName, destinationName));
         return false;
     }
     return true;

@@ -32,6 +32,10 @@ public:
     bool move(hid_t location, const QString& from, const QString& to);
     bool copy(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
               const QString& destinationName);
+    /// A second name for the object at sourceName (a hard link): both names reach the same
+    /// stored object, which lives on until its last name is removed.
+    bool link(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
+              const QString& destinationName);
     /// Gives destination (a file, group or dataset, possibly of another file) exactly the
     /// attributes of source, each in its stored type and shape; its own are removed first.
     bool copyAttributes(hid_t source, hid_t destination);
@@ -39,25 +43,26 @@ public:
     /// Chunked dataset; deflateLevel 0 means uncompressed. Use H5S_UNLIMITED in
     /// maximumDimensions for growable axes.
     hid_t createDataset(hid_t location, ElementKind kind, const QString& name, int rank,
-                        const std::vector<hsize_t>& maximumDimensions, const std::vector<hsize_t>& chunkDimensions,
+                        const std::vector<hsize_t>& maximumDimensions,
+                        const std::vector<hsize_t>& chunkDimensions,
                         const std::vector<hsize_t>& initialDimensions, int deflateLevel);
     /// Rank 1, length 0, unlimited, chunk min(expectedLength, 65536), uncompressed.
     hid_t create1D(hid_t location, ElementKind kind, const QString& name, hsize_t expectedLength);
     /// "ImageStack"-style stack: uint16, height x width x 0 growing by frames,
     /// one chunk per frame, then "BitCount", "Format", "Height", "Width".
-    hid_t createImageStack(hid_t location, const QString& name, int height, int width, int format, int bitCount,
-                           int deflateLevel);
+    hid_t createImageStack(hid_t location, const QString& name, int height, int width, int format,
+                           int bitCount, int deflateLevel);
 
     /// Writes count elements per dimension at start, inside the current extent.
     template <NumericElement T>
-    bool write(hid_t dataset, const T* data, const std::vector<hsize_t>& start, const std::vector<hsize_t>& count)
+    bool write(hid_t dataset, const T* data, const std::vector<hsize_t>& start,
+               const std::vector<hsize_t>& count)
     {
         return writeRaw(dataset, elementKindOf<T>(), data, start, count);
     }
     /// Grows the last axis by count's last entry and writes the block at the old end;
     /// the other entries of count must equal the dataset's extent.
-    template <NumericElement T>
-    bool append(hid_t dataset, const T* data, const std::vector<hsize_t>& count)
+    template <NumericElement T> bool append(hid_t dataset, const T* data, const std::vector<hsize_t>& count)
     {
         return appendRaw(dataset, elementKindOf<T>(), data, count);
     }
@@ -79,6 +84,9 @@ public:
     bool flush();
 
 private:
+    /// The source exists and the destination name is free; otherwise lastError() says which.
+    bool canNameAgain(hid_t sourceLocation, const QString& sourceName, hid_t destinationLocation,
+                      const QString& destinationName);
     /// The location is open and the name not empty; otherwise lastError() says which.
     bool canWriteAttribute(hid_t location, const QString& name);
     /// Deletes an attribute of that name, if any, so that a new one can be created.

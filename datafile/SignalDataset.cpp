@@ -182,14 +182,9 @@ bool SignalDataset::writeWithTimeOf(HDF5Writer_V6& file, const QString& groupPat
         return false;
     }
     const QVariantMap valueAttributes = withUnit(attributes, signal.unit);
-    // The library copies the chunks as they are stored, attributes included; the unit is
-    // then set as write() sets it, should the source's be missing.
-    bool ok = file.copy(file.fileId(), sourceTime, group, FileDefinitions::Time);
-    if (ok) {
-        const hid_t time = file.openDataset(group, FileDefinitions::Time);
-        ok = time >= 0 && file.writeAttribute(time, FileDefinitions::Unit, QStringLiteral("s"));
-        file.closeDataset(time);
-    }
+    // The output's "Time" is the input's own dataset under a second name: nothing is
+    // copied, and it is left exactly as it is, attributes included.
+    bool ok = file.link(file.fileId(), sourceTime, group, FileDefinitions::Time);
     if (!ok)
         error = FileDefinitions::unableToCreateDatasetMessage().arg(FileDefinitions::Time) +
                 QLatin1Char(' ') + file.lastError();

@@ -50,8 +50,8 @@ public:
                       const QVariantMap& attributes, QString& error);
 
     /// As write(), but "Time" is the "Time" of the signal at `timeSourcePath` (a values
-    /// path), copied inside the file by the HDF5 library rather than read and written
-    /// back; `signal.time` is not used. Its length must equal the values'.
+    /// path) under a second name, a hard link, rather than read and written back;
+    /// `signal.time` is not used. Its length must equal the values'.
     static bool writeWithTimeOf(HDF5Writer_V6& file, const QString& groupPath, const QString& timeSourcePath,
                                 const Signal& signal, const QVariantMap& attributes, QString& error);
 

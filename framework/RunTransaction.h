@@ -79,8 +79,8 @@ public:
     /// "SourceDatapath" and `extra`; returns the written values path, empty on failure.
     QString writeSignal(const QString& inputPath, const Signal& signal, QString& error,
                         const QString& sensor = QString(), const QVariantMap& extra = {});
-    /// As writeSignal(), but the output's "Time" is the input's, copied inside the file
-    /// (see SignalDataset::writeWithTimeOf); `signal.time` is not used.
+    /// As writeSignal(), but the output's "Time" is the input's own dataset, linked under
+    /// the output (see SignalDataset::writeWithTimeOf); `signal.time` is not used.
     QString writeSignalWithInputTime(const QString& inputPath, const Signal& signal, QString& error,
                                      const QString& sensor = QString(), const QVariantMap& extra = {});
     /// Attributes every output dataset of the run carries.

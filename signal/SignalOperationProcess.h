@@ -34,8 +34,8 @@ protected:
     virtual QList<QStringList> inputsOf(HDF5Manager_V6& file);
     /// Name of the output's sensor group; empty names it after the input's sensor.
     virtual QString outputSensor() const { return {}; }
-    /// The output's time is the input's: it is then copied inside the file, not written
-    /// back from m_output.time, and computeOperation() may leave m_output.time empty.
+    /// The output's time is the input's: the input's "Time" is then linked under the output,
+    /// not written back from m_output.time, and computeOperation() may leave m_output.time empty.
     virtual bool keepsInputTime() const { return false; }
     /// False for an operation that needs only the sample rates: the time vectors of the
     /// input's signals are then not read (their `time` stays empty), only their ends.

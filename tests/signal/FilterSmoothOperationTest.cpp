@@ -1,6 +1,7 @@
 #include "SignalOpsTestSupport.h"
 #include "common/TempDir.h"
 
+#include "datafile/HDF5Writer_V6.h"
 #include "definitions/FileDefinitions.h"
 #include "framework/OperationRunner.h"
 #include "signal/operations/filter/FilterDesign.h"
@@ -140,6 +141,24 @@ TEST_F(SignalOperationTest, FilterAndSmoothKeepTheInputTimeSampleForSample)
         EXPECT_EQ(test::attributesOf(file, time).value(QStringLiteral("Unit")).toString(),
                   QStringLiteral("s"));
     }
+
+    // The outputs' Time is the input's own dataset under more names, and outlives it.
+    {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(writer.open(file), 0);
+        for (const QString& values : {path, filtered.datapaths.first(), smoothed.datapaths.first()}) {
+            const QString time = values.left(values.lastIndexOf(QLatin1Char('/'))) + QStringLiteral("/Time");
+            H5O_info_t info;
+            ASSERT_GE(H5Oget_info_by_name2(writer.fileId(), time.toUtf8().constData(), &info, H5O_INFO_BASIC,
+                                           H5P_DEFAULT),
+                      0);
+            EXPECT_EQ(info.rc, 3u) << time.toStdString();
+        }
+        ASSERT_TRUE(writer.deleteLink(writer.fileId(), inputGroup));
+        writer.closeFile();
+    }
+    for (const QString& values : {filtered.datapaths.first(), smoothed.datapaths.first()})
+        EXPECT_EQ(test::readSignal(file, values).time, input.time) << values.toStdString();
 }
 
 TEST_F(SignalOperationTest, FilterRefusesInconsistentCutoffsAndWritesNothing)

@@ -23,7 +23,7 @@ protected:
     /// ΔF/F of the current pair: the isosbestic signal with m_input (the biosensor) into m_output.
     bool computeOperation() override;
     /// Without discard, decimation or slope removal only the rates are needed, and the
-    /// output's time is the biosensor's, copied inside the file.
+    /// output's time is the biosensor's own "Time", linked under the output.
     bool readsTime() const override;
     bool keepsInputTime() const override { return !readsTime(); }
 };
