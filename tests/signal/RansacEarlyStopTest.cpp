@@ -57,19 +57,21 @@ Model plainFit(const std::vector<double>& x, const std::vector<double>& y, doubl
     return best;
 }
 
-void expectSameModel(const std::vector<double>& x, const std::vector<double>& y, double threshold,
-                     const char* data)
+/// Returns the models the fit counted.
+long long expectSameModel(const std::vector<double>& x, const std::vector<double>& y, double threshold,
+                          const char* data)
 {
     std::srand(5);
     const Model expected = plainFit(x, y, threshold);
     std::srand(5);
     const RansacLineFit::Result fit = RansacLineFit::fit(x, y, threshold, nullptr);
-    ASSERT_TRUE(fit.outcome.ok()) << data;
+    EXPECT_TRUE(fit.outcome.ok()) << data;
     EXPECT_EQ(fit.a, expected.a) << data << " " << threshold;
     EXPECT_EQ(fit.b, expected.b) << data << " " << threshold;
     EXPECT_EQ(fit.c, expected.c) << data << " " << threshold;
     EXPECT_EQ(fit.inlierCount, expected.inliers) << data << " " << threshold;
     EXPECT_EQ(fit.iterations, expected.iterations) << data << " " << threshold;
+    return fit.iterations;
 }
 
 TEST(RansacLineFit, StoppingALosingCountEarlyChoosesTheModelOfAFullCount)
@@ -126,6 +128,29 @@ TEST(RansacLineFit, CountingCellByCellGivesTheCountsOfEverySample)
         y[i] = i % 2 == 0 ? uniform(generator) : 0.9 * x[i] + 0.05 + 0.01 * noise(generator);
     }
     expectSameModel(x, y, 0.01, "square and line");
+}
+
+TEST(RansacLineFit, OnBothCoresTheFitIsThatOfOneCountAfterAnother)
+{
+    // Long enough for the grid to be sorted in two halves and for models to be counted in
+    // batches on both cores. Many inliers: every model is one of the first thousand. Few
+    // inliers: the fit runs well past them, one model at a time.
+    std::mt19937 generator(17);
+    std::normal_distribution<double> noise(0.0, 0.02);
+    std::uniform_real_distribution<double> spread(-1.0, 1.0);
+    std::vector<double> x(300000), y(300000);
+    for (const int inlierEvery : {1, 64}) {
+        for (std::size_t i = 0; i < x.size(); ++i) {
+            x[i] = spread(generator);
+            y[i] = i % inlierEvery == 0 ? 0.7 * x[i] + 0.1 + noise(generator) : spread(generator);
+        }
+        const long long models =
+            expectSameModel(x, y, 0.02, inlierEvery == 1 ? "many inliers" : "few inliers");
+        if (inlierEvery == 1)
+            EXPECT_EQ(models, RansacLineFit::MinIterations);
+        else
+            EXPECT_GT(models, RansacLineFit::MinIterations);
+    }
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <future>
 #include <limits>
 
 namespace zarvi {
@@ -15,6 +16,36 @@ constexpr std::size_t FewestSamples = std::size_t{1} << 14;
 /// counted sample by sample; this bounds the rounding, relative to the values' size, that
 /// the grid accepts (double arithmetic errs by a few 1e-16 of it).
 constexpr double RoundingBound = 1e-12;
+
+/// From this many samples the sort runs on both cores; below it a thread costs more than
+/// it saves.
+constexpr std::size_t TwoHalvesFrom = std::size_t{1} << 18;
+
+/// The samples' bounds in plain passes the compiler can vectorise; x * 0 turns NaN for a
+/// NaN or an infinity, so one sum tells whether every sample is finite.
+struct Range
+{
+    double xMin = 0.0, xMax = 0.0, yMin = 0.0, yMax = 0.0, finite = 0.0;
+
+    Range joined(const Range& other) const
+    {
+        return {std::min(xMin, other.xMin), std::max(xMax, other.xMax), std::min(yMin, other.yMin),
+                std::max(yMax, other.yMax), finite + other.finite};
+    }
+};
+
+Range rangeOf(std::span<const double> x, std::span<const double> y, std::size_t begin, std::size_t end)
+{
+    Range r{x[begin], x[begin], y[begin], y[begin], 0.0};
+    for (std::size_t i = begin; i < end; ++i) {
+        r.xMin = x[i] < r.xMin ? x[i] : r.xMin;
+        r.xMax = x[i] > r.xMax ? x[i] : r.xMax;
+        r.yMin = y[i] < r.yMin ? y[i] : r.yMin;
+        r.yMax = y[i] > r.yMax ? y[i] : r.yMax;
+        r.finite += x[i] * 0.0 + y[i] * 0.0;
+    }
+    return r;
+}
 
 } // namespace
 
@@ -30,45 +61,73 @@ InlierGrid::InlierGrid(std::span<const double> x, std::span<const double> y)
     const std::size_t n = x.size();
     if (n < FewestSamples || y.size() != n || n >= std::numeric_limits<std::uint32_t>::max())
         return;
-    // The range in plain passes the compiler can vectorise; x * 0 turns NaN for a NaN or
-    // an infinity, so one sum tells whether every sample is finite.
-    double xMax = x[0], yMax = y[0], finite = 0.0;
-    m_xMin = x[0];
-    m_yMin = y[0];
-    for (std::size_t i = 0; i < n; ++i) {
-        m_xMin = x[i] < m_xMin ? x[i] : m_xMin;
-        xMax = x[i] > xMax ? x[i] : xMax;
-        m_yMin = y[i] < m_yMin ? y[i] : m_yMin;
-        yMax = y[i] > yMax ? y[i] : yMax;
-        finite += x[i] * 0.0 + y[i] * 0.0;
-    }
-    if (finite != 0.0)
+    // Long signals are sorted in two halves, one on each core; the halves meet only in
+    // the running sum, which puts the first half's samples of a cell before the second's,
+    // as one pass over all of them would.
+    const std::size_t half = n >= TwoHalvesFrom ? n / 2 : n;
+    const auto inBoth = [half, n](auto&& step) {
+        if (half == n) {
+            step(0, n);
+            return;
+        }
+        auto upper = std::async(std::launch::async, [&] { step(half, n); });
+        step(0, half);
+        upper.get();
+    };
+
+    Range lower, upper;
+    inBoth([&](std::size_t begin, std::size_t end) {
+        (begin == 0 ? lower : upper) = rangeOf(x, y, begin, end);
+    });
+    const Range range = half == n ? lower : lower.joined(upper);
+    if (range.finite != 0.0)
         return;
+    m_xMin = range.xMin;
+    m_yMin = range.yMin;
     // About four samples per cell where they spread evenly; a line's band then crosses
     // about as many columns as a cell holds samples.
     m_side =
         std::clamp<std::size_t>(static_cast<std::size_t>(std::sqrt(static_cast<double>(n)) / 2.0), 16, 1024);
-    m_xStep = (xMax - m_xMin) / static_cast<double>(m_side);
-    m_yStep = (yMax - m_yMin) / static_cast<double>(m_side);
+    m_xStep = (range.xMax - m_xMin) / static_cast<double>(m_side);
+    m_yStep = (range.yMax - m_yMin) / static_cast<double>(m_side);
     if (!(m_xStep > 0.0) || !(m_yStep > 0.0) || !std::isfinite(m_xStep) || !std::isfinite(m_yStep))
         return;
     m_xPerColumn = 1.0 / m_xStep;
     m_yPerRow = 1.0 / m_yStep;
-    m_xMagnitude = std::max(std::fabs(m_xMin), std::fabs(xMax));
-    m_yMagnitude = std::max(std::fabs(m_yMin), std::fabs(yMax));
+    m_xMagnitude = std::max(std::fabs(m_xMin), std::fabs(range.xMax));
+    m_yMagnitude = std::max(std::fabs(m_yMin), std::fabs(range.yMax));
 
-    // A counting sort by cell: counts, their running sum, then each sample to its place.
-    m_cellStart.assign(m_side * m_side + 1, 0);
-    for (std::size_t i = 0; i < n; ++i)
-        ++m_cellStart[cellOf(x[i], y[i]) + 1];
-    for (std::size_t k = 1; k < m_cellStart.size(); ++k)
-        m_cellStart[k] += m_cellStart[k - 1];
-    std::vector<std::uint32_t> next(m_cellStart.begin(), m_cellStart.end() - 1);
+    // A counting sort by cell: each half's counts, their running sum, then each sample
+    // to its place, where the counts become each half's next free place in a cell.
+    const std::size_t cells = m_side * m_side;
+    std::vector<std::uint32_t> lowerNext(cells, 0), upperNext(half == n ? 0 : cells, 0);
+    inBoth([&](std::size_t begin, std::size_t end) {
+        std::uint32_t* counts = begin == 0 ? lowerNext.data() : upperNext.data();
+        for (std::size_t i = begin; i < end; ++i)
+            ++counts[cellOf(x[i], y[i])];
+    });
+    m_cellStart.resize(cells + 1);
+    std::uint32_t start = 0;
+    for (std::size_t cell = 0; cell < cells; ++cell) {
+        m_cellStart[cell] = start;
+        const std::uint32_t lowerCount = lowerNext[cell];
+        lowerNext[cell] = start;
+        start += lowerCount;
+        if (half != n) {
+            const std::uint32_t upperCount = upperNext[cell];
+            upperNext[cell] = start;
+            start += upperCount;
+        }
+    }
+    m_cellStart[cells] = start;
     m_order = std::make_unique_for_overwrite<std::uint32_t[]>(n);
     m_x = x.data();
     m_y = y.data();
-    for (std::size_t i = 0; i < n; ++i)
-        m_order[next[cellOf(x[i], y[i])]++] = static_cast<std::uint32_t>(i);
+    inBoth([&](std::size_t begin, std::size_t end) {
+        std::uint32_t* next = begin == 0 ? lowerNext.data() : upperNext.data();
+        for (std::size_t i = begin; i < end; ++i)
+            m_order[next[cellOf(x[i], y[i])]++] = static_cast<std::uint32_t>(i);
+    });
     m_count = n;
 }
 

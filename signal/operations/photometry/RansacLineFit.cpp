@@ -8,6 +8,8 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <future>
+#include <optional>
 #include <utility>
 
 namespace zarvi {
@@ -15,6 +17,19 @@ namespace zarvi {
 namespace {
 
 using Defs = SignalOperationDefinitions;
+
+/// From this many samples the fit spreads its work over both cores.
+constexpr std::size_t BothCoresFrom = std::size_t{1} << 18;
+/// Models drawn ahead and counted together; enough that starting the second core's share
+/// costs little beside the counts.
+constexpr std::size_t Batch = 64;
+
+struct Model
+{
+    double a = 0.0;
+    double b = 0.0;
+    double c = 0.0;
+};
 
 /// Draws an index in [0, n - 1] from the top 15 bits of rand(), the 0..32767 range
 /// the fit was designed with. A draw of 32767 gives exactly n - 1.
@@ -94,54 +109,85 @@ RansacLineFit::Result RansacLineFit::fit(std::span<const double> x, std::span<co
         return withOutcome(KernelOutcome::failed(Defs::signalLengthMismatchMessage().arg(n).arg(y.size())));
     if (n < 2)
         return withOutcome(KernelOutcome::failed(Defs::lineFitTooFewSamplesMessage()));
-    const double sx = Statistics::standardDeviation(x);
+    // The two deviations, and below the grid's two halves, use both cores on long signals.
+    const bool onBothCores = n >= BothCoresFrom;
+    std::future<double> xDeviation = std::async(onBothCores ? std::launch::async : std::launch::deferred,
+                                                [x] { return Statistics::standardDeviation(x); });
     const double sy = Statistics::standardDeviation(y);
+    const double sx = xDeviation.get();
     if (!(sx > 0.0) || !(sy > 0.0))
         return withOutcome(KernelOutcome::failed(Defs::lineFitConstantSignalMessage()));
     const double maxSlope = sy / sx;
 
     // Long signals are counted from a grid of their samples, which gives the same counts.
     const InlierGrid grid(x, y);
-    const auto inliersOf = [&](double a, double b, double c, std::size_t needed) {
-        return grid.usable() ? grid.count(a, b, c, residualThreshold, needed)
-                             : countInliers(x.data(), y.data(), n, a, b, c, residualThreshold, needed);
+    const auto inliersOf = [&](const Model& model, std::size_t needed) {
+        return grid.usable() ? grid.count(model.a, model.b, model.c, residualThreshold, needed)
+                             : countInliers(x.data(), y.data(), n, model.a, model.b, model.c,
+                                            residualThreshold, needed);
     };
 
-    Result result;
+    // The next model from two drawn samples, or the outcome that ends the fit.
     ProgressTracker progress(feedback, 100);
-    std::size_t bestCount = 0;
-    long long required = MinIterations;
-    while (result.iterations < required) {
-        if (progress.isCanceled())
-            return withOutcome(KernelOutcome::cancelled());
-        double a = 0.0;
-        double b = 0.0;
-        double c = 0.0;
+    const auto draw = [&](Model& model) -> std::optional<KernelOutcome> {
         for (long long attempt = 1;; ++attempt) {
             const std::size_t i1 = drawIndex(n);
             const std::size_t i2 = drawIndex(n);
             const double x1 = x[i1], y1 = y[i1], x2 = x[i2], y2 = y[i2];
-            a = y1 - y2;
-            b = x2 - x1;
-            c = -(x2 - x1) * y1 - x1 * (y1 - y2);
+            model.a = y1 - y2;
+            model.b = x2 - x1;
+            model.c = -(x2 - x1) * y1 - x1 * (y1 - y2);
             const bool tooClose = std::fabs(x1 - x2) < 0.5 * sx && std::fabs(y1 - y2) < 0.5 * sy;
-            const double slope = -a / b;
+            const double slope = -model.a / model.b;
             if (!tooClose && slope >= 0.0 && slope <= maxSlope)
-                break;
+                return std::nullopt;
             if (attempt >= MaxDrawsPerModel)
-                return withOutcome(KernelOutcome::failed(Defs::lineFitNoPairMessage()));
+                return KernelOutcome::failed(Defs::lineFitNoPairMessage());
             if (attempt % 4096 == 0 && progress.isCanceled())
-                return withOutcome(KernelOutcome::cancelled());
+                return KernelOutcome::cancelled();
         }
-        const std::size_t count = inliersOf(a, b, c, bestCount);
-        if (count >= bestCount) {
-            bestCount = count;
-            result.a = a;
-            result.b = b;
-            result.c = c;
+    };
+
+    Result result;
+    std::size_t bestCount = 0;
+    long long required = MinIterations;
+    std::array<Model, Batch> batch;
+    std::array<std::size_t, Batch> counts{};
+    while (result.iterations < required) {
+        if (progress.isCanceled())
+            return withOutcome(KernelOutcome::cancelled());
+        // The first MinIterations models are counted whatever the counts, so those can be
+        // drawn ahead in batches and counted on both cores against the best count before
+        // the batch. A count below that is never used; one at or above it is exact, so the
+        // models kept are those of counting one after another. Later models depend on the
+        // counts before them and are drawn one at a time. Batches start small, as a count
+        // stops early only once some best count is known.
+        const long long certain = std::min({MinIterations - result.iterations, static_cast<long long>(Batch),
+                                            std::max(1LL, result.iterations)});
+        const std::size_t size = onBothCores && certain >= 2 ? static_cast<std::size_t>(certain) : 1;
+        for (std::size_t k = 0; k < size; ++k) {
+            if (std::optional<KernelOutcome> end = draw(batch[k]))
+                return withOutcome(std::move(*end));
         }
-        ++result.iterations;
-        required = requiredIterations(bestCount, n);
+        const std::size_t needed = bestCount;
+        const auto countFrom = [&](std::size_t first) {
+            for (std::size_t k = first; k < size; k += 2)
+                counts[k] = inliersOf(batch[k], needed);
+        };
+        std::future<void> odd =
+            std::async(size > 1 ? std::launch::async : std::launch::deferred, countFrom, 1);
+        countFrom(0);
+        odd.get();
+        for (std::size_t k = 0; k < size; ++k) {
+            if (counts[k] >= bestCount) {
+                bestCount = counts[k];
+                result.a = batch[k].a;
+                result.b = batch[k].b;
+                result.c = batch[k].c;
+            }
+            ++result.iterations;
+            required = requiredIterations(bestCount, n);
+        }
         progress.update(static_cast<std::size_t>(100.0 * result.iterations / required));
     }
 
@@ -157,7 +203,8 @@ void RansacLineFit::markInliers(Result& result, std::span<const double> x, std::
     const std::size_t n = std::min(x.size(), y.size());
     result.inliers.resize(n);
     for (std::size_t i = 0; i < n; ++i)
-        result.inliers[i] = std::fabs(result.a * x[i] + result.b * y[i] + result.c) < residualThreshold ? 1 : 0;
+        result.inliers[i] =
+            std::fabs(result.a * x[i] + result.b * y[i] + result.c) < residualThreshold ? 1 : 0;
 }
 
 double RansacLineFit::proposedThreshold(std::span<const double> x, std::span<const double> y)
