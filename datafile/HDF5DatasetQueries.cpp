@@ -4,6 +4,7 @@
 #include "datafile/HDF5Block.h"
 #include "datafile/HDF5Handle.h"
 #include "datafile/MemoryBudget.h"
+#include "datafile/ParallelChunkRead.h"
 
 #include <limits>
 
@@ -227,6 +228,9 @@ bool HDF5Manager_V6::readRaw(hid_t dataset, ElementKind kind, const std::vector<
         setError(block.problem());
         return false;
     }
+    if (count.size() == 1 && start[0] == 0 && dimensions(dataset) == count &&
+        ParallelChunkRead::read(dataset, nativeTypeOf(kind), static_cast<std::size_t>(count[0]), out))
+        return true;
     if (!block.read(nativeTypeOf(kind), out)) {
         setLibraryError(QStringLiteral("Unable to read dataset %1").arg(pathOf(dataset)));
         return false;

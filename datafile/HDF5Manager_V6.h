@@ -10,6 +10,7 @@
 #include <hdf5.h>
 
 #include "datafile/ElementKind.h"
+#include "datafile/ParallelChunkRead.h"
 
 namespace zarvi {
 
@@ -103,6 +104,10 @@ public:
         hsize_t elements = 0;
         if (!checkReadable(dataset, count, sizeof(T), elements))
             return false;
+        if (out.capacity() < elements) {
+            out.reserve(static_cast<std::size_t>(elements));
+            touchPagesOnBothCores(out.data(), static_cast<std::size_t>(elements) * sizeof(T));
+        }
         out.resize(static_cast<std::size_t>(elements));
         return readRaw(dataset, elementKindOf<T>(), start, count, out.data());
     }

@@ -280,11 +280,26 @@ const H5FD_class_t DriverClass = {"zarvi-journaled",
 
 } // namespace
 
-bool JournaledFileDriver::use(hid_t fileAccess)
+namespace {
+
+hid_t registeredDriver()
 {
     // Registered once per process; the library keeps the class until it shuts down.
     static const hid_t driver = H5FDregister(&DriverClass);
+    return driver;
+}
+
+} // namespace
+
+bool JournaledFileDriver::use(hid_t fileAccess)
+{
+    const hid_t driver = registeredDriver();
     return driver >= 0 && H5Pset_driver(fileAccess, driver, nullptr) >= 0;
+}
+
+bool JournaledFileDriver::isDriver(hid_t driver)
+{
+    return driver >= 0 && driver == registeredDriver();
 }
 
 } // namespace zarvi

@@ -16,6 +16,8 @@ class JournaledFileDriver
 public:
     /// Sets the driver on a file-access property list; false when the library refuses it.
     static bool use(hid_t fileAccess);
+    /// Whether a file-access property list's driver is this one.
+    static bool isDriver(hid_t driver);
 };
 
 } // namespace zarvi

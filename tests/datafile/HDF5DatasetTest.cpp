@@ -205,3 +205,55 @@ TEST(HDF5Dataset, WholeChunkAndPartialAccessAgreeOnTheSameChunk)
     EXPECT_EQ(converted[0], 42.0f);
     reader.closeDataset(again);
 }
+
+TEST(HDF5Dataset, LongWholeReadsGiveEverySampleWhateverTheLayout)
+{
+    // Long enough to be read straight from the file on two threads; the last chunk is
+    // partly filled, and the tail is appended without whole chunks, so part of it may still
+    // sit in the library's chunk cache when it is read back through the open dataset.
+    const std::size_t n = 1'500'001;
+    const auto expected = [](std::size_t i) { return 0.25 * static_cast<double>(i) - 3.0; };
+    std::vector<double> values(n);
+    for (std::size_t i = 0; i < n; ++i)
+        values[i] = expected(i);
+    const auto expectEverySample = [&](const std::vector<double>& read, const char* what) {
+        ASSERT_EQ(read.size(), n) << what;
+        std::size_t wrong = 0;
+        for (std::size_t i = 0; i < n; ++i)
+            wrong += read[i] == expected(i) ? 0 : 1;
+        EXPECT_EQ(wrong, 0u) << what;
+    };
+
+    TempDir dir;
+    const QString path = dir.file(QStringLiteral("long.orvel"));
+    {
+        HDF5Writer_V6 writer;
+        const hid_t file = writer.create(path);
+        ASSERT_GE(file, 0);
+        const hid_t plain = writer.create1D(file, ElementKind::Float64, QStringLiteral("Plain"), n);
+        ASSERT_TRUE(writer.append(plain, values.data(), {n - 1001}));
+        ASSERT_TRUE(writer.append(plain, values.data() + n - 1001, {1001}));
+        // Packed chunks are not the bytes in memory: the library unpacks them.
+        const hid_t packed = writer.createDataset(file, ElementKind::Float64, QStringLiteral("Packed"), 1,
+                                                  {H5S_UNLIMITED}, {65536}, {0}, 4);
+        ASSERT_TRUE(writer.append(packed, values.data(), {n}));
+        std::vector<double> read;
+        ASSERT_TRUE(writer.read(plain, read));
+        expectEverySample(read, "open for writing");
+        // Read again into the vector that already holds a signal, as operations do.
+        read.assign(n, 0.0);
+        ASSERT_TRUE(writer.read(packed, read));
+        expectEverySample(read, "packed");
+        writer.closeDataset(plain);
+        writer.closeDataset(packed);
+    }
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(path), 0);
+    for (const char* name : {"Plain", "Packed"}) {
+        const hid_t dataset = reader.openDatasetForWholeRead(reader.fileId(), QString::fromLatin1(name));
+        std::vector<double> read;
+        ASSERT_TRUE(reader.read(dataset, read));
+        expectEverySample(read, name);
+        reader.closeDataset(dataset);
+    }
+}
