@@ -14,7 +14,8 @@ namespace zarvi {
 /// only in the cells along the band's edges. The count is exactly that of a pass over
 /// every sample: the cells taken whole lie a full row inside the band, further than any
 /// rounding could move a sample. Keeps the samples' addresses, so it lives no longer than
-/// they do. Built once per fit, on the fit's thread.
+/// they do. Built once per fit, on the fit's thread, which sorts long signals with a second
+/// thread; counted from then on by either.
 class InlierGrid
 {
 public:
