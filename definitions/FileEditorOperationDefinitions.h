@@ -33,6 +33,10 @@ public:
     static QString unableToOpenMessage() { return tr("Unable to open <b>%1</b>."); }
     static QString unableToCreateMessage() { return tr("Unable to create <b>%1</b>: %2"); }
     static QString unableToWriteMessage() { return tr("Unable to write <b>%1</b>: %2"); }
+    static QString sharedTimeLengthMessage()
+    {
+        return tr("Signal <b>%1</b> got %2 samples, but the times it shares with another signal number %3.");
+    }
     static QString notOpenMessage() { return tr("No file is open."); }
     static QString canceledMessage() { return tr("The operation was canceled."); }
 

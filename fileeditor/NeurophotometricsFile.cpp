@@ -323,27 +323,34 @@ ConversionResult NeurophotometricsFile::convert(const RecordingConversionConfig&
     return RecordingWriter::convert(config, parameters, [&](RecordingWriter& writer, QString& error) {
         Layout layout;
         double origin = 0.0;
-        // (LED state, region) -> signal of the writer.
+        // (LED state, region) -> signal of the writer. Every region of a frame is read at
+        // the frame's timestamp, so the regions of one LED state share the first region's
+        // times: only region 0 is given them, the others take their values alone.
         std::map<std::pair<int, std::size_t>, int> streams;
-        const bool read =
-            readFrames(config.sourcePath, layout, origin, feedback, error,
-                       [&](double time, int led, const std::vector<double>& regions) {
-                           for (std::size_t r = 0; r < regions.size(); ++r) {
-                               auto it = streams.find({led, r});
-                               if (it == streams.end()) {
-                                   if (streams.empty())
-                                       writer.addParameter(Texts::TimeOriginKey, origin);
-                                   const QString name = signalName(layout, r, led);
-                                   const int index = writer.addSignal(name, name, QString(), error);
-                                   if (index < 0)
-                                       return false;
-                                   it = streams.emplace(std::make_pair(led, r), index).first;
-                               }
-                               if (!writer.append(it->second, {&regions[r], 1}, {&time, 1}, error))
-                                   return false;
-                           }
-                           return true;
-                       });
+        const bool read = readFrames(
+            config.sourcePath, layout, origin, feedback, error,
+            [&](double time, int led, const std::vector<double>& regions) {
+                for (std::size_t r = 0; r < regions.size(); ++r) {
+                    auto it = streams.find({led, r});
+                    if (it == streams.end()) {
+                        if (streams.empty())
+                            writer.addParameter(Texts::TimeOriginKey, origin);
+                        const QString name = signalName(layout, r, led);
+                        // Region 0 of this state was added just before, in this frame.
+                        const int index = r == 0 ? writer.addSignal(name, name, QString(), error)
+                                                 : writer.addSignalOnTimesOf(streams.at({led, 0}), name, name,
+                                                                             QString(), error);
+                        if (index < 0)
+                            return false;
+                        it = streams.emplace(std::make_pair(led, r), index).first;
+                    }
+                    const bool ok = r == 0 ? writer.append(it->second, {&regions[r], 1}, {&time, 1}, error)
+                                           : writer.appendValues(it->second, {&regions[r], 1}, error);
+                    if (!ok)
+                        return false;
+                }
+                return true;
+            });
         if (!read)
             return false;
         if (config.digitalInputsPath.isEmpty())

@@ -172,9 +172,15 @@ ConversionResult PyPhotometryFile::convert(const RecordingConversionConfig& conf
                                  {Texts::VoltsPerDivisionKey, scale}};
     return RecordingWriter::convert(config, parameters, [&](RecordingWriter& writer, QString& error) {
         const int channels = header.analogCount;
+        // Outside time division every channel is read at the same instants: the first
+        // channel's times serve them all, computed and written once.
+        const bool oneClock = !header.timeDivision;
         for (int c = 0; c < channels; ++c) {
             const QString name = FD::AINPattern.arg(c + 1);
-            if (writer.addSignal(name, name, Texts::VoltsUnit, error) != c)
+            const int index = c > 0 && oneClock
+                                  ? writer.addSignalOnTimesOf(0, name, name, Texts::VoltsUnit, error)
+                                  : writer.addSignal(name, name, Texts::VoltsUnit, error);
+            if (index != c)
                 return false;
         }
         std::vector<DigitalEdges> edges(static_cast<std::size_t>(digitalLines(header)));
@@ -184,17 +190,23 @@ ConversionResult PyPhotometryFile::convert(const RecordingConversionConfig& conf
             config.sourcePath, header, feedback, error, [&](std::span<const quint16> words, qint64 first) {
                 const std::size_t n = words.size() / channels;
                 for (int c = 0; c < channels; ++c) {
+                    const bool ownTimes = c == 0 || !oneClock;
                     values.resize(n);
-                    times.resize(n);
                     const double volts = header.voltsPerDivision[static_cast<std::size_t>(c)];
-                    for (std::size_t k = 0; k < n; ++k) {
-                        const quint16 word = words[k * channels + c];
-                        values[k] = (word >> 1) * volts;
-                        times[k] = header.sampleTime(first + static_cast<qint64>(k), c);
-                        if (static_cast<std::size_t>(c) < edges.size())
-                            edges[c].add(word & 1u, times[k]);
+                    for (std::size_t k = 0; k < n; ++k)
+                        values[k] = (words[k * channels + c] >> 1) * volts;
+                    // On one clock, times still holds the first channel's, which are this one's.
+                    if (ownTimes) {
+                        times.resize(n);
+                        for (std::size_t k = 0; k < n; ++k)
+                            times[k] = header.sampleTime(first + static_cast<qint64>(k), c);
                     }
-                    if (!writer.append(c, values, times, error))
+                    if (static_cast<std::size_t>(c) < edges.size()) {
+                        for (std::size_t k = 0; k < n; ++k)
+                            edges[c].add(words[k * channels + c] & 1u, times[k]);
+                    }
+                    if (ownTimes ? !writer.append(c, values, times, error)
+                                 : !writer.appendValues(c, values, error))
                         return false;
                 }
                 return true;

@@ -79,10 +79,28 @@ bool RecordingWriter::recordSource(hid_t location, const QString& path, QString&
 int RecordingWriter::addSignal(const QString& name, const QString& username, const QString& unit,
                                QString& error)
 {
+    return addStream(name, username, unit, -1, error);
+}
+
+int RecordingWriter::addSignalOnTimesOf(int owner, const QString& name, const QString& username,
+                                        const QString& unit, QString& error)
+{
+    Q_ASSERT(owner >= 0 && static_cast<std::size_t>(owner) < m_streams.size());
+    // Every sharer names the dataset that holds the times, not another sharer.
+    if (m_streams[static_cast<std::size_t>(owner)].owner >= 0)
+        owner = m_streams[static_cast<std::size_t>(owner)].owner;
+    return addStream(name, username, unit, owner, error);
+}
+
+int RecordingWriter::addStream(const QString& name, const QString& username, const QString& unit, int owner,
+                               QString& error)
+{
     if (m_signalSeries == 0)
         m_signalSeries = m_target.seriesNumber(m_destination.device, FD::Signals, m_destination.series);
     Stream stream;
     stream.path = ConversionTarget::dataPath(m_destination.device, FD::Signals, m_signalSeries, name);
+    stream.owner = owner;
+    // The group is tracked by the target, so a rollback takes the link inside it too.
     const hid_t group = m_target.createGroup(stream.path, error);
     if (group < 0)
         return -1;
@@ -90,11 +108,17 @@ int RecordingWriter::addSignal(const QString& name, const QString& username, con
     bool ok = recordSource(group, stream.path, error);
     if (ok) {
         stream.values = file.create1D(group, ElementKind::Float64, FD::SignalValues, BlockLength);
-        stream.time = file.create1D(group, ElementKind::Float64, FD::Time, BlockLength);
-        ok = stream.values >= 0 && stream.time >= 0 &&
-             file.writeAttribute(stream.values, FD::Username, username) &&
+        if (owner < 0) {
+            stream.time = file.create1D(group, ElementKind::Float64, FD::Time, BlockLength);
+            ok = stream.time >= 0 && file.writeAttribute(stream.time, FD::Unit, Texts::SecondsUnit);
+        } else {
+            // The owner's dataset grows as its times come; this name sees them as they do.
+            const QString ownerTime =
+                m_streams[static_cast<std::size_t>(owner)].path + QLatin1Char('/') + FD::Time;
+            ok = file.link(file.fileId(), ownerTime, group, FD::Time);
+        }
+        ok = ok && stream.values >= 0 && file.writeAttribute(stream.values, FD::Username, username) &&
              (unit.isEmpty() || file.writeAttribute(stream.values, FD::Unit, unit)) &&
-             file.writeAttribute(stream.time, FD::Unit, Texts::SecondsUnit) &&
              recordSource(stream.values, stream.path, error);
         if (!ok)
             error = FD::unableToCreateDatasetMessage().arg(stream.path) + QStringLiteral("<br>") +
@@ -107,7 +131,8 @@ int RecordingWriter::addSignal(const QString& name, const QString& username, con
         return -1;
     }
     stream.pendingValues.reserve(BlockLength);
-    stream.pendingTimes.reserve(BlockLength);
+    if (owner < 0)
+        stream.pendingTimes.reserve(BlockLength);
     m_datapaths << SignalDataset::valuesPath(stream.path);
     m_streams.push_back(std::move(stream));
     return static_cast<int>(m_streams.size() - 1);
@@ -117,20 +142,33 @@ bool RecordingWriter::append(int index, std::span<const double> values, std::spa
                              QString& error)
 {
     Stream& stream = m_streams[static_cast<std::size_t>(index)];
-    const std::size_t n = std::min(values.size(), times.size());
+    Q_ASSERT(stream.owner < 0);
+    return add(stream, values.data(), times.data(), std::min(values.size(), times.size()), error);
+}
+
+bool RecordingWriter::appendValues(int index, std::span<const double> values, QString& error)
+{
+    Stream& stream = m_streams[static_cast<std::size_t>(index)];
+    Q_ASSERT(stream.owner >= 0);
+    return add(stream, values.data(), nullptr, values.size(), error);
+}
+
+bool RecordingWriter::add(Stream& stream, const double* values, const double* times, std::size_t n,
+                          QString& error)
+{
+    stream.length += n;
     for (std::size_t done = 0; done < n;) {
         // Whole blocks go to the file as given, without a copy through the buffer.
         if (stream.pendingValues.empty() && n - done >= BlockLength) {
-            if (!write(stream, values.data() + done, times.data() + done, BlockLength, error))
+            if (!write(stream, values + done, times ? times + done : nullptr, BlockLength, error))
                 return false;
             done += BlockLength;
             continue;
         }
         const std::size_t take = std::min(n - done, BlockLength - stream.pendingValues.size());
-        stream.pendingValues.insert(stream.pendingValues.end(), values.begin() + done,
-                                    values.begin() + done + take);
-        stream.pendingTimes.insert(stream.pendingTimes.end(), times.begin() + done,
-                                   times.begin() + done + take);
+        stream.pendingValues.insert(stream.pendingValues.end(), values + done, values + done + take);
+        if (times)
+            stream.pendingTimes.insert(stream.pendingTimes.end(), times + done, times + done + take);
         done += take;
         if (stream.pendingValues.size() == BlockLength && !flush(stream, error))
             return false;
@@ -142,7 +180,7 @@ bool RecordingWriter::write(Stream& stream, const double* values, const double* 
                             QString& error)
 {
     HDF5Writer_V6& file = m_target.file();
-    if (!file.append(stream.values, values, {n}) || !file.append(stream.time, times, {n})) {
+    if (!file.append(stream.values, values, {n}) || (times && !file.append(stream.time, times, {n}))) {
         error = Texts::unableToWriteMessage().arg(stream.path, file.lastError());
         return false;
     }
@@ -153,8 +191,8 @@ bool RecordingWriter::flush(Stream& stream, QString& error)
 {
     if (stream.pendingValues.empty())
         return true;
-    if (!write(stream, stream.pendingValues.data(), stream.pendingTimes.data(), stream.pendingValues.size(),
-               error))
+    const double* times = stream.owner < 0 ? stream.pendingTimes.data() : nullptr;
+    if (!write(stream, stream.pendingValues.data(), times, stream.pendingValues.size(), error))
         return false;
     stream.pendingValues.clear();
     stream.pendingTimes.clear();
@@ -211,8 +249,17 @@ bool RecordingWriter::writeEvents(const QString& name, const QString& username,
 bool RecordingWriter::finish(QString& error)
 {
     bool ok = true;
-    for (Stream& stream : m_streams)
+    for (Stream& stream : m_streams) {
         ok = ok && flush(stream, error);
+        // The source's layout said these signals are sampled together; counts that differ
+        // mean it was wrong, and the shared times would not fit the values.
+        const std::size_t timeLength =
+            stream.owner < 0 ? stream.length : m_streams[static_cast<std::size_t>(stream.owner)].length;
+        if (ok && stream.length != timeLength) {
+            error = Texts::sharedTimeLengthMessage().arg(stream.path).arg(stream.length).arg(timeLength);
+            ok = false;
+        }
+    }
     closeAll();
     return ok;
 }
@@ -221,7 +268,8 @@ void RecordingWriter::closeAll()
 {
     for (Stream& stream : m_streams) {
         m_target.file().closeDataset(stream.values);
-        m_target.file().closeDataset(stream.time);
+        if (stream.owner < 0)
+            m_target.file().closeDataset(stream.time);
         stream.values = stream.time = H5I_INVALID_HID;
     }
 }

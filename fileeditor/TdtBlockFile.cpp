@@ -5,9 +5,13 @@
 #include <QFileInfo>
 #include <QtEndian>
 
+#include <algorithm>
+#include <bit>
 #include <cstring>
+#include <deque>
 #include <functional>
 #include <map>
+#include <optional>
 
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
@@ -99,6 +103,41 @@ struct StoreInfo
     std::size_t offsets = 0;
 };
 
+/// What sets the times of a stream record's samples (timestamp + i / rate for i below
+/// the count), kept as bits so that equal means the same times to the last bit.
+struct RecordTiming
+{
+    quint64 timestamp = 0;
+    quint32 rate = 0;
+    qint64 samples = 0;
+
+    bool operator==(const RecordTiming&) const = default;
+};
+
+/// Streams whose first records carry the same timing, followed side by side through the
+/// index: the first of them to reach its k-th record leaves that record's timing here,
+/// and the others compare theirs with it. Only the last TrackDepth records are kept, so
+/// memory does not grow with the recording; a stream lagging further behind, or whose
+/// record differs, leaves the track.
+struct TimingTrack
+{
+    static constexpr std::size_t TrackDepth = 1024;
+
+    RecordTiming first;
+    /// Timings of the records [reached - recent.size(), reached).
+    std::deque<RecordTiming> recent;
+    std::size_t reached = 0;
+};
+
+struct StreamTiming
+{
+    /// Index of the stream's track, -1 once it left it.
+    int track = -1;
+    std::size_t records = 0;
+};
+
+using StreamKey = std::pair<QString, quint16>;
+
 struct Block
 {
     QString tsq;
@@ -107,6 +146,47 @@ struct Block
     double start = 0.0;
     double end = 0.0;
     std::map<QString, StoreInfo> stores;
+    std::vector<TimingTrack> tracks;
+    std::map<StreamKey, StreamTiming> timings;
+
+    /// Follows the record of a stream on its track.
+    void follow(const StreamKey& key, const RecordTiming& timing)
+    {
+        StreamTiming& stream = timings[key];
+        const std::size_t k = stream.records++;
+        if (k == 0) {
+            const auto same = std::find_if(tracks.begin(), tracks.end(),
+                                           [&](const TimingTrack& track) { return track.first == timing; });
+            stream.track = static_cast<int>(same - tracks.begin());
+            if (same == tracks.end())
+                tracks.push_back({timing, {timing}, 1});
+            return;
+        }
+        if (stream.track < 0)
+            return;
+        TimingTrack& track = tracks[static_cast<std::size_t>(stream.track)];
+        if (k == track.reached) {
+            track.recent.push_back(timing);
+            ++track.reached;
+            if (track.recent.size() > TimingTrack::TrackDepth)
+                track.recent.pop_front();
+            return;
+        }
+        const std::size_t oldest = track.reached - track.recent.size();
+        if (k < oldest || track.recent[k - oldest] != timing)
+            stream.track = -1;
+    }
+
+    /// Equal for two streams only when every record of one carries the timing of the
+    /// same record of the other, so that their samples fall at the same times; nothing
+    /// for a stream that left its track, which keeps times of its own.
+    std::optional<std::pair<int, std::size_t>> clockOf(const StreamKey& key) const
+    {
+        const StreamTiming& stream = timings.at(key);
+        if (stream.track < 0)
+            return std::nullopt;
+        return std::make_pair(stream.track, stream.records);
+    }
 };
 
 /// The data file read through a window of a few megabytes: the records of a block mostly
@@ -204,6 +284,9 @@ bool scan(const QString& path, Block& block, QString& error)
             store.stream = true;
             store.rate = record.rate;
             store.samples[record.channel] += static_cast<std::size_t>(dataBytes / bytes);
+            block.follow({record.store, record.channel},
+                         {std::bit_cast<quint64>(record.timestamp), std::bit_cast<quint32>(record.rate),
+                          dataBytes / bytes});
         } else if (record.type == Snip) {
             ++block.stores[record.store].snippets[record.channel];
         } else if (record.type == StrobeOn) {
@@ -295,19 +378,31 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
         return refused;
     const QVariantMap parameters{{Texts::FormatKey, Texts::TdtFormat}, {Texts::StoresKey, stores}};
     return RecordingWriter::convert(config, parameters, [&](RecordingWriter& writer, QString& error) {
-        // (store, channel) -> signal of the writer; epoch store -> its onsets and offsets.
-        std::map<std::pair<QString, quint16>, int> streams;
+        // (store, channel) -> signal of the writer and whether it is given its own times;
+        // epoch store -> its onsets and offsets.
+        std::map<StreamKey, std::pair<int, bool>> streams;
         std::map<QString, std::pair<std::vector<double>, std::vector<double>>> epochs;
         // (snippet store, channel) -> onsets of its snippets.
-        std::map<std::pair<QString, quint16>, std::vector<double>> snippets;
+        std::map<StreamKey, std::vector<double>> snippets;
+        // The index says which streams are sampled at the same instants (the channels of a
+        // store, stores recorded side by side): the first of each such clock writes the
+        // times, the others share them and skip computing them.
+        std::map<std::pair<int, std::size_t>, int> clocks;
         for (const QString& name : stores) {
             const StoreInfo& info = block.stores.at(name);
             for (const auto& [channel, samples] : info.samples) {
                 const QString signal = channelName(name, info.samples, channel);
-                const int index = writer.addSignal(signal, signal, QString(), error);
+                const std::optional<std::pair<int, std::size_t>> clock = block.clockOf({name, channel});
+                const auto owner = clock ? clocks.find(*clock) : clocks.end();
+                const bool ownTimes = owner == clocks.end();
+                const int index =
+                    ownTimes ? writer.addSignal(signal, signal, QString(), error)
+                             : writer.addSignalOnTimesOf(owner->second, signal, signal, QString(), error);
                 if (index < 0)
                     return false;
-                streams.emplace(std::make_pair(name, channel), index);
+                if (clock && ownTimes)
+                    clocks.emplace(*clock, index);
+                streams.emplace(std::make_pair(name, channel), std::make_pair(index, ownTimes));
             }
             for (const auto& [channel, count] : info.snippets)
                 snippets[{name, channel}].reserve(count);
@@ -337,13 +432,16 @@ ConversionResult TdtBlockFile::convert(const RecordingConversionConfig& config, 
                 }
                 const std::size_t n = static_cast<std::size_t>(dataBytes / bytes);
                 values.resize(n);
+                for (std::size_t i = 0; i < n; ++i)
+                    values[i] = sampleAt(data + i * bytes, record.format);
+                const auto [index, ownTimes] = it->second;
+                if (!ownTimes)
+                    return writer.appendValues(index, values, error);
                 times.resize(n);
                 const double first = record.timestamp - start;
-                for (std::size_t i = 0; i < n; ++i) {
-                    values[i] = sampleAt(data + i * bytes, record.format);
+                for (std::size_t i = 0; i < n; ++i)
                     times[i] = first + static_cast<double>(i) / record.rate;
-                }
-                return writer.append(it->second, values, times, error);
+                return writer.append(index, values, times, error);
             }
             if (record.type == Snip) {
                 const auto it = snippets.find({record.store, record.channel});

@@ -84,6 +84,51 @@ inline bool pathExists(const QString& file, const QString& path)
     return reader.open(file) >= 0 && reader.exists(reader.fileId(), path);
 }
 
+/// The stored object a path reaches, and how many names (hard links) reach it: two paths
+/// to one shared dataset give the same place and a count of 2 or more.
+struct StoredObject
+{
+    QByteArray place;
+    unsigned names = 0;
+};
+
+inline StoredObject storedObject(const QString& file, const QString& path)
+{
+    StoredObject object;
+    HDF5Reader_V6 reader;
+    if (reader.open(file) < 0)
+        return object;
+    const QByteArray name = path.toUtf8();
+#if H5_VERSION_GE(1, 12, 0)
+    H5O_info2_t info;
+    if (H5Oget_info_by_name3(reader.fileId(), name.constData(), &info, H5O_INFO_BASIC, H5P_DEFAULT) < 0)
+        return object;
+    object.place = QByteArray(reinterpret_cast<const char*>(&info.token), sizeof(info.token));
+#else
+    H5O_info_t info;
+    if (H5Oget_info_by_name2(reader.fileId(), name.constData(), &info, H5O_INFO_BASIC, H5P_DEFAULT) < 0)
+        return object;
+    object.place = QByteArray::number(static_cast<qulonglong>(info.addr));
+#endif
+    object.names = info.rc;
+    return object;
+}
+
+/// Every name in the file, groups and datasets, in the library's name order.
+inline QStringList allPaths(const QString& file)
+{
+    QStringList paths;
+    HDF5Reader_V6 reader;
+    if (reader.open(file) < 0)
+        return paths;
+    const auto visit = [](hid_t, const char* name, const H5L_info_t*, void* data) -> herr_t {
+        static_cast<QStringList*>(data)->append(QString::fromUtf8(name));
+        return 0;
+    };
+    H5Lvisit(reader.fileId(), H5_INDEX_NAME, H5_ITER_INC, visit, &paths);
+    return paths;
+}
+
 inline QVariantMap rootAttributes(const QString& file)
 {
     HDF5Reader_V6 reader;

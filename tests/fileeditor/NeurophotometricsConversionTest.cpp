@@ -71,8 +71,18 @@ TEST(NeurophotometricsConversion, DeinterleavesEachLedIntoItsOwnSignalsWithTheir
               (std::vector<double>{102, 104, 106}));
     EXPECT_EQ(test::storedValues(file, Signals + "Region0G-415/Time"),
               (std::vector<double>{timeOf(1), timeOf(3), timeOf(5)}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Region1G-415/Time"),
+              (std::vector<double>{timeOf(1), timeOf(3), timeOf(5)}));
     EXPECT_EQ(test::storedValues(file, Signals + "Region1G-470/Time"),
               (std::vector<double>{timeOf(2), timeOf(4), timeOf(6)}));
+    // The regions of one LED are read on the same frames and share one Time; the LEDs do not.
+    const test::StoredObject time415 = test::storedObject(file, Signals + "Region0G-415/Time");
+    const test::StoredObject time470 = test::storedObject(file, Signals + "Region0G-470/Time");
+    EXPECT_EQ(time415.names, 2u);
+    EXPECT_EQ(time470.names, 2u);
+    EXPECT_NE(time415.place, time470.place);
+    EXPECT_EQ(test::storedObject(file, Signals + "Region1G-415/Time").place, time415.place);
+    EXPECT_EQ(test::storedObject(file, Signals + "Region1G-470/Time").place, time470.place);
     EXPECT_EQ(test::storedDataset(file, Signals + "Region0G-470/Signal").attributes.value("TimeOrigin(s)"),
               QVariant(1000.0));
 
@@ -165,6 +175,21 @@ TEST(NeurophotometricsConversion, DamagedFilesLeaveNothing)
     EXPECT_TRUE(result.error.contains(QStringLiteral("must hold a header with a timestamp column")))
         << result.error.toStdString();
     EXPECT_FALSE(QFileInfo::exists(file));
+
+    // Into a file that exists: regions 2 and 3 go into its Series1 beside regions 0 and 1,
+    // and a bad cell after their shared Times were linked takes them all away again.
+    ASSERT_TRUE(RecordingImport::convert(configFor(csv, file)).ok());
+    const QStringList before = test::allPaths(file);
+    QByteArray more = photometryCsv("LedState", 1, 2).replace("Region0G,Region1G", "Region2G,Region3G");
+    more.replace("205", "2x5");
+    const QString moreCsv = dir.file(QStringLiteral("more.csv"));
+    ASSERT_TRUE(test::writeBytes(moreCsv, more));
+    RecordingConversionConfig into = configFor(moreCsv, file);
+    into.destination.series = 1;
+    const ConversionResult late = RecordingImport::convert(into);
+    EXPECT_TRUE(late.error.contains(QStringLiteral("'2x5' is not a number"))) << late.error.toStdString();
+    EXPECT_EQ(test::allPaths(file), before);
+    EXPECT_EQ(test::storedObject(file, Signals + "Region1G-415/Time").names, 2u);
 }
 
 } // namespace

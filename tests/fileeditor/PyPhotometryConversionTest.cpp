@@ -5,6 +5,7 @@
 
 #include <algorithm>
 
+#include "fileeditor/FileCompaction.h"
 #include "fileeditor/FileConversion.h"
 #include "fileeditor/RecordingImport.h"
 
@@ -70,6 +71,12 @@ TEST(PyPhotometryConversion, EverySampleAndEveryEdgeLandsAtItsTime)
         const QVariantMap attributes = test::storedDataset(file, group + "Signal").attributes;
         EXPECT_EQ(attributes.value("Unit").toString(), QStringLiteral("V"));
     }
+    // Read together, the channels keep one Time under two names.
+    const test::StoredObject time1 = test::storedObject(file, Signals + "AIN1/Time");
+    EXPECT_EQ(time1.names, 2u);
+    EXPECT_EQ(test::storedObject(file, Signals + "AIN2/Time").place, time1.place);
+    EXPECT_EQ(test::storedDataset(file, Signals + "AIN2/Time").attributes.value("Unit").toString(),
+              QStringLiteral("s"));
     // Edges by hand: a pulse high at the end closes at the last sample, one high at the
     // start opens at the first.
     EXPECT_EQ(test::storedDataset(file, Events + "DIO1").dimensions, (std::vector<hsize_t>{2, 2}));
@@ -111,10 +118,67 @@ TEST(PyPhotometryConversion, TimeDivisionReadsTheChannelsOneAfterAnother)
     EXPECT_EQ(test::storedValues(file, Signals + "AIN1/Time"), (std::vector<double>{0.0, 0.01, 0.02, 0.03}));
     EXPECT_EQ(test::storedValues(file, Signals + "AIN2/Time"),
               (std::vector<double>{0.005, 0.015, 0.025, 0.035}));
+    // Read at different instants, each channel keeps a Time of its own.
+    const test::StoredObject time1 = test::storedObject(file, Signals + "AIN1/Time");
+    const test::StoredObject time2 = test::storedObject(file, Signals + "AIN2/Time");
+    EXPECT_EQ(time1.names, 1u);
+    EXPECT_EQ(time2.names, 1u);
+    EXPECT_NE(time1.place, time2.place);
     EXPECT_EQ(test::storedValues(file, Signals + "AIN1/Signal"), (std::vector<double>{0.5, 1.0, 1.5, 2.0}));
     EXPECT_EQ(test::storedValues(file, Signals + "AIN2/Signal"), (std::vector<double>{2.5, 5.0, 7.5, 10.0}));
     EXPECT_EQ(test::storedValues(file, Events + "DIO1"), (std::vector<double>{0.01, 0.03}));
     EXPECT_EQ(test::storedValues(file, Events + "DIO2"), (std::vector<double>{0.025, 0.035}));
+}
+
+TEST(PyPhotometryConversion, ThreeChannelsShareTimesAcrossBlocksThroughCancelAndCompaction)
+{
+    // 70000 samples at 1 kHz, more than one block of the reader and the writer; channel c
+    // reads (k + c) mod 30000 at sample k.
+    constexpr int Samples = 70000;
+    std::vector<std::vector<int>> readings(3, std::vector<int>(Samples));
+    for (int c = 0; c < 3; ++c) {
+        for (int k = 0; k < Samples; ++k)
+            readings[c][k] = (k + c) % 30000;
+    }
+    test::TempDir dir;
+    const QString ppd = dir.file(QStringLiteral("three.ppd"));
+    ASSERT_TRUE(
+        test::writeBytes(ppd, test::ppdBytes(1000.0, "3 colour continuous", {1.0, 0.5, 0.25}, readings, {})));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+    const ConversionResult result = FileConversion::run(configFor(ppd, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+
+    const double volts[] = {1.0, 0.5, 0.25};
+    const test::StoredObject shared = test::storedObject(file, Signals + "AIN1/Time");
+    EXPECT_EQ(shared.names, 3u);
+    for (int c = 0; c < 3; ++c) {
+        const QString group = Signals + QStringLiteral("AIN%1/").arg(c + 1);
+        EXPECT_EQ(test::storedObject(file, group + "Time").place, shared.place);
+        const std::vector<double> values = test::storedValues(file, group + "Signal");
+        const std::vector<double> time = test::storedValues(file, group + "Time");
+        ASSERT_EQ(values.size(), static_cast<std::size_t>(Samples));
+        ASSERT_EQ(time.size(), static_cast<std::size_t>(Samples));
+        std::size_t wrong = 0;
+        for (int k = 0; k < Samples; ++k)
+            wrong += values[k] != ((k + c) % 30000) * volts[c] || time[k] != k / 1000.0;
+        EXPECT_EQ(wrong, 0u) << c;
+    }
+
+    // Cancelled after the first block, a second conversion into the same file takes its
+    // groups, the shared Time's names among them, away again.
+    const QStringList before = test::allPaths(file);
+    test::RecordingFeedback cancel(1);
+    EXPECT_TRUE(FileConversion::run(configFor(ppd, file), &cancel).canceled);
+    EXPECT_EQ(test::allPaths(file), before);
+    EXPECT_EQ(test::storedObject(file, Signals + "AIN1/Time").names, 3u);
+
+    // Compacting copies DataConverted whole, so the Time stays one dataset with three names.
+    const std::vector<double> time = test::storedValues(file, Signals + "AIN3/Time");
+    ASSERT_TRUE(FileCompaction::compact(file).ok);
+    EXPECT_EQ(test::storedObject(file, Signals + "AIN1/Time").names, 3u);
+    EXPECT_EQ(test::storedObject(file, Signals + "AIN3/Time").place,
+              test::storedObject(file, Signals + "AIN1/Time").place);
+    EXPECT_EQ(test::storedValues(file, Signals + "AIN3/Time"), time);
 }
 
 TEST(PyPhotometryConversion, SummaryTellsChannelsRatesEdgesAndDuration)

@@ -60,7 +60,13 @@ TEST(TdtConversion, StreamsBecomeSignalsAndEpochsEventArrays)
                                    second + 1 / 100.0}));
     EXPECT_EQ(test::storedValues(file, Signals + "Raw1-1/Signal"), (std::vector<double>{-1, -2}));
     EXPECT_EQ(test::storedValues(file, Signals + "Raw1-2/Signal"), (std::vector<double>{7, 8}));
+    EXPECT_EQ(test::storedValues(file, Signals + "Raw1-1/Time"), (std::vector<double>{0.5, 0.6}));
     EXPECT_EQ(test::storedValues(file, Signals + "Raw1-2/Time"), (std::vector<double>{0.5, 0.6}));
+    // The two channels of Raw1 are one Time under two names; x465 keeps its own.
+    const test::StoredObject raw = test::storedObject(file, Signals + "Raw1-1/Time");
+    EXPECT_EQ(raw.names, 2u);
+    EXPECT_EQ(test::storedObject(file, Signals + "Raw1-2/Time").place, raw.place);
+    EXPECT_EQ(test::storedObject(file, Signals + "x465/Time").names, 1u);
     EXPECT_EQ(test::storedDataset(file, Events + "PtC1").dimensions, (std::vector<hsize_t>{2, 2}));
     EXPECT_EQ(test::storedValues(file, Events + "PtC1"), (std::vector<double>{1.0, 1.5, 2.0, 3.0}));
     EXPECT_EQ(test::storedDataset(file, Events + "Tick").dimensions, (std::vector<hsize_t>{1, 1}));
@@ -174,6 +180,91 @@ TEST(TdtConversion, ReadsDataFilesLongerThanTheReadWindow)
     EXPECT_DOUBLE_EQ(times[PerRecord * 7 + 3], 7 + 3 / 1000.0);
 }
 
+TEST(TdtConversion, StreamsWithTheSameRecordTimingShareOneTime)
+{
+    // Eight records of 4 samples at 1 kHz, record r at 1 + 0.004 r s, for "x465", "x405",
+    // the channels of "Fi1r" and "Late" (indexed three records behind the others), except
+    // that record 5 of Fi1r channel 3 comes 0.1 ms late. "Raw2" (250 Hz, one sample per
+    // record) has 8 records on channel 1 and 7 on channel 2. Stream s reads 100 s + its
+    // sample number.
+    using B = test::TdtBlockBuilder;
+    B builder(Start);
+    const auto recordAt = [](int r) { return Start + 1 + 0.004 * r; };
+    const auto samples = [](int s, int r) {
+        std::vector<float> out;
+        for (int i = 0; i < 4; ++i)
+            out.push_back(static_cast<float>(100 * s + 4 * r + i));
+        return out;
+    };
+    for (int r = 0; r < 11; ++r) {
+        if (r < 8) {
+            builder.streamFloat("x465", 1, recordAt(r), 1000.0f, samples(1, r));
+            builder.streamFloat("x405", 1, recordAt(r), 1000.0f, samples(2, r));
+            for (std::uint16_t c = 1; c <= 3; ++c) {
+                const double late = c == 3 && r == 5 ? 0.0001 : 0.0;
+                builder.streamFloat("Fi1r", c, recordAt(r) + late, 1000.0f, samples(2 + c, r));
+            }
+            builder.streamFloat("Raw2", 1, recordAt(r), 250.0f, {static_cast<float>(r)});
+            if (r < 7)
+                builder.streamFloat("Raw2", 2, recordAt(r), 250.0f, {static_cast<float>(-r)});
+        }
+        if (r >= 3)
+            builder.streamFloat("Late", 1, recordAt(r - 3), 1000.0f, samples(6, r - 3));
+    }
+    builder.stop(Start + 2);
+    test::TempDir dir;
+    const QString folder = dir.file(QStringLiteral("Block-4"));
+    ASSERT_TRUE(builder.write(folder, QStringLiteral("b")));
+    const QString file = dir.file(QStringLiteral("out.orvel"));
+    const ConversionResult result = FileConversion::run(configFor(folder, file));
+    ASSERT_TRUE(result.ok()) << result.error.toStdString();
+
+    std::vector<double> clock;
+    for (int r = 0; r < 8; ++r) {
+        for (int i = 0; i < 4; ++i)
+            clock.push_back((recordAt(r) - Start) + i / 1000.0);
+    }
+    std::vector<double> lateClock = clock;
+    for (int i = 0; i < 4; ++i)
+        lateClock[20 + i] = (recordAt(5) + 0.0001 - Start) + i / 1000.0;
+    const auto valuesOf = [&](int s) {
+        std::vector<double> values;
+        for (int r = 0; r < 8; ++r) {
+            for (const float v : samples(s, r))
+                values.push_back(v);
+        }
+        return values;
+    };
+    // Fi1r-1 comes first in name order, so it holds the times of the five alike.
+    const test::StoredObject shared = test::storedObject(file, Signals + "Fi1r-1/Time");
+    EXPECT_EQ(shared.names, 5u);
+    const std::pair<const char*, int> alike[] = {
+        {"Fi1r-1", 3}, {"Fi1r-2", 4}, {"Late", 6}, {"x405", 2}, {"x465", 1}};
+    for (const auto& [name, s] : alike) {
+        const QString group = Signals + name + "/";
+        EXPECT_EQ(test::storedObject(file, group + "Time").place, shared.place) << name;
+        EXPECT_EQ(test::storedValues(file, group + "Time"), clock) << name;
+        EXPECT_EQ(test::storedValues(file, group + "Signal"), valuesOf(s)) << name;
+    }
+    EXPECT_EQ(test::storedObject(file, Signals + "Fi1r-3/Time").names, 1u);
+    EXPECT_EQ(test::storedValues(file, Signals + "Fi1r-3/Time"), lateClock);
+    EXPECT_EQ(test::storedValues(file, Signals + "Fi1r-3/Signal"), valuesOf(5));
+
+    // A channel with a record fewer does not share the times of the complete one.
+    const test::StoredObject raw1 = test::storedObject(file, Signals + "Raw2-1/Time");
+    const test::StoredObject raw2 = test::storedObject(file, Signals + "Raw2-2/Time");
+    EXPECT_EQ(raw1.names, 1u);
+    EXPECT_EQ(raw2.names, 1u);
+    std::vector<double> rawClock;
+    for (int r = 0; r < 8; ++r)
+        rawClock.push_back(recordAt(r) - Start);
+    EXPECT_EQ(test::storedValues(file, Signals + "Raw2-1/Time"), rawClock);
+    rawClock.pop_back();
+    EXPECT_EQ(test::storedValues(file, Signals + "Raw2-2/Time"), rawClock);
+    EXPECT_EQ(test::storedValues(file, Signals + "Raw2-2/Signal"),
+              (std::vector<double>{0, -1, -2, -3, -4, -5, -6}));
+}
+
 TEST(TdtConversion, DamagedBlocksLeaveNothing)
 {
     test::TempDir dir;
@@ -197,6 +288,22 @@ TEST(TdtConversion, DamagedBlocksLeaveNothing)
 
     const ConversionResult missing = RecordingImport::convert(configFor(dir.file("none.tsq"), file));
     EXPECT_TRUE(missing.error.contains(QStringLiteral("is not a TDT block"))) << missing.error.toStdString();
+
+    // Cancelled once its groups are made, a conversion of Raw1 into the Series1 of an
+    // existing file takes both channels away, the second name of their Time with them.
+    const QString folder = dir.file(QStringLiteral("good"));
+    ASSERT_TRUE(block().write(folder, QStringLiteral("good")));
+    RecordingConversionConfig config = configFor(folder, file);
+    config.stores = QStringList{"x465"};
+    ASSERT_TRUE(RecordingImport::convert(config).ok());
+    const QStringList before = test::allPaths(file);
+    config.stores = QStringList{"Raw1"};
+    config.destination.series = 1;
+    test::RecordingFeedback cancel(-1);
+    EXPECT_TRUE(RecordingImport::convert(config, &cancel).canceled);
+    EXPECT_EQ(test::allPaths(file), before);
+    EXPECT_EQ(test::storedValues(file, Signals + "x465/Signal"),
+              (std::vector<double>{1.5, 2.5, 3.5, 4.5, 5.5, 6.5}));
 }
 
 } // namespace
