@@ -76,6 +76,10 @@ int main(int argc, char* argv[])
         QTextStream(stderr) << "Unknown command: " << command << '\n' << usage;
         return 2;
     }
+    // The numeric library's only work here is solving systems of a few unknowns, and
+    // each of its worker threads would spin on a core for a tenth of a second after the
+    // load, taking that core from our own two threads. A user's own setting stands.
+    setenv("OPENBLAS_NUM_THREADS", "1", 0);
     QString error;
     using Entry = int (*)(const QString*, const QStringList*);
     const auto entry = reinterpret_cast<Entry>(
