@@ -2,6 +2,7 @@
 
 #include <QString>
 
+#include <atomic>
 #include <cstddef>
 
 namespace zarvi {
@@ -51,6 +52,19 @@ private:
     Feedback* m_target;
     int m_from;
     int m_to;
+};
+
+/// The feedback of work that runs on a second core beside the thread that reports: it
+/// reports nothing (the reporting thread speaks for both) and is cancelled when that
+/// thread raises the flag.
+class StopFlagFeedback : public Feedback
+{
+public:
+    explicit StopFlagFeedback(const std::atomic<bool>& stop) : m_stop(stop) {}
+    bool isCanceled() const override { return m_stop.load(std::memory_order_relaxed); }
+
+private:
+    const std::atomic<bool>& m_stop;
 };
 
 /// Turns a loop counter into percent and forwards it only when the percent

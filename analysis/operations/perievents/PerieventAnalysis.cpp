@@ -147,32 +147,6 @@ bool fillMatrix(std::span<const double> values, const ChunkPlan& plan,
     return true;
 }
 
-/// One matrix per statistic, a row per chunk and a column per time frame, from the
-/// chunks' values in each frame normalised as in the matrix.
-bool summarise(std::span<const double> values, const ChunkPlan& plan,
-               std::span<const Statistics::Scale> scales, const PerieventSideConfig& side, double sampleRate,
-               std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback, std::vector<arma::mat>& out)
-{
-    out.assign(kinds.size(), arma::mat(plan.rows(), side.timeFrames.size()));
-    for (std::size_t f = 0; f < side.timeFrames.size(); ++f) {
-        const TimeFrame& frame = side.timeFrames[f];
-        const PerieventCutter::Columns columns =
-            PerieventCutter::frameColumns(frame, side.windowStart, sampleRate, plan.length);
-        const std::vector<double> times = PerieventCutter::frameTimes(frame, columns, sampleRate);
-        std::vector<double> chunk(times.size());
-        for (std::size_t row = 0; row < plan.rows(); ++row) {
-            if (feedback && feedback->isCanceled())
-                return false;
-            const double* source = values.data() + plan.sourceStarts[row] + columns.first;
-            std::transform(source, source + chunk.size(), chunk.begin(),
-                           [scale = scales[row]](double x) { return scale.score(x); });
-            for (std::size_t s = 0; s < kinds.size(); ++s)
-                out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times);
-        }
-    }
-    return true;
-}
-
 QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool offset, const Events& events,
                     const PerieventAnalysisConfig& config, Feedback* feedback, int from, int to,
                     PerieventSideResult& result, bool& canceled)
@@ -194,15 +168,19 @@ QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool 
     ProgressTracker progress(feedback, plan->length, from, to);
     if (!config.buildMatrix)
         result.matrix.reset();
-    if ((config.buildMatrix && !fillMatrix(signal.values, *plan, scales, progress, result.matrix)) ||
-        !summarise(signal.values, *plan, scales, side, signal.sampleRate, config.statistics, feedback,
-                   result.statistics)) {
+    if (config.buildMatrix && !fillMatrix(signal.values, *plan, scales, progress, result.matrix)) {
         canceled = true;
         return {};
     }
     result.rowStarts = plan->sourceStarts;
     result.rowScales = std::move(scales);
     result.rowLength = plan->length;
+    result.statistics.clear();
+    if (config.summarise && !PerieventAnalysis::summarise(signal.values, result, side, signal.sampleRate,
+                                                          config.statistics, feedback, result.statistics)) {
+        canceled = true;
+        return {};
+    }
     result.time = PerieventCutter::timeAxis(side.windowStart, signal.sampleRate, plan->length);
     result.eventNames.clear();
     for (const std::size_t event : plan->events)
@@ -246,6 +224,7 @@ QString analyse(std::span<const double> time, std::span<const double> values, co
     }
 
     const Signal signal{time, values, PerieventCutter::sampleRate(time)};
+    result.sampleRate = signal.sampleRate;
     result.sides.resize(sides.size());
     const int count = static_cast<int>(sides.size());
     for (int s = 0; s < count; ++s) {
@@ -295,6 +274,32 @@ void PerieventAnalysis::run(std::span<const double> time, std::span<const double
     }
     if (!result.succeeded())
         result.sides.clear();
+}
+
+bool PerieventAnalysis::summarise(std::span<const double> values, const PerieventSideResult& rows,
+                                  const PerieventSideConfig& side, double sampleRate,
+                                  std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback,
+                                  std::vector<arma::mat>& out)
+{
+    const std::size_t count = rows.rowStarts.size();
+    out.assign(kinds.size(), arma::mat(count, side.timeFrames.size()));
+    for (std::size_t f = 0; f < side.timeFrames.size(); ++f) {
+        const TimeFrame& frame = side.timeFrames[f];
+        const PerieventCutter::Columns columns =
+            PerieventCutter::frameColumns(frame, side.windowStart, sampleRate, rows.rowLength);
+        const std::vector<double> times = PerieventCutter::frameTimes(frame, columns, sampleRate);
+        std::vector<double> chunk(times.size());
+        for (std::size_t row = 0; row < count; ++row) {
+            if (feedback && feedback->isCanceled())
+                return false;
+            const double* source = values.data() + rows.rowStarts[row] + columns.first;
+            std::transform(source, source + chunk.size(), chunk.begin(),
+                           [scale = rows.rowScales[row]](double x) { return scale.score(x); });
+            for (std::size_t s = 0; s < kinds.size(); ++s)
+                out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times);
+        }
+    }
+    return true;
 }
 
 QString PerieventAnalysis::windowTooLongMessage(double duration, double windowStart, double windowEnd)

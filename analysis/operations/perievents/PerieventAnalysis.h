@@ -87,6 +87,10 @@ struct PerieventAnalysisConfig
     /// False when the caller writes the rows itself from each side's rowStarts and
     /// rowScales (the operation's run, straight into the file): the matrices then stay empty.
     bool buildMatrix = true;
+    /// False when the caller summarises each side itself with PerieventAnalysis::summarise
+    /// (the operation's run, on a second core while it writes the rows): the statistics
+    /// then stay empty.
+    bool summarise = true;
 };
 
 /// The analysis of one side.
@@ -117,6 +121,8 @@ struct PerieventAnalysisResult
     /// The resampled values when the signal was resampled before cutting; empty when the
     /// rows are cut from the values given to run().
     std::vector<double> resampledValues;
+    /// Samples per second of the cut signal.
+    double sampleRate = 0.0;
     /// "z-score" when a z-score normalisation was applied; empty keeps the signal's unit.
     QString unit;
     /// The message that stopped the run; empty on success.
@@ -147,6 +153,15 @@ public:
     static void run(std::span<const double> time, std::span<const double> values, const EventArray& events,
                     const PerieventAnalysisConfig& config, Feedback* feedback,
                     PerieventAnalysisResult& result);
+
+    /// One matrix per statistic in `kinds` into `out`, a row per row of `rows` and a
+    /// column per time frame of `side`, from the rows' values in each frame normalised
+    /// as in the matrix. `values` is the cut signal. Touches nothing but `out`, so it may
+    /// run on another thread while the rows are written. False when cancelled.
+    static bool summarise(std::span<const double> values, const PerieventSideResult& rows,
+                          const PerieventSideConfig& side, double sampleRate,
+                          std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback,
+                          std::vector<arma::mat>& out);
 
     /// Why a signal whose times span `duration` seconds (last minus first) cannot hold
     /// the window [windowStart, windowEnd]; empty when it can. The run refuses with it,

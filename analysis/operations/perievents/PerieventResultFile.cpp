@@ -147,7 +147,8 @@ QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
                                    const PerieventSideResult& result, std::span<const double> values,
                                    const std::vector<ChunkStatistic::Kind>& statistics, double windowStart,
                                    double windowEnd, const QString& unit, const PerieventResultNames& names,
-                                   const QVariantMap& attributes, QString& error, Feedback* feedback)
+                                   const QVariantMap& attributes, QString& error, Feedback* feedback,
+                                   const std::function<bool()>& summarised)
 {
     if (result.eventNames.size() > static_cast<qsizetype>(MaxEvents)) {
         error = D::tooManyEventsMessage().arg(result.eventNames.size()).arg(MaxEvents);
@@ -188,6 +189,8 @@ QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
         failed = D::PerieventMatrix;
     else if (!writeTime(file, groupId, result.time))
         failed = FD::Time;
+    if (failed.isEmpty() && !canceled && summarised && !summarised())
+        canceled = true;
 
     // Without time frames there is nothing to summarise.
     const std::size_t count =

@@ -9,6 +9,7 @@
 
 #include <armadillo>
 
+#include <functional>
 #include <span>
 #include <vector>
 
@@ -77,14 +78,17 @@ public:
     /// signal, see PerieventSideResult::rowStarts) band by band straight into the file's
     /// row order, so that the whole matrix is never held; `statistics` names
     /// result.statistics in order. `attributes` (the run's parameters, the source path) go onto the matrix
-    /// and statistic datasets. Polls `feedback` per band of rows. Returns the matrix path,
-    /// or empty with `error` set (or nothing set when cancelled); a result of more than
-    /// MaxEvents rows is refused before anything is written.
+    /// and statistic datasets. Polls `feedback` per band of rows. `summarised`, when
+    /// given, is called after the rows and times are written and before the statistics
+    /// are read: the run computes them on a second core meanwhile, and it returns false
+    /// when they were cancelled. Returns the matrix path, or empty with `error` set (or
+    /// nothing set when cancelled); a result of more than MaxEvents rows is refused
+    /// before anything is written.
     static QString write(HDF5Writer_V6& file, const QString& group, const PerieventSideResult& result,
                          std::span<const double> values, const std::vector<ChunkStatistic::Kind>& statistics,
                          double windowStart, double windowEnd, const QString& unit,
                          const PerieventResultNames& names, const QVariantMap& attributes, QString& error,
-                         Feedback* feedback);
+                         Feedback* feedback, const std::function<bool()>& summarised = {});
 
     /// Reads the result whose matrix is at `path`, or held by the group at `path`.
     static bool read(HDF5Manager_V6& file, const QString& path, StoredPerieventResult& result,

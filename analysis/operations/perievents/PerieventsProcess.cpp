@@ -8,6 +8,10 @@
 #include "framework/OutputLocation.h"
 #include "framework/RunTransaction.h"
 
+#include <atomic>
+#include <chrono>
+#include <future>
+
 namespace zarvi {
 
 namespace {
@@ -45,8 +49,10 @@ bool PerieventsProcess::computeOperation()
         return false;
     }
 
-    // The rows go straight from the signal into the file below; no matrix is built.
+    // The rows go straight from the signal into the file below, and the statistics are
+    // taken on the second core meanwhile; no matrix is built.
     request.config.buildMatrix = false;
+    request.config.summarise = false;
     ScaledFeedback computing(m_stepFeedback, 0, ComputeShare);
     PerieventAnalysis::run(m_input.time, m_input.values, events, request.config, &computing, m_result);
     for (const QString& message : std::as_const(m_result.messages))
@@ -68,17 +74,34 @@ bool PerieventsProcess::computeOperation()
         m_result.resampledValues.empty() ? std::span<const double>(m_input.values) : m_result.resampledValues;
     const int count = static_cast<int>(m_result.sides.size());
     for (int s = 0; s < count; ++s) {
-        const PerieventSideResult& side = m_result.sides[s];
+        PerieventSideResult& side = m_result.sides[s];
         const PerieventSideConfig& window = side.offset ? request.config.offset : request.config.onset;
         const QString sideName = side.offset ? D::Offset : D::Onset;
         if (request.namesSides())
             names.side = sideName;
         ScaledFeedback saving(m_stepFeedback, ComputeShare + (100 - ComputeShare) * s / count,
                               ComputeShare + (100 - ComputeShare) * (s + 1) / count);
+        std::atomic<bool> stop{false};
+        StopFlagFeedback summarising(stop);
+        std::future<bool> statistics = std::async(std::launch::async, [&] {
+            return PerieventAnalysis::summarise(cutValues, side, window, m_result.sampleRate,
+                                                request.config.statistics, &summarising, side.statistics);
+        });
+        const auto summarised = [&] {
+            // A cancel must reach the statistics while the rows wait for them.
+            while (statistics.wait_for(std::chrono::milliseconds(5)) != std::future_status::ready)
+                if (isCanceled())
+                    stop = true;
+            return statistics.get();
+        };
         const QString written =
             PerieventResultFile::write(m_run->file(), both ? group + QLatin1Char('/') + sideName : group,
                                        side, cutValues, request.config.statistics, window.windowStart,
-                                       window.windowEnd, unit, names, attributes, error, &saving);
+                                       window.windowEnd, unit, names, attributes, error, &saving, summarised);
+        // Written or not, the statistics thread ends before the side goes out of scope.
+        stop = true;
+        if (statistics.valid())
+            statistics.wait();
         if (written.isEmpty()) {
             if (!error.isEmpty())
                 addError(error);

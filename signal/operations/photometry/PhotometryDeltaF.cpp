@@ -29,18 +29,6 @@ void setLabel(Feedback* feedback, const QString& label)
         feedback->setLabel(label);
 }
 
-/// The feedback of the stage that runs on the second core: it reports nothing (the
-/// first core reports for both) and is cancelled when the first core says so.
-class StopFlagFeedback : public Feedback
-{
-public:
-    explicit StopFlagFeedback(const std::atomic<bool>& stop) : m_stop(stop) {}
-    bool isCanceled() const override { return m_stop.load(std::memory_order_relaxed); }
-
-private:
-    const std::atomic<bool>& m_stop;
-};
-
 /// Runs one stage on both signals at once, the isosbestic on a second thread: the two
 /// are independent, so each comes out as it would alone. The biosensor's stage reports
 /// progress and polls the user's cancel, and passes a cancel or failure on to the
