@@ -3,14 +3,11 @@
 #include "analysis/operations/perievents/PerieventParameters.h"
 #include "analysis/operations/perievents/PerieventResultFile.h"
 #include "datafile/HDF5Writer_V6.h"
+#include "datafile/SecondCoreWork.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "framework/OutputLocation.h"
 #include "framework/RunTransaction.h"
-
-#include <atomic>
-#include <chrono>
-#include <future>
 
 namespace zarvi {
 
@@ -49,8 +46,8 @@ bool PerieventsProcess::computeOperation()
         return false;
     }
 
-    // The rows go straight from the signal into the file below, and the statistics are
-    // taken on the second core meanwhile; no matrix is built.
+    // The rows go straight from the signal into the file below, the statistics beside
+    // them; no matrix is built.
     request.config.buildMatrix = false;
     request.config.summarise = false;
     ScaledFeedback computing(m_stepFeedback, 0, ComputeShare);
@@ -81,27 +78,16 @@ bool PerieventsProcess::computeOperation()
             names.side = sideName;
         ScaledFeedback saving(m_stepFeedback, ComputeShare + (100 - ComputeShare) * s / count,
                               ComputeShare + (100 - ComputeShare) * (s + 1) / count);
-        std::atomic<bool> stop{false};
-        StopFlagFeedback summarising(stop);
-        std::future<bool> statistics = std::async(std::launch::async, [&] {
+        // The statistics are taken on the second core while this one writes the rows;
+        // leaving the scope early stops them and waits.
+        SecondCoreWork<bool> statistics([&](Feedback* summarising) {
             return PerieventAnalysis::summarise(cutValues, side, window, m_result.sampleRate,
-                                                request.config.statistics, &summarising, side.statistics);
+                                                request.config.statistics, summarising, side.statistics);
         });
-        const auto summarised = [&] {
-            // A cancel must reach the statistics while the rows wait for them.
-            while (statistics.wait_for(std::chrono::milliseconds(5)) != std::future_status::ready)
-                if (isCanceled())
-                    stop = true;
-            return statistics.get();
-        };
-        const QString written =
-            PerieventResultFile::write(m_run->file(), both ? group + QLatin1Char('/') + sideName : group,
-                                       side, cutValues, request.config.statistics, window.windowStart,
-                                       window.windowEnd, unit, names, attributes, error, &saving, summarised);
-        // Written or not, the statistics thread ends before the side goes out of scope.
-        stop = true;
-        if (statistics.valid())
-            statistics.wait();
+        const QString written = PerieventResultFile::write(
+            m_run->file(), both ? group + QLatin1Char('/') + sideName : group, side, cutValues,
+            request.config.statistics, window.windowStart, window.windowEnd, unit, names, attributes, error,
+            &saving, [&] { return statistics.wait(m_stepFeedback); });
         if (written.isEmpty()) {
             if (!error.isEmpty())
                 addError(error);

@@ -1,6 +1,7 @@
 #include "signal/operations/photometry/PhotometryDeltaF.h"
 
 #include "datafile/Feedback.h"
+#include "datafile/SecondCoreWork.h"
 #include "definitions/SignalOperationDefinitions.h"
 #include "signal/operations/SampleRate.h"
 #include "signal/operations/decimation/Decimation.h"
@@ -10,10 +11,7 @@
 #include "signal/operations/standardize/ZScore.h"
 
 #include <algorithm>
-#include <atomic>
-#include <chrono>
 #include <functional>
-#include <future>
 
 namespace zarvi {
 
@@ -36,19 +34,11 @@ void setLabel(Feedback* feedback, const QString& label)
 KernelOutcome forBoth(Signal& isosbestic, Signal& biosensor, Feedback* feedback,
                       const std::function<KernelOutcome(Signal&, Feedback*)>& stage)
 {
-    std::atomic<bool> stop{false};
-    StopFlagFeedback isosbesticFeedback(stop);
-    std::future<KernelOutcome> isosbesticDone =
-        std::async(std::launch::async, [&] { return stage(isosbestic, &isosbesticFeedback); });
+    SecondCoreWork<KernelOutcome> isosbesticStage([&](Feedback* f) { return stage(isosbestic, f); });
     const KernelOutcome biosensorOutcome = stage(biosensor, feedback);
     if (!biosensorOutcome.ok())
-        stop = true;
-    // A cancel must reach the isosbestic's stage while it finishes alone.
-    while (isosbesticDone.wait_for(std::chrono::milliseconds(5)) != std::future_status::ready) {
-        if (feedback && feedback->isCanceled())
-            stop = true;
-    }
-    const KernelOutcome isosbesticOutcome = isosbesticDone.get();
+        isosbesticStage.stop();
+    const KernelOutcome isosbesticOutcome = isosbesticStage.wait(feedback);
     if (isosbesticOutcome.isFailed() || biosensorOutcome.ok())
         return isosbesticOutcome;
     return biosensorOutcome;
