@@ -3,11 +3,13 @@
 #include "datafile/Feedback.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "numeric/Statistics.h"
+#include "numeric/TwoHalves.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
 #include <QLocale>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <exception>
 
@@ -16,6 +18,9 @@ namespace zarvi {
 namespace {
 
 using D = AnalysisOperationDefinitions;
+
+/// Baseline samples in all rows from which the row scales are taken on both cores.
+constexpr std::size_t BothCoresFrom = std::size_t{1} << 18;
 
 struct Signal
 {
@@ -110,24 +115,29 @@ QString rowScales(const Signal& signal, const ChunkPlan& plan, const PerieventSi
         baselineLength = baseline->length;
     }
 
+    // Each row's scale is its own: many long baselines are shared between both cores.
     using Method = PerieventNormalization::Method;
-    for (std::size_t row = 0; row < plan.rows(); ++row) {
-        const auto baseline = signal.values.subspan(baselineStarts[row], baselineLength);
-        switch (normalization.method) {
-        case Method::Mean:
-            scales[row] = {Statistics::mean(baseline), 1.0};
-            break;
-        case Method::StandardZScore:
-            scales[row] = Statistics::standardScore(baseline);
-            break;
-        case Method::ModifiedZScore:
-            scales[row] = Statistics::modifiedScore(baseline);
-            if (std::isnan(scales[row].centre))
-                return D::MedianNaNError; // the baseline holds a NaN
-            break;
-        }
-    }
-    return {};
+    std::atomic<bool> medianOfNaN{false};
+    inTwoHalves(plan.rows(), plan.rows() * baselineLength >= BothCoresFrom,
+                [&](std::size_t begin, std::size_t end) {
+                    for (std::size_t row = begin; row < end; ++row) {
+                        const auto baseline = signal.values.subspan(baselineStarts[row], baselineLength);
+                        switch (normalization.method) {
+                        case Method::Mean:
+                            scales[row] = {Statistics::mean(baseline), 1.0};
+                            break;
+                        case Method::StandardZScore:
+                            scales[row] = Statistics::standardScore(baseline);
+                            break;
+                        case Method::ModifiedZScore:
+                            scales[row] = Statistics::modifiedScore(baseline);
+                            if (std::isnan(scales[row].centre))
+                                medianOfNaN = true; // the baseline holds a NaN
+                            break;
+                        }
+                    }
+                });
+    return medianOfNaN ? D::MedianNaNError : QString();
 }
 
 /// Fills the trial-by-time matrix with the normalised chunks. Column by column, so that

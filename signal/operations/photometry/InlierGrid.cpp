@@ -1,8 +1,9 @@
 #include "signal/operations/photometry/InlierGrid.h"
 
+#include "numeric/TwoHalves.h"
+
 #include <algorithm>
 #include <cmath>
-#include <future>
 #include <limits>
 
 namespace zarvi {
@@ -64,16 +65,9 @@ InlierGrid::InlierGrid(std::span<const double> x, std::span<const double> y)
     // Long signals are sorted in two halves, one on each core; the halves meet only in
     // the running sum, which puts the first half's samples of a cell before the second's,
     // as one pass over all of them would.
-    const std::size_t half = n >= TwoHalvesFrom ? n / 2 : n;
-    const auto inBoth = [half, n](auto&& step) {
-        if (half == n) {
-            step(0, n);
-            return;
-        }
-        auto upper = std::async(std::launch::async, [&] { step(half, n); });
-        step(0, half);
-        upper.get();
-    };
+    const bool split = n >= TwoHalvesFrom;
+    const std::size_t half = split ? n / 2 : n;
+    const auto inBoth = [n, split](auto&& step) { inTwoHalves(n, split, step); };
 
     Range lower, upper;
     inBoth([&](std::size_t begin, std::size_t end) {
