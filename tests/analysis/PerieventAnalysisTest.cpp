@@ -286,6 +286,45 @@ TEST(PerieventAnalysis, StatisticsInsideTheTimeFrames)
     }
 }
 
+TEST(PerieventAnalysis, ManyLongBaselinesKeepEachRowsOwnScale)
+{
+    // 600 rows of 600-sample baselines, enough for the rows to be scaled on both cores:
+    // each row must come out as it does when its event is analysed alone.
+    const std::size_t n = 200000;
+    std::vector<double> t(n), x(n);
+    for (std::size_t i = 0; i < n; ++i) {
+        t[i] = static_cast<double>(i) / 1000.0;
+        x[i] = std::sin(0.37 * static_cast<double>(i)) * static_cast<double>(1 + i % 11) + 1e-3 * i;
+    }
+    std::vector<double> onsets;
+    for (int k = 0; k < 600; ++k)
+        onsets.push_back(1.0 + 0.3 * k);
+    for (const Method method : {Method::StandardZScore, Method::ModifiedZScore}) {
+        auto config = windowConfig(-0.6, 0.2);
+        config.normalization.enabled = true;
+        config.normalization.start = -0.6;
+        config.normalization.end = 0.0;
+        config.normalization.method = method;
+        const auto all = PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr);
+        ASSERT_TRUE(all.succeeded());
+        const arma::mat& matrix = all.sides[0].matrix;
+        ASSERT_EQ(matrix.n_rows, 600u);
+        for (const std::size_t k : {std::size_t{0}, std::size_t{299}, std::size_t{300}, std::size_t{599}}) {
+            const auto alone = PerieventAnalysis::run(t, x, EventArray({onsets[k]}), config, nullptr);
+            ASSERT_TRUE(alone.succeeded());
+            EXPECT_TRUE(arma::approx_equal(matrix.row(k), alone.sides[0].matrix.row(0), "absdiff", 0.0))
+                << "row " << k;
+        }
+    }
+
+    // A NaN in a baseline of the upper rows stops the modified z-score.
+    auto config = windowConfig(-0.6, 0.2);
+    config.normalization = {true, -0.6, 0.0, Method::ModifiedZScore, std::nullopt, {}, {}};
+    x[static_cast<std::size_t>(1000.0 * onsets[550]) - 10] = NAN;
+    EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr).messages,
+              QStringList({"median(): detected NaN"}));
+}
+
 TEST(PerieventAnalysis, SidesSelectionResamplingAndFailures)
 {
     const auto t = indexSignal(20);
