@@ -16,8 +16,7 @@ namespace zarvi {
 /// while it waits. Created and waited for on the reporting thread; whatever the work
 /// touches must stay alive until wait() returns or the object is destroyed, which
 /// stops the work and waits for it.
-template <typename Result>
-class SecondCoreWork
+template <typename Result> class SecondCoreWork
 {
 public:
     explicit SecondCoreWork(std::function<Result(Feedback*)> work)

@@ -9,8 +9,7 @@ namespace zarvi {
 /// thread, when `split` is true, and over the whole range on this thread otherwise. For
 /// loops whose items are independent: the results are those of one pass. Returns where
 /// the upper half starts (count when not split). Called from any thread.
-template <typename Step>
-std::size_t inTwoHalves(std::size_t count, bool split, Step&& step)
+template <typename Step> std::size_t inTwoHalves(std::size_t count, bool split, Step&& step)
 {
     const std::size_t half = split ? count / 2 : count;
     if (half == count) {
