@@ -2,6 +2,10 @@
 
 #include <armadillo>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -36,6 +40,24 @@ double deviationMedian(std::span<const double> values, double centre)
 }
 
 } // namespace
+
+void Statistics::Scale::scoreAll(std::span<const double> values, double* out) const
+{
+    const double* in = values.data();
+    const std::size_t n = values.size();
+    std::size_t i = 0;
+#if defined(__SSE2__)
+    // Division is the slow step: one instruction divides two values in the time one
+    // takes alone, and the compiler does not pair them by itself at our optimisation
+    // level. Exact operations in the same order give what score() gives.
+    const __m128d centres = _mm_set1_pd(centre);
+    const __m128d scales = _mm_set1_pd(scale);
+    for (; i + 2 <= n; i += 2)
+        _mm_storeu_pd(out + i, _mm_div_pd(_mm_sub_pd(_mm_loadu_pd(in + i), centres), scales));
+#endif
+    for (; i < n; ++i)
+        out[i] = score(in[i]);
+}
 
 double Statistics::mean(std::span<const double> values)
 {

@@ -17,6 +17,9 @@ public:
         double scale = 1.0;
 
         double score(double x) const { return (x - centre) / scale; }
+        /// score() of each value of `values` into `out` (as many; it may be `values`
+        /// itself), two at a time: the same subtractions and divisions, so the same bits.
+        void scoreAll(std::span<const double> values, double* out) const;
     };
 
     /// NaN when empty or when a value is NaN.

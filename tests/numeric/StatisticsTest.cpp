@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
+#include <span>
 #include <vector>
 
 namespace zarvi {
@@ -65,6 +67,29 @@ TEST(Statistics, ZScores)
     EXPECT_EQ(flat.scale, 0.0);
     EXPECT_TRUE(std::isnan(flat.score(2.0)));
     EXPECT_TRUE(std::isinf(flat.score(3.0)));
+}
+
+TEST(Statistics, ScoresOfManyValuesAreThoseOfOneAtATime)
+{
+    // Odd and even lengths, in place or not, with the values where rounding and the
+    // special cases show: tiny, huge, signed zeros, infinities and NaN.
+    V values{1.0 / 3.0, -0.0, 0.0, 1e-310, -1e308, 1e308, INFINITY, -INFINITY, NAN, 2.5, 7.0 / 9.0};
+    for (int i = 0; i < 40; ++i)
+        values.push_back(std::sin(1.7 * i) * std::pow(10.0, i % 9 - 4));
+    for (const Statistics::Scale scale : {Statistics::Scale{0.1, 3.0}, Statistics::Scale{-2.5, 1e-300},
+                                          Statistics::Scale{1.0, 0.0}, Statistics::Scale{NAN, 1.0}}) {
+        for (const std::size_t n : {values.size(), values.size() - 1, std::size_t{1}, std::size_t{0}}) {
+            const std::span<const double> part(values.data(), n);
+            V scored(n), inPlace(part.begin(), part.end());
+            scale.scoreAll(part, scored.data());
+            scale.scoreAll(inPlace, inPlace.data());
+            for (std::size_t i = 0; i < n; ++i) {
+                const double expected = (values[i] - scale.centre) / scale.scale;
+                ASSERT_EQ(std::memcmp(&scored[i], &expected, sizeof expected), 0) << i << " of " << n;
+                ASSERT_EQ(std::memcmp(&inPlace[i], &expected, sizeof expected), 0) << i << " of " << n;
+            }
+        }
+    }
 }
 
 TEST(Statistics, TrapezoidIntegral)

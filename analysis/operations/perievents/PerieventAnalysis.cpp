@@ -302,9 +302,8 @@ bool PerieventAnalysis::summarise(std::span<const double> values, const Perieven
         for (std::size_t row = 0; row < count; ++row) {
             if (feedback && feedback->isCanceled())
                 return false;
-            const double* source = values.data() + rows.rowStarts[row] + columns.first;
-            std::transform(source, source + chunk.size(), chunk.begin(),
-                           [scale = rows.rowScales[row]](double x) { return scale.score(x); });
+            rows.rowScales[row].scoreAll(values.subspan(rows.rowStarts[row] + columns.first, chunk.size()),
+                                         chunk.data());
             for (std::size_t s = 0; s < kinds.size(); ++s)
                 out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times);
         }

@@ -176,13 +176,9 @@ QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
     QString failed;
     // Each row is read in order from the signal and written in order into the band.
     const RowBand cut = [&](hsize_t first, hsize_t count, double* band) {
-        for (hsize_t k = 0; k < count; ++k) {
-            const double* source = values.data() + result.rowStarts[first + k];
-            const Statistics::Scale scale = result.rowScales[first + k];
-            double* row = band + k * columns;
-            for (hsize_t j = 0; j < columns; ++j)
-                row[j] = scale.score(source[j]);
-        }
+        for (hsize_t k = 0; k < count; ++k)
+            result.rowScales[first + k].scoreAll(values.subspan(result.rowStarts[first + k], columns),
+                                                 band + k * columns);
     };
     if (!writeRows(file, groupId, D::PerieventMatrix, rows, columns, cut, &progress, canceled) ||
         !writeDatasetAttributes(file, groupId, D::PerieventMatrix, matrixAttributes))

@@ -21,8 +21,7 @@ KernelOutcome ZScore::apply(const QString& method, std::vector<double>& values, 
         return KernelOutcome::cancelled();
     if (!(scale.scale > 0.0) || !std::isfinite(scale.scale))
         return KernelOutcome::failed(Defs::constantSignalStandardizeMessage());
-    for (double& v : values)
-        v = scale.score(v);
+    scale.scoreAll(values, values.data());
     return KernelOutcome::completed();
 }
 
