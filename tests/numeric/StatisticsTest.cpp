@@ -1,4 +1,5 @@
 // The shared summary statistics, checked against values worked out by hand.
+#include "numeric/FixedTimesTrapezoid.h"
 #include "numeric/Statistics.h"
 
 #include <gtest/gtest.h>
@@ -100,6 +101,29 @@ TEST(Statistics, TrapezoidIntegral)
     EXPECT_DOUBLE_EQ(Statistics::trapezoid(V{-1, 0, 0.5, 2}, V{-1, 1, 2, 5}), 6.0);
     EXPECT_EQ(Statistics::trapezoid(V{1}, V{4}), 0.0);
     EXPECT_EQ(Statistics::trapezoid(V{}, V{}), 0.0);
+}
+
+TEST(FixedTimesTrapezoid, EachRunIntegratesAsTheTrapezoidRuleAlone)
+{
+    // By hand: (1 + 3) / 2 * 1 + (3 + 2) / 2 * 2 = 7.
+    FixedTimesTrapezoid small(V{0.0, 1.0, 3.0});
+    EXPECT_EQ(small.integral(V{1.0, 3.0, 2.0}), 7.0);
+    EXPECT_EQ(small.integral(V{1.0, 3.0}), 0.0); // not as many values as times
+
+    // Long uneven runs, one object for all of them: the same bits as each alone.
+    for (const std::size_t n : {std::size_t{2}, std::size_t{33}, std::size_t{8001}}) {
+        V times(n), values(n);
+        for (std::size_t i = 0; i < n; ++i)
+            times[i] = 0.001 * static_cast<double>(i) + 1e-4 * std::sin(static_cast<double>(i));
+        FixedTimesTrapezoid trapezoid(times);
+        for (int run = 0; run < 5; ++run) {
+            for (std::size_t i = 0; i < n; ++i)
+                values[i] = std::cos(0.37 * static_cast<double>(i * (run + 1))) * (1.0 + run);
+            const double expected = Statistics::trapezoid(times, values);
+            const double integral = trapezoid.integral(values);
+            EXPECT_EQ(std::memcmp(&integral, &expected, sizeof expected), 0) << n << " run " << run;
+        }
+    }
 }
 
 } // namespace

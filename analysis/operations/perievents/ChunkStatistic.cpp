@@ -1,6 +1,7 @@
 #include "analysis/operations/perievents/ChunkStatistic.h"
 
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "numeric/FixedTimesTrapezoid.h"
 #include "numeric/Statistics.h"
 
 #include <algorithm>
@@ -48,13 +49,14 @@ QString ChunkStatistic::nameOf(Kind kind)
     return {};
 }
 
-double ChunkStatistic::compute(Kind kind, std::span<const double> values, std::span<const double> times)
+double ChunkStatistic::compute(Kind kind, std::span<const double> values, std::span<const double> times,
+                               FixedTimesTrapezoid* trapezoid)
 {
     if (values.empty())
         return NaN;
     switch (kind) {
     case Kind::AUC:
-        return Statistics::trapezoid(times, values) /
+        return (trapezoid ? trapezoid->integral(values) : Statistics::trapezoid(times, values)) /
                (*std::max_element(times.begin(), times.end()) - times.front());
     case Kind::Mean:
         return Statistics::mean(values);

@@ -7,6 +7,8 @@
 
 namespace zarvi {
 
+class FixedTimesTrapezoid;
+
 /// One statistic of a chunk of values taken at the given times (seconds): what the
 /// statistic time frames of the perievent analysis report. Plain functions, any thread.
 class ChunkStatistic
@@ -33,8 +35,10 @@ public:
     /// - Mean, Median, Maximum, Minimum: NaN when a value is NaN;
     /// - Frequency: 1 / mean interval between consecutive times, 0 for fewer than 2 times;
     /// - Count: the number of values.
-    /// `times` (as many as the values) are read by AUC and Frequency only.
-    static double compute(Kind kind, std::span<const double> values, std::span<const double> times);
+    /// `times` (as many as the values) are read by AUC and Frequency only. AUC takes its
+    /// integral from `trapezoid` when given, which must be over the same times.
+    static double compute(Kind kind, std::span<const double> values, std::span<const double> times,
+                          FixedTimesTrapezoid* trapezoid = nullptr);
 };
 
 } // namespace zarvi

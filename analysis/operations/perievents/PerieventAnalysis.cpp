@@ -2,6 +2,7 @@
 
 #include "datafile/Feedback.h"
 #include "definitions/AnalysisOperationDefinitions.h"
+#include "numeric/FixedTimesTrapezoid.h"
 #include "numeric/Statistics.h"
 #include "numeric/TwoHalves.h"
 #include "signal/operations/interpolation/LinearResampler.h"
@@ -298,6 +299,7 @@ bool PerieventAnalysis::summarise(std::span<const double> values, const Perieven
         const PerieventCutter::Columns columns =
             PerieventCutter::frameColumns(frame, side.windowStart, sampleRate, rows.rowLength);
         const std::vector<double> times = PerieventCutter::frameTimes(frame, columns, sampleRate);
+        FixedTimesTrapezoid trapezoid(times);
         std::vector<double> chunk(times.size());
         for (std::size_t row = 0; row < count; ++row) {
             if (feedback && feedback->isCanceled())
@@ -305,7 +307,7 @@ bool PerieventAnalysis::summarise(std::span<const double> values, const Perieven
             rows.rowScales[row].scoreAll(values.subspan(rows.rowStarts[row] + columns.first, chunk.size()),
                                          chunk.data());
             for (std::size_t s = 0; s < kinds.size(); ++s)
-                out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times);
+                out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times, &trapezoid);
         }
     }
     return true;
