@@ -444,19 +444,6 @@ TEST(PerieventOperation, TooManyEventsOrACancelWriteNothing)
     EXPECT_FALSE(result.succeeded());
     EXPECT_FALSE(test::pathExists(file, QStringLiteral("DataAnalyzed/Rig/Signals/Series1/Perievents1")));
 
-    // Cancelled while the rows are written and the statistics taken beside them.
-    wide.insert(D::StatisticTimeFrames, QVariantList{-20.0, 20.0});
-    wide.insert(D::TimeFramesNames, QStringList{QStringLiteral("All")});
-    wide.insert(D::Statistics, QStringList{D::Median});
-    OperationRunner writing;
-    writing.onProgress = [&](int percent) {
-        if (percent > 40)
-            writing.requestCancel();
-    };
-    result = writing.run(wide, file, {SignalDataset::valuesPath(group)});
-    EXPECT_TRUE(result.canceled);
-    EXPECT_FALSE(test::pathExists(file, QStringLiteral("DataAnalyzed/Rig/Signals/Series1/Perievents1")));
-
     QVariantMap fewer = parameters;
     fewer.insert(D::SelectEvents, 1);
     fewer.insert(D::EventRange, QVariantList{2, 4001});
