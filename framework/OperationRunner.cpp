@@ -36,14 +36,24 @@ RunResult OperationRunner::run(const QVariantMap& parameters, const QString& fil
     thread->start();
 
     QEventLoop loop;
-    connect(process.get(), &AbstractOperationProcess::sendProgressToView, this, [this](int progress, bool) {
+    // A signal handler may only set a flag; the timer below carries it to the process.
+    // A cancel asked for from a progress callback is carried at once.
+    const auto passCancelOn = [&] {
+        if (m_cancelRequested) {
+            result.canceled = true;
+            process->onCancelProcessRequested();
+        }
+    };
+    connect(process.get(), &AbstractOperationProcess::sendProgressToView, &loop, [&](int progress, bool) {
         if (onProgress)
             onProgress(progress);
+        passCancelOn();
     });
-    connect(process.get(), &AbstractOperationProcess::sendProgressLabelToView, this,
-            [this](const QString& label) {
+    connect(process.get(), &AbstractOperationProcess::sendProgressLabelToView, &loop,
+            [&](const QString& label) {
                 if (onLabel)
                     onLabel(label);
+                passCancelOn();
             });
     connect(process.get(), &AbstractOperationProcess::sendMessageToView, this,
             [this](const QString& title, const QString& message, const QString& details, int icon) {
@@ -57,14 +67,8 @@ RunResult OperationRunner::run(const QVariantMap& parameters, const QString& fil
                 result.errors = errors;
                 loop.quit();
             });
-    // A signal handler may only set a flag; this timer carries it to the process.
     QTimer cancelPoll;
-    connect(&cancelPoll, &QTimer::timeout, this, [&] {
-        if (m_cancelRequested) {
-            result.canceled = true;
-            process->onCancelProcessRequested();
-        }
-    });
+    connect(&cancelPoll, &QTimer::timeout, this, passCancelOn);
     cancelPoll.start(50);
 
     QVariantMap request = parameters;
