@@ -3,11 +3,10 @@
 #include "datafile/HDF5Handle.h"
 #include "datafile/JournaledFileDriver.h"
 #include "datafile/PositionedIo.h"
+#include "datafile/TwoHalves.h"
 
 #include <algorithm>
 #include <cstdint>
-#include <future>
-#include <system_error>
 #include <vector>
 
 #include <sys/mman.h>
@@ -108,15 +107,13 @@ bool ParallelChunkRead::read(hid_t dataset, hid_t memoryType, std::size_t elemen
         }
         return true;
     };
-    const std::size_t half = chunks.size() / 2;
-    std::future<bool> upper;
-    try {
-        upper = std::async(std::launch::async, readChunks, half, chunks.size());
-    } catch (const std::system_error&) {
-        return readChunks(0, chunks.size());
-    }
-    const bool lowerRead = readChunks(0, half);
-    return upper.get() && lowerRead;
+    // Each half records its own outcome; a half that read nothing stays true.
+    bool lowerRead = true;
+    bool upperRead = true;
+    inTwoHalves(chunks.size(), true, [&](std::size_t begin, std::size_t end) {
+        (end == chunks.size() ? upperRead : lowerRead) = readChunks(begin, end);
+    });
+    return lowerRead && upperRead;
 }
 
 void touchPagesOnBothCores(void* data, std::size_t bytes)
@@ -126,19 +123,11 @@ void touchPagesOnBothCores(void* data, std::size_t bytes)
     constexpr std::uintptr_t Page = 4096;
     const auto begin = (reinterpret_cast<std::uintptr_t>(data) + Page - 1) & ~(Page - 1);
     const auto end = (reinterpret_cast<std::uintptr_t>(data) + bytes) & ~(Page - 1);
-    const std::uintptr_t middle = begin + (((end - begin) / 2) & ~(Page - 1));
     // Asking the kernel to fill the page tables is one call per half instead of a fault per
     // page; a kernel without it leaves the pages to be touched by the read.
-    const auto populate = [](std::uintptr_t from, std::uintptr_t to) {
-        ::madvise(reinterpret_cast<void*>(from), to - from, MADV_POPULATE_WRITE);
-    };
-    try {
-        auto upper = std::async(std::launch::async, populate, middle, end);
-        populate(begin, middle);
-        upper.get();
-    } catch (const std::system_error&) {
-        // Without a second thread the read touches the pages itself.
-    }
+    inTwoHalves((end - begin) / Page, true, [begin](std::size_t first, std::size_t last) {
+        ::madvise(reinterpret_cast<void*>(begin + first * Page), (last - first) * Page, MADV_POPULATE_WRITE);
+    });
 }
 
 } // namespace zarvi

@@ -1,9 +1,14 @@
 #include "numeric/FixedTimesTrapezoid.h"
 
+#include <algorithm>
+
 namespace zarvi {
 
 FixedTimesTrapezoid::FixedTimesTrapezoid(std::span<const double> times)
 {
+    if (times.empty())
+        return;
+    m_span = *std::max_element(times.begin(), times.end()) - times.front();
     if (times.size() < 2)
         return;
     const arma::vec view(const_cast<double*>(times.data()), times.size(), false, true);

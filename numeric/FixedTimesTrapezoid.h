@@ -17,8 +17,11 @@ public:
 
     /// The integral of `values` (as many as the times) over the times.
     double integral(std::span<const double> values);
+    /// The greatest time minus the first: what an area per second divides by.
+    double span() const { return m_span; }
 
 private:
+    double m_span = 0.0;
     arma::vec m_steps;
     arma::vec m_pairSums;
 };

@@ -109,6 +109,8 @@ TEST(FixedTimesTrapezoid, EachRunIntegratesAsTheTrapezoidRuleAlone)
     FixedTimesTrapezoid small(V{0.0, 1.0, 3.0});
     EXPECT_EQ(small.integral(V{1.0, 3.0, 2.0}), 7.0);
     EXPECT_EQ(small.integral(V{1.0, 3.0}), 0.0); // not as many values as times
+    // The span an area per second divides by ends at the greatest time, not the last.
+    EXPECT_EQ(FixedTimesTrapezoid(V{2.0, 5.0, 4.0}).span(), 3.0);
 
     // Long uneven runs, one object for all of them: the same bits as each alone.
     for (const std::size_t n : {std::size_t{2}, std::size_t{33}, std::size_t{8001}}) {

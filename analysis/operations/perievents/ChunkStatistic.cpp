@@ -56,7 +56,11 @@ double ChunkStatistic::compute(Kind kind, std::span<const double> values, std::s
         return NaN;
     switch (kind) {
     case Kind::AUC:
-        return (trapezoid ? trapezoid->integral(values) : Statistics::trapezoid(times, values)) /
+        // Per trial, the steps between the times and their span come from `trapezoid`,
+        // worked out once for the frame.
+        if (trapezoid)
+            return trapezoid->integral(values) / trapezoid->span();
+        return Statistics::trapezoid(times, values) /
                (*std::max_element(times.begin(), times.end()) - times.front());
     case Kind::Mean:
         return Statistics::mean(values);

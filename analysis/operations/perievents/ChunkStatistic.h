@@ -36,7 +36,7 @@ public:
     /// - Frequency: 1 / mean interval between consecutive times, 0 for fewer than 2 times;
     /// - Count: the number of values.
     /// `times` (as many as the values) are read by AUC and Frequency only. AUC takes its
-    /// integral from `trapezoid` when given, which must be over the same times.
+    /// integral and span from `trapezoid` when given, which must be over the same times.
     static double compute(Kind kind, std::span<const double> values, std::span<const double> times,
                           FixedTimesTrapezoid* trapezoid = nullptr);
 };

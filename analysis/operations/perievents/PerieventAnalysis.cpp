@@ -1,10 +1,10 @@
 #include "analysis/operations/perievents/PerieventAnalysis.h"
 
 #include "datafile/Feedback.h"
+#include "datafile/TwoHalves.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "numeric/FixedTimesTrapezoid.h"
 #include "numeric/Statistics.h"
-#include "numeric/TwoHalves.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
 #include <QLocale>

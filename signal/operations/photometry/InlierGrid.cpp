@@ -1,6 +1,6 @@
 #include "signal/operations/photometry/InlierGrid.h"
 
-#include "numeric/TwoHalves.h"
+#include "datafile/TwoHalves.h"
 
 #include <algorithm>
 #include <cmath>
