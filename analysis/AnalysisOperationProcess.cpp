@@ -15,7 +15,7 @@ void AnalysisOperationProcess::runOperation()
         m_stepFeedback = step;
         m_inputPath = m_sourceDatapaths[i];
         QString error;
-        if (!SignalDataset::read(run.file(), m_inputPath, m_input, error)) {
+        if (!SignalDataset::readOnly(run.file(), m_inputPath, m_input, error)) {
             addError(error);
             return false;
         }
@@ -23,7 +23,7 @@ void AnalysisOperationProcess::runOperation()
     });
     m_stepFeedback = nullptr;
     m_run = nullptr;
-    m_input = Signal{};
+    m_input = ReadOnlySignal{};
 }
 
 } // namespace zarvi

@@ -9,12 +9,9 @@ namespace zarvi {
 /// Whole reads of long 1-D datasets straight from the file's descriptor, the chunks shared
 /// between two threads. The library reads chunk after chunk on one thread, under its global
 /// lock; with the file in the page cache, a whole read costs the copy and the first touch
-/// of the destination's pages, and two cores halve both. Taken only where the bytes in the
-/// file are the bytes in memory: chunked, unfiltered, stored in the memory type, every
-/// chunk written and inside the file, through a driver whose handle is a plain descriptor
-/// that sees every write (the library's default, or the journaled driver, which writes
-/// through). Called on the thread that uses the file; the second thread only reads the
-/// descriptor.
+/// of the destination's pages, and two cores halve both. Taken only where StoredChunks
+/// finds the chunks. Called on the thread that uses the file; the second thread only reads
+/// the descriptor.
 class ParallelChunkRead
 {
 public:

@@ -17,7 +17,7 @@ bool read1D(HDF5Manager_V6& file, const QString& path, std::vector<double>& out,
     }
     bool ok = file.dimensions(dataset).size() == 1;
     if (!ok)
-        error = QStringLiteral("Dataset <b>%1</b> is not a 1-D signal.").arg(path);
+        error = FileDefinitions::notOneDimensionalMessage().arg(path);
     else if (!(ok = file.read(dataset, out)))
         error = file.lastError();
     file.closeDataset(dataset);
@@ -63,7 +63,7 @@ bool readTimeSpan(HDF5Manager_V6& file, const QString& path, TimeSpan& span, QSt
     const std::vector<hsize_t> dims = file.dimensions(dataset);
     bool ok = dims.size() == 1;
     if (!ok) {
-        error = QStringLiteral("Dataset <b>%1</b> is not a 1-D signal.").arg(path);
+        error = FileDefinitions::notOneDimensionalMessage().arg(path);
     } else {
         span = TimeSpan{static_cast<std::size_t>(dims[0]), 0.0, 0.0};
         ok = span.count == 0 || (file.read(dataset, {0}, {1}, &span.first) &&
@@ -92,6 +92,14 @@ bool fitsInMemory(HDF5Manager_V6& file, const QString& valuesPath, QString& erro
     return error.isEmpty();
 }
 
+QString unitOf(HDF5Manager_V6& file, const QString& valuesPath)
+{
+    const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
+    const QString unit = file.readAttribute(dataset, FileDefinitions::Unit).toString();
+    file.closeDataset(dataset);
+    return unit;
+}
+
 /// The attributes of a signal's values: the run's, and the unit when the signal has one.
 QVariantMap withUnit(QVariantMap attributes, const QString& unit)
 {
@@ -118,9 +126,23 @@ bool SignalDataset::read(HDF5Manager_V6& file, const QString& valuesPath, Signal
         error = unequalLengthMessage(valuesPath);
         return false;
     }
-    const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
-    signal.unit = file.readAttribute(dataset, FileDefinitions::Unit).toString();
-    file.closeDataset(dataset);
+    signal.unit = unitOf(file, valuesPath);
+    return true;
+}
+
+bool SignalDataset::readOnly(HDF5Manager_V6& file, const QString& valuesPath, ReadOnlySignal& signal,
+                             QString& error)
+{
+    if (!fitsInMemory(file, valuesPath, error))
+        return false;
+    if (!signal.values.load(file, valuesPath, error) ||
+        !signal.time.load(file, timePathOf(valuesPath), error))
+        return false;
+    if (signal.values.samples().size() != signal.time.samples().size()) {
+        error = unequalLengthMessage(valuesPath);
+        return false;
+    }
+    signal.unit = unitOf(file, valuesPath);
     return true;
 }
 
@@ -137,9 +159,7 @@ bool SignalDataset::readValues(HDF5Manager_V6& file, const QString& valuesPath, 
         error = unequalLengthMessage(valuesPath);
         return false;
     }
-    const hid_t dataset = file.openDataset(file.fileId(), valuesPath);
-    signal.unit = file.readAttribute(dataset, FileDefinitions::Unit).toString();
-    file.closeDataset(dataset);
+    signal.unit = unitOf(file, valuesPath);
     return true;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "datafile/DatasetSamples.h"
+
 #include <QString>
 #include <QVariantMap>
 
@@ -20,6 +22,15 @@ struct Signal
     QString unit;
 };
 
+/// A signal for an operation that only reads it: values and "Time" mapped from the file
+/// where they can be, read otherwise (see DatasetSamples).
+struct ReadOnlySignal
+{
+    DatasetSamples time;
+    DatasetSamples values;
+    QString unit;
+};
+
 /// The extent of a "Time" vector without its samples: enough for the sample rate.
 struct TimeSpan
 {
@@ -37,6 +48,11 @@ public:
     /// Reads the values dataset at `valuesPath` and the "Time" in the same group.
     /// False with `error` set when either is missing, not 1-D, or of unequal length.
     static bool read(HDF5Manager_V6& file, const QString& valuesPath, Signal& signal, QString& error);
+
+    /// As read(), for a caller that does not change the samples: it is spared their copy
+    /// where the file's layout allows.
+    static bool readOnly(HDF5Manager_V6& file, const QString& valuesPath, ReadOnlySignal& signal,
+                         QString& error);
 
     /// Reads only the values dataset at `valuesPath` and its unit, and from the "Time"
     /// beside it the length, first and last time, so that an operation that keeps the

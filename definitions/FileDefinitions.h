@@ -154,6 +154,7 @@ public:
         return tr("The file <b>%1</b> is in use by another program. Close it there and try again.");
     }
     static QString datasetNotFoundMessage() { return tr("Dataset <b>%1</b> was not found in the file."); }
+    static QString notOneDimensionalMessage() { return tr("Dataset <b>%1</b> is not a 1-D signal."); }
     static QString unableToCreateDatasetMessage() { return tr("Unable to create a dataset <b>%1</b>."); }
     static QString unableToWriteAttributeMessage()
     {

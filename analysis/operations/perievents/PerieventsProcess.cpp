@@ -51,7 +51,8 @@ bool PerieventsProcess::computeOperation()
     request.config.buildMatrix = false;
     request.config.summarise = false;
     ScaledFeedback computing(m_stepFeedback, 0, ComputeShare);
-    PerieventAnalysis::run(m_input.time, m_input.values, events, request.config, &computing, m_result);
+    PerieventAnalysis::run(m_input.time.samples(), m_input.values.samples(), events, request.config,
+                           &computing, m_result);
     for (const QString& message : std::as_const(m_result.messages))
         addError(message);
     if (!m_result.succeeded())
@@ -67,8 +68,9 @@ bool PerieventsProcess::computeOperation()
     const QString unit = m_result.unit.isEmpty() ? m_input.unit : m_result.unit;
     const QVariantMap attributes = m_run->datasetAttributes(m_inputPath);
     PerieventResultNames names{signalName(m_run->file(), m_inputPath), request.config.eventName, {}};
-    const std::span<const double> cutValues =
-        m_result.resampledValues.empty() ? std::span<const double>(m_input.values) : m_result.resampledValues;
+    const std::span<const double> cutValues = m_result.resampledValues.empty()
+                                                  ? m_input.values.samples()
+                                                  : std::span<const double>(m_result.resampledValues);
     const int count = static_cast<int>(m_result.sides.size());
     for (int s = 0; s < count; ++s) {
         PerieventSideResult& side = m_result.sides[s];

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <hdf5.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace zarvi {
+
+/// Where the chunks of a long 1-D dataset lie in its file, for reading them without the
+/// library: found only where the bytes in the file are the bytes in memory (chunked,
+/// unfiltered, stored in the memory type, every chunk written whole and inside the file)
+/// and the file's driver reads a plain descriptor that sees every write (the library's
+/// default, or the journaled driver, which writes through). Found on the thread that
+/// uses the file.
+struct StoredChunks
+{
+    struct Chunk
+    {
+        haddr_t address = HADDR_UNDEF;
+        std::size_t bytes = 0; ///< bytes of the dataset's extent in this chunk
+    };
+
+    int descriptor = -1;
+    std::size_t chunkBytes = 0; ///< bytes of a whole chunk, as stored
+    std::vector<Chunk> chunks;  ///< in the dataset's order; empty when not laid out as above
+
+    /// The chunks of the `elements` (the whole extent) of `dataset` read as `memoryType`.
+    static StoredChunks of(hid_t dataset, hid_t memoryType, std::size_t elements);
+};
+
+} // namespace zarvi
