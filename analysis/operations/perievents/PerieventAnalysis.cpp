@@ -1,9 +1,9 @@
 #include "analysis/operations/perievents/PerieventAnalysis.h"
 
+#include "analysis/operations/perievents/FrameStatistics.h"
 #include "datafile/Feedback.h"
 #include "datafile/TwoHalves.h"
 #include "definitions/AnalysisOperationDefinitions.h"
-#include "numeric/FixedTimesTrapezoid.h"
 #include "numeric/Statistics.h"
 #include "signal/operations/interpolation/LinearResampler.h"
 
@@ -158,6 +158,26 @@ bool fillMatrix(std::span<const double> values, const ChunkPlan& plan,
     return true;
 }
 
+/// One matrix per statistic in `kinds` into `out`, a row per row of `rows` and a column
+/// per time frame of `side`, from the rows' values in each frame normalised as in the
+/// matrix. `values` is the cut signal. False when cancelled.
+bool summarise(std::span<const double> values, const PerieventSideResult& rows,
+               const PerieventSideConfig& side, double sampleRate,
+               std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback, std::vector<arma::mat>& out)
+{
+    const std::size_t count = rows.rowStarts.size();
+    FrameStatistics frames(side, sampleRate, rows.rowLength, kinds);
+    frames.prepare(count, out);
+    std::vector<double> normalised(rows.rowLength);
+    for (std::size_t row = 0; row < count; ++row) {
+        if (feedback && feedback->isCanceled())
+            return false;
+        rows.rowScales[row].scoreAll(values.subspan(rows.rowStarts[row], rows.rowLength), normalised.data());
+        frames.take(normalised, row, out);
+    }
+    return true;
+}
+
 QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool offset, const Events& events,
                     const PerieventAnalysisConfig& config, Feedback* feedback, int from, int to,
                     PerieventSideResult& result, bool& canceled)
@@ -187,8 +207,8 @@ QString analyseSide(const Signal& signal, const PerieventSideConfig& side, bool 
     result.rowScales = std::move(scales);
     result.rowLength = plan->length;
     result.statistics.clear();
-    if (config.summarise && !PerieventAnalysis::summarise(signal.values, result, side, signal.sampleRate,
-                                                          config.statistics, feedback, result.statistics)) {
+    if (config.summarise && !summarise(signal.values, result, side, signal.sampleRate, config.statistics,
+                                       feedback, result.statistics)) {
         canceled = true;
         return {};
     }
@@ -285,32 +305,6 @@ void PerieventAnalysis::run(std::span<const double> time, std::span<const double
     }
     if (!result.succeeded())
         result.sides.clear();
-}
-
-bool PerieventAnalysis::summarise(std::span<const double> values, const PerieventSideResult& rows,
-                                  const PerieventSideConfig& side, double sampleRate,
-                                  std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback,
-                                  std::vector<arma::mat>& out)
-{
-    const std::size_t count = rows.rowStarts.size();
-    out.assign(kinds.size(), arma::mat(count, side.timeFrames.size()));
-    for (std::size_t f = 0; f < side.timeFrames.size(); ++f) {
-        const TimeFrame& frame = side.timeFrames[f];
-        const PerieventCutter::Columns columns =
-            PerieventCutter::frameColumns(frame, side.windowStart, sampleRate, rows.rowLength);
-        const std::vector<double> times = PerieventCutter::frameTimes(frame, columns, sampleRate);
-        FixedTimesTrapezoid trapezoid(times);
-        std::vector<double> chunk(times.size());
-        for (std::size_t row = 0; row < count; ++row) {
-            if (feedback && feedback->isCanceled())
-                return false;
-            rows.rowScales[row].scoreAll(values.subspan(rows.rowStarts[row] + columns.first, chunk.size()),
-                                         chunk.data());
-            for (std::size_t s = 0; s < kinds.size(); ++s)
-                out[s](row, f) = ChunkStatistic::compute(kinds[s], chunk, times, &trapezoid);
-        }
-    }
-    return true;
 }
 
 QString PerieventAnalysis::windowTooLongMessage(double duration, double windowStart, double windowEnd)

@@ -87,9 +87,8 @@ struct PerieventAnalysisConfig
     /// False when the caller writes the rows itself from each side's rowStarts and
     /// rowScales (the operation's run, straight into the file): the matrices then stay empty.
     bool buildMatrix = true;
-    /// False when the caller summarises each side itself with PerieventAnalysis::summarise
-    /// (the operation's run, on a second core while it writes the rows): the statistics
-    /// then stay empty.
+    /// False when the caller takes each side's statistics itself (the operation's run, from
+    /// the rows it writes, see NormalisedBands): the statistics then stay empty.
     bool summarise = true;
 };
 
@@ -153,15 +152,6 @@ public:
     static void run(std::span<const double> time, std::span<const double> values, const EventArray& events,
                     const PerieventAnalysisConfig& config, Feedback* feedback,
                     PerieventAnalysisResult& result);
-
-    /// One matrix per statistic in `kinds` into `out`, a row per row of `rows` and a
-    /// column per time frame of `side`, from the rows' values in each frame normalised
-    /// as in the matrix. `values` is the cut signal. Touches nothing but `out`, so it may
-    /// run on another thread while the rows are written. False when cancelled.
-    static bool summarise(std::span<const double> values, const PerieventSideResult& rows,
-                          const PerieventSideConfig& side, double sampleRate,
-                          std::span<const ChunkStatistic::Kind> kinds, Feedback* feedback,
-                          std::vector<arma::mat>& out);
 
     /// Why a signal whose times span `duration` seconds (last minus first) cannot hold
     /// the window [windowStart, windowEnd]; empty when it can. The run refuses with it,

@@ -33,35 +33,28 @@ bool writeAttributes(HDF5Writer_V6& file, hid_t dataset, const QVariantMap& attr
     return true;
 }
 
-/// Fills `band` with rows [first, first + count) of a row-major [rows, columns] matrix.
-using RowBand = std::function<void(hsize_t first, hsize_t count, double* band)>;
-
 /// Writes a row-major [rows, columns] dataset, chunked by bands of whole rows of about
-/// ChunkBytes, one band at a time as `fill` gives it.
+/// ChunkBytes, one band at a time as `bands` gives it.
 bool writeRows(HDF5Writer_V6& file, hid_t group, const QString& name, hsize_t rows, hsize_t columns,
-               const RowBand& fill, ProgressTracker* progress, bool& canceled)
+               const PerieventResultFile::RowBands& bands, ProgressTracker* progress, bool& canceled)
 {
     const hsize_t chunkColumns = std::clamp<hsize_t>(columns, 1, MaxChunkColumns);
-    const hsize_t chunkRows =
-        std::clamp<hsize_t>(ChunkBytes / (sizeof(double) * chunkColumns), 1, std::max<hsize_t>(rows, 1));
+    const auto chunkRows = static_cast<hsize_t>(PerieventResultFile::bandRows(rows, columns));
     const hid_t dataset =
         file.createDataset(group, ElementKind::Float64, name, 2, {H5S_UNLIMITED, H5S_UNLIMITED},
                            {chunkRows, chunkColumns}, {rows, columns}, 0);
     if (dataset < 0)
         return false;
-    // Every element is filled before it is written: no need to clear the buffer first.
-    const auto band = std::make_unique_for_overwrite<double[]>(
-        static_cast<std::size_t>(std::max<hsize_t>(std::min(chunkRows, rows) * columns, 1)));
     bool ok = true;
     for (hsize_t first = 0; ok && first < rows; first += chunkRows) {
-        if (progress && progress->isCanceled()) {
+        const hsize_t count = std::min(chunkRows, rows - first);
+        const double* band = progress && progress->isCanceled() ? nullptr : bands(first, count);
+        if (!band) {
             canceled = true;
             ok = false;
             break;
         }
-        const hsize_t count = std::min(chunkRows, rows - first);
-        fill(first, count, band.get());
-        ok = file.write(dataset, band.get(), {first, 0}, {count, columns});
+        ok = file.write(dataset, band, {first, 0}, {count, columns});
         if (progress)
             progress->update(static_cast<std::size_t>(first + count));
     }
@@ -73,13 +66,13 @@ bool writeRows(HDF5Writer_V6& file, hid_t group, const QString& name, hsize_t ro
 bool writeMatrix(HDF5Writer_V6& file, hid_t group, const QString& name, const arma::mat& matrix,
                  bool& canceled)
 {
+    // The columns of the transpose are the rows, one after the other.
+    const arma::mat transposed = matrix.t();
     const hsize_t columns = matrix.n_cols;
-    const RowBand fill = [&](hsize_t first, hsize_t count, double* band) {
-        for (hsize_t j = 0; j < columns; ++j)
-            for (hsize_t k = 0; k < count; ++k)
-                band[k * columns + j] = matrix.at(first + k, j);
+    const PerieventResultFile::RowBands rowsOf = [&](hsize_t first, hsize_t) {
+        return transposed.memptr() + first * columns;
     };
-    return writeRows(file, group, name, matrix.n_rows, columns, fill, nullptr, canceled);
+    return writeRows(file, group, name, matrix.n_rows, columns, rowsOf, nullptr, canceled);
 }
 
 bool writeTime(HDF5Writer_V6& file, hid_t group, const std::vector<double>& time)
@@ -143,8 +136,15 @@ QString PerieventResultNames::statisticTitle(const QString& statistic) const
     return side.isEmpty() ? title : D::QualifiedNamePattern.arg(title, side);
 }
 
+std::size_t PerieventResultFile::bandRows(std::size_t rows, std::size_t columns)
+{
+    const hsize_t chunkColumns = std::clamp<hsize_t>(columns, 1, MaxChunkColumns);
+    return static_cast<std::size_t>(
+        std::clamp<hsize_t>(ChunkBytes / (sizeof(double) * chunkColumns), 1, std::max<hsize_t>(rows, 1)));
+}
+
 QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
-                                   const PerieventSideResult& result, std::span<const double> values,
+                                   const PerieventSideResult& result, const RowBands& bands,
                                    const std::vector<ChunkStatistic::Kind>& statistics, double windowStart,
                                    double windowEnd, const QString& unit, const PerieventResultNames& names,
                                    const QVariantMap& attributes, QString& error, Feedback* feedback,
@@ -174,13 +174,7 @@ QString PerieventResultFile::write(HDF5Writer_V6& file, const QString& group,
     matrixAttributes.insert(D::ColumnRange, QVariantList{windowStart, windowEnd});
     matrixAttributes.insert(FD::Username, names.matrixTitle());
     QString failed;
-    // Each row is read in order from the signal and written in order into the band.
-    const RowBand cut = [&](hsize_t first, hsize_t count, double* band) {
-        for (hsize_t k = 0; k < count; ++k)
-            result.rowScales[first + k].scoreAll(values.subspan(result.rowStarts[first + k], columns),
-                                                 band + k * columns);
-    };
-    if (!writeRows(file, groupId, D::PerieventMatrix, rows, columns, cut, &progress, canceled) ||
+    if (!writeRows(file, groupId, D::PerieventMatrix, rows, columns, bands, &progress, canceled) ||
         !writeDatasetAttributes(file, groupId, D::PerieventMatrix, matrixAttributes))
         failed = D::PerieventMatrix;
     else if (!writeTime(file, groupId, result.time))

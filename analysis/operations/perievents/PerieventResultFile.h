@@ -74,18 +74,25 @@ public:
     /// a file readable by HDF5 1.8 holds at most 64 KiB (16 bytes per name).
     static constexpr std::size_t MaxEvents = 4000;
 
-    /// Creates `group` and writes `result` into it, its rows cut from `values` (the cut
-    /// signal, see PerieventSideResult::rowStarts) band by band straight into the file's
-    /// row order, so that the whole matrix is never held; `statistics` names
-    /// result.statistics in order. `attributes` (the run's parameters, the source path) go onto the matrix
-    /// and statistic datasets. Polls `feedback` per band of rows. `summarised`, when
-    /// given, is called after the rows and times are written and before the statistics
-    /// are read: the run computes them on a second core meanwhile, and it returns false
-    /// when they were cancelled. Returns the matrix path, or empty with `error` set (or
-    /// nothing set when cancelled); a result of more than MaxEvents rows is refused
+    /// Gives rows [first, first + count) of a matrix, row-major, cut and normalised; null
+    /// when their cutting was stopped.
+    using RowBands = std::function<const double*(std::size_t first, std::size_t count)>;
+
+    /// Rows per chunk of a saved matrix of `rows` by `columns`: whole rows of about 1 MiB,
+    /// so that a trial reads at once. The matrix is written a band of that many at a time.
+    static std::size_t bandRows(std::size_t rows, std::size_t columns);
+
+    /// Creates `group` and writes `result` into it, its rows band by band as `bands` gives
+    /// them (see NormalisedBands), straight into the file's row order, so that the whole
+    /// matrix is never held; `statistics` names result.statistics in order. `attributes`
+    /// (the run's parameters, the source path) go onto the matrix and statistic datasets.
+    /// Polls `feedback` per band of rows. `summarised`, when given, is called after the
+    /// rows and times are written and before the statistics are read, and returns false
+    /// when they were not all taken. Returns the matrix path, or empty with `error` set
+    /// (or nothing set when cancelled); a result of more than MaxEvents rows is refused
     /// before anything is written.
     static QString write(HDF5Writer_V6& file, const QString& group, const PerieventSideResult& result,
-                         std::span<const double> values, const std::vector<ChunkStatistic::Kind>& statistics,
+                         const RowBands& bands, const std::vector<ChunkStatistic::Kind>& statistics,
                          double windowStart, double windowEnd, const QString& unit,
                          const PerieventResultNames& names, const QVariantMap& attributes, QString& error,
                          Feedback* feedback, const std::function<bool()>& summarised = {});

@@ -1,9 +1,9 @@
 #include "analysis/operations/perievents/PerieventsProcess.h"
 
+#include "analysis/operations/perievents/NormalisedBands.h"
 #include "analysis/operations/perievents/PerieventParameters.h"
 #include "analysis/operations/perievents/PerieventResultFile.h"
 #include "datafile/HDF5Writer_V6.h"
-#include "datafile/SecondCoreWork.h"
 #include "definitions/AnalysisOperationDefinitions.h"
 #include "definitions/FileDefinitions.h"
 #include "framework/OutputLocation.h"
@@ -80,16 +80,16 @@ bool PerieventsProcess::computeOperation()
             names.side = sideName;
         ScaledFeedback saving(m_stepFeedback, ComputeShare + (100 - ComputeShare) * s / count,
                               ComputeShare + (100 - ComputeShare) * (s + 1) / count);
-        // The statistics are taken on the second core while this one writes the rows;
-        // leaving the scope early stops them and waits.
-        SecondCoreWork<bool> statistics([&](Feedback* summarising) {
-            return PerieventAnalysis::summarise(cutValues, side, window, m_result.sampleRate,
-                                                request.config.statistics, summarising, side.statistics);
-        });
+        // The rows are cut and their statistics taken on the second core while this one
+        // writes them; leaving the scope early stops that work and waits for it.
+        NormalisedBands bands(cutValues, side, window, m_result.sampleRate, request.config.statistics,
+                              PerieventResultFile::bandRows(side.rowStarts.size(), side.rowLength),
+                              side.statistics);
         const QString written = PerieventResultFile::write(
-            m_run->file(), both ? group + QLatin1Char('/') + sideName : group, side, cutValues,
-            request.config.statistics, window.windowStart, window.windowEnd, unit, names, attributes, error,
-            &saving, [&] { return statistics.wait(m_stepFeedback); });
+            m_run->file(), both ? group + QLatin1Char('/') + sideName : group, side,
+            [&](std::size_t, std::size_t) { return bands.next(); }, request.config.statistics,
+            window.windowStart, window.windowEnd, unit, names, attributes, error, &saving,
+            [&] { return bands.finished(); });
         if (written.isEmpty()) {
             if (!error.isEmpty())
                 addError(error);
