@@ -1,7 +1,7 @@
 #include "datafile/DatasetSamples.h"
 
 #include "datafile/HDF5Manager_V6.h"
-#include "definitions/FileDefinitions.h"
+#include "datafile/SignalDataset.h"
 
 namespace zarvi {
 
@@ -10,25 +10,18 @@ bool DatasetSamples::load(HDF5Manager_V6& file, const QString& path, QString& er
     m_mapped = {};
     m_read.clear();
     m_samples = {};
-    const hid_t dataset = file.openDatasetForWholeRead(file.fileId(), path);
-    if (dataset < 0) {
-        error = FileDefinitions::datasetNotFoundMessage().arg(path);
+    std::size_t count = 0;
+    const hid_t dataset = SignalDataset::open1D(file, path, true, count, error);
+    if (dataset < 0)
         return false;
-    }
-    const std::vector<hsize_t> dims = file.dimensions(dataset);
-    bool ok = dims.size() == 1;
-    if (!ok) {
-        error = FileDefinitions::notOneDimensionalMessage().arg(path);
+    bool ok = true;
+    m_mapped = MappedDataset::map(dataset, H5T_NATIVE_DOUBLE, count);
+    if (m_mapped.data()) {
+        m_samples = {static_cast<const double*>(m_mapped.data()), count};
+    } else if ((ok = file.read(dataset, m_read))) {
+        m_samples = m_read;
     } else {
-        const auto count = static_cast<std::size_t>(dims[0]);
-        m_mapped = MappedDataset::map(dataset, H5T_NATIVE_DOUBLE, count);
-        if (m_mapped.data()) {
-            m_samples = {static_cast<const double*>(m_mapped.data()), count};
-        } else if ((ok = file.read(dataset, m_read))) {
-            m_samples = m_read;
-        } else {
-            error = file.lastError();
-        }
+        error = file.lastError();
     }
     file.closeDataset(dataset);
     return ok;

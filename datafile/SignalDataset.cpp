@@ -10,15 +10,12 @@ namespace {
 
 bool read1D(HDF5Manager_V6& file, const QString& path, std::vector<double>& out, QString& error)
 {
-    const hid_t dataset = file.openDatasetForWholeRead(file.fileId(), path);
-    if (dataset < 0) {
-        error = FileDefinitions::datasetNotFoundMessage().arg(path);
+    std::size_t length = 0;
+    const hid_t dataset = SignalDataset::open1D(file, path, true, length, error);
+    if (dataset < 0)
         return false;
-    }
-    bool ok = file.dimensions(dataset).size() == 1;
+    const bool ok = file.read(dataset, out);
     if (!ok)
-        error = FileDefinitions::notOneDimensionalMessage().arg(path);
-    else if (!(ok = file.read(dataset, out)))
         error = file.lastError();
     file.closeDataset(dataset);
     return ok;
@@ -55,22 +52,14 @@ QString unequalLengthMessage(const QString& path)
 /// The length of the 1-D "Time" at `path`, with its first and last sample.
 bool readTimeSpan(HDF5Manager_V6& file, const QString& path, TimeSpan& span, QString& error)
 {
-    const hid_t dataset = file.openDataset(file.fileId(), path);
-    if (dataset < 0) {
-        error = FileDefinitions::datasetNotFoundMessage().arg(path);
+    span = TimeSpan{};
+    const hid_t dataset = SignalDataset::open1D(file, path, false, span.count, error);
+    if (dataset < 0)
         return false;
-    }
-    const std::vector<hsize_t> dims = file.dimensions(dataset);
-    bool ok = dims.size() == 1;
-    if (!ok) {
-        error = FileDefinitions::notOneDimensionalMessage().arg(path);
-    } else {
-        span = TimeSpan{static_cast<std::size_t>(dims[0]), 0.0, 0.0};
-        ok = span.count == 0 || (file.read(dataset, {0}, {1}, &span.first) &&
-                                 file.read(dataset, {dims[0] - 1}, {1}, &span.last));
-        if (!ok)
-            error = file.lastError();
-    }
+    const bool ok = span.count == 0 || (file.read(dataset, {0}, {1}, &span.first) &&
+                                        file.read(dataset, {span.count - 1}, {1}, &span.last));
+    if (!ok)
+        error = file.lastError();
     file.closeDataset(dataset);
     return ok;
 }
@@ -109,6 +98,25 @@ QVariantMap withUnit(QVariantMap attributes, const QString& unit)
 }
 
 } // namespace
+
+hid_t SignalDataset::open1D(HDF5Manager_V6& file, const QString& path, bool wholeRead, std::size_t& length,
+                            QString& error)
+{
+    const hid_t dataset =
+        wholeRead ? file.openDatasetForWholeRead(file.fileId(), path) : file.openDataset(file.fileId(), path);
+    if (dataset < 0) {
+        error = FileDefinitions::datasetNotFoundMessage().arg(path);
+        return H5I_INVALID_HID;
+    }
+    const std::vector<hsize_t> dims = file.dimensions(dataset);
+    if (dims.size() != 1) {
+        error = FileDefinitions::notOneDimensionalMessage().arg(path);
+        file.closeDataset(dataset);
+        return H5I_INVALID_HID;
+    }
+    length = static_cast<std::size_t>(dims[0]);
+    return dataset;
+}
 
 QString SignalDataset::valuesPath(const QString& groupPath)
 {

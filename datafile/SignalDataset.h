@@ -5,6 +5,8 @@
 #include <QString>
 #include <QVariantMap>
 
+#include <hdf5.h>
+
 #include <cstddef>
 #include <vector>
 
@@ -70,6 +72,12 @@ public:
     /// `signal.time` is not used. Its length must equal the values'.
     static bool writeWithTimeOf(HDF5Writer_V6& file, const QString& groupPath, const QString& timeSourcePath,
                                 const Signal& signal, const QVariantMap& attributes, QString& error);
+
+    /// Opens the 1-D dataset at `path`, for one whole read when `wholeRead`, and gives its
+    /// length. A negative id with `error` set when it is missing or not 1-D; the caller
+    /// closes the dataset otherwise.
+    static hid_t open1D(HDF5Manager_V6& file, const QString& path, bool wholeRead, std::size_t& length,
+                        QString& error);
 
     /// Full path of the values dataset in a sensor group.
     static QString valuesPath(const QString& groupPath);

@@ -4,12 +4,15 @@
 // endOffset round(3.158) + 1 = 4: six columns x[i - 2] .. x[i + 3] around sample i,
 // kept for 2 <= i <= 15.
 #include "analysis/operations/perievents/PerieventAnalysis.h"
+#include "analysis/operations/perievents/NormalisedBands.h"
 #include "datafile/Feedback.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <cmath>
 #include <numeric>
+#include <thread>
 #include <vector>
 
 namespace zarvi {
@@ -40,6 +43,34 @@ void expectRow(const arma::mat& matrix, arma::uword row, const std::vector<doubl
     ASSERT_EQ(matrix.n_cols, expected.size());
     for (arma::uword j = 0; j < matrix.n_cols; ++j)
         EXPECT_NEAR(matrix(row, j), expected[j], 1e-12) << "row " << row << " column " << j;
+}
+
+/// Times of n samples at 1 kHz from 0.
+std::vector<double> millisecondTimes(std::size_t n)
+{
+    std::vector<double> t(n);
+    for (std::size_t i = 0; i < n; ++i)
+        t[i] = static_cast<double>(i) / 1000.0;
+    return t;
+}
+
+/// A sine whose amplitude changes from sample to sample, on a slow drift: every row cut
+/// from it has a scale of its own.
+std::vector<double> unevenSignal(std::size_t n)
+{
+    std::vector<double> x(n);
+    for (std::size_t i = 0; i < n; ++i)
+        x[i] = std::sin(0.37 * static_cast<double>(i)) * static_cast<double>(1 + i % 11) + 1e-3 * i;
+    return x;
+}
+
+/// `count` onsets from 1 s, `step` seconds apart.
+std::vector<double> evenOnsets(int count, double step)
+{
+    std::vector<double> onsets;
+    for (int k = 0; k < count; ++k)
+        onsets.push_back(1.0 + step * k);
+    return onsets;
 }
 
 struct CancelAfter : Feedback
@@ -291,14 +322,9 @@ TEST(PerieventAnalysis, ManyLongBaselinesKeepEachRowsOwnScale)
     // 600 rows of 600-sample baselines, enough for the rows to be scaled on both cores:
     // each row must come out as it does when its event is analysed alone.
     const std::size_t n = 200000;
-    std::vector<double> t(n), x(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        t[i] = static_cast<double>(i) / 1000.0;
-        x[i] = std::sin(0.37 * static_cast<double>(i)) * static_cast<double>(1 + i % 11) + 1e-3 * i;
-    }
-    std::vector<double> onsets;
-    for (int k = 0; k < 600; ++k)
-        onsets.push_back(1.0 + 0.3 * k);
+    const std::vector<double> t = millisecondTimes(n);
+    std::vector<double> x = unevenSignal(n);
+    const std::vector<double> onsets = evenOnsets(600, 0.3);
     for (const Method method : {Method::StandardZScore, Method::ModifiedZScore}) {
         auto config = windowConfig(-0.6, 0.2);
         config.normalization.enabled = true;
@@ -323,6 +349,64 @@ TEST(PerieventAnalysis, ManyLongBaselinesKeepEachRowsOwnScale)
     x[static_cast<std::size_t>(1000.0 * onsets[550]) - 10] = NAN;
     EXPECT_EQ(PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr).messages,
               QStringList({"median(): detected NaN"}));
+}
+
+TEST(NormalisedBands, AreTheMatrixAndItsStatisticsBandByBand)
+{
+    // The rows a run writes, cut band by band on a second core with their statistics:
+    // the same bits as the matrix and statistics built in one piece.
+    const std::vector<double> t = millisecondTimes(200000);
+    const std::vector<double> x = unevenSignal(t.size());
+    const std::vector<double> onsets = evenOnsets(300, 0.6);
+    PerieventAnalysisConfig config;
+    config.eventName = "Lever";
+    config.onset.windowStart = -0.6;
+    config.onset.windowEnd = 0.2;
+    config.onset.timeFrames = {{-0.6, 0.0}, {0.0, 0.2}, {-0.1, 0.1}};
+    config.onset.timeFrameNames = {"Before", "After", "Around"};
+    config.statistics = {K::AUC, K::Mean, K::Maximum};
+    config.normalization = {true,         -0.6, 0.0, PerieventNormalization::Method::StandardZScore,
+                            std::nullopt, {},   {}};
+    const PerieventAnalysisResult whole = PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr);
+    ASSERT_TRUE(whole.succeeded());
+    const arma::mat& matrix = whole.sides[0].matrix;
+    ASSERT_EQ(matrix.n_rows, 300u);
+
+    config.buildMatrix = false;
+    config.summarise = false;
+    PerieventAnalysisResult rows = PerieventAnalysis::run(t, x, EventArray(onsets), config, nullptr);
+    ASSERT_TRUE(rows.succeeded());
+    PerieventSideResult& side = rows.sides[0];
+    // Seven rows a band leave a short last band, and the buffers go round many times.
+    const std::size_t bandRows = 7;
+    {
+        NormalisedBands bands(x, side, config.onset, rows.sampleRate, config.statistics, bandRows,
+                              side.statistics);
+        for (std::size_t first = 0; first < side.rowStarts.size(); first += bandRows) {
+            const double* band = bands.next();
+            ASSERT_NE(band, nullptr);
+            // Gives the second core time to run ahead into a band still being read.
+            std::this_thread::sleep_for(std::chrono::microseconds(200));
+            const std::size_t count = std::min(bandRows, side.rowStarts.size() - first);
+            for (std::size_t k = 0; k < count; ++k)
+                for (std::size_t j = 0; j < side.rowLength; ++j)
+                    ASSERT_EQ(band[k * side.rowLength + j], matrix(first + k, j))
+                        << "row " << first + k << " column " << j;
+        }
+        EXPECT_TRUE(bands.finished());
+    }
+    ASSERT_EQ(side.statistics.size(), 3u);
+    for (std::size_t s = 0; s < 3; ++s)
+        EXPECT_TRUE(arma::approx_equal(side.statistics[s], whole.sides[0].statistics[s], "absdiff", 0.0))
+            << "statistic " << s;
+
+    // Stopped after a band: nothing more comes, and leaving waits for the second core.
+    NormalisedBands stopped(x, side, config.onset, rows.sampleRate, config.statistics, bandRows,
+                            side.statistics);
+    EXPECT_NE(stopped.next(), nullptr);
+    stopped.stop();
+    EXPECT_EQ(stopped.next(), nullptr);
+    EXPECT_FALSE(stopped.finished());
 }
 
 TEST(PerieventAnalysis, SidesSelectionResamplingAndFailures)
