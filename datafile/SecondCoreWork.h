@@ -10,12 +10,11 @@
 namespace zarvi {
 
 /// Work started on a second thread beside the thread that reports progress: the
-/// isosbestic's stage while the biosensor's runs, the perievent rows and their
-/// statistics cut while the rows before them are written. The work gets a feedback that
-/// reports nothing and is cancelled when stop() is called, or when the reporting
-/// thread's own feedback is cancelled while it waits. Created and waited for on the
-/// reporting thread; whatever the work touches must stay alive until wait() returns or
-/// the object is destroyed, which stops the work and waits for it.
+/// isosbestic's stage while the biosensor's runs. The work gets a feedback that reports
+/// nothing and is cancelled when stop() is called, or when the reporting thread's own
+/// feedback is cancelled while it waits. Created and waited for on the reporting
+/// thread; whatever the work touches must stay alive until wait() returns or the object
+/// is destroyed, which stops the work and waits for it.
 template <typename Result> class SecondCoreWork
 {
 public:

@@ -25,7 +25,7 @@ NormalisedBands::NormalisedBands(std::span<const double> values, const Perievent
           std::max<std::size_t>(BandBuffers * m_bandRows * rows.rowLength, 1)))
 {
     m_frames.prepare(rows.rowStarts.size(), statistics);
-    m_work.emplace([this](Feedback* stopped) { return cutBands(stopped); });
+    m_work = std::jthread([this] { cutBands(); });
 }
 
 NormalisedBands::~NormalisedBands()
@@ -60,7 +60,7 @@ bool NormalisedBands::finished()
     return !m_stopped && m_cut == m_bandCount && m_handed == m_bandCount;
 }
 
-bool NormalisedBands::cutBands(Feedback* stopped)
+void NormalisedBands::cutBands()
 {
     const std::size_t rows = m_rows.rowStarts.size();
     const std::size_t columns = m_rows.rowLength;
@@ -69,8 +69,8 @@ bool NormalisedBands::cutBands(Feedback* stopped)
             // The band's buffer is free once the writer holds none of the bands it last took.
             std::unique_lock lock(m_mutex);
             m_changed.wait(lock, [&] { return m_stopped || band + 1 < m_handed + BandBuffers; });
-            if (m_stopped || stopped->isCanceled())
-                return false;
+            if (m_stopped)
+                return;
         }
         double* rowsOut = m_buffers.get() + (band % BandBuffers) * m_bandRows * columns;
         const std::size_t first = band * m_bandRows;
@@ -86,7 +86,6 @@ bool NormalisedBands::cutBands(Feedback* stopped)
         }
         m_changed.notify_all();
     }
-    return true;
 }
 
 } // namespace zarvi

@@ -1,12 +1,11 @@
 #pragma once
 
 #include "analysis/operations/perievents/FrameStatistics.h"
-#include "datafile/SecondCoreWork.h"
 
 #include <condition_variable>
 #include <memory>
 #include <mutex>
-#include <optional>
+#include <thread>
 
 namespace zarvi {
 
@@ -39,8 +38,8 @@ public:
     void stop();
 
 private:
-    /// The second core's loop; false when stopped.
-    bool cutBands(Feedback* stopped);
+    /// The second core's loop, until every band is cut or the work is stopped.
+    void cutBands();
 
     std::span<const double> m_values;
     const PerieventSideResult& m_rows;
@@ -56,8 +55,9 @@ private:
     std::size_t m_handed = 0; ///< bands handed out by next()
     bool m_stopped = false;
 
-    /// Last, so that everything above exists before the work starts.
-    std::optional<SecondCoreWork<bool>> m_work;
+    /// Last, so that everything above exists before the work starts and outlives it: the
+    /// thread is joined first when this is destroyed.
+    std::jthread m_work;
 };
 
 } // namespace zarvi

@@ -66,14 +66,12 @@ InlierGrid::InlierGrid(std::span<const double> x, std::span<const double> y)
     // the running sum, which puts the first half's samples of a cell before the second's,
     // as one pass over all of them would.
     const bool split = n >= TwoHalvesFrom;
-    const std::size_t half = split ? n / 2 : n;
-    const auto inBoth = [n, split](auto&& step) { inTwoHalves(n, split, step); };
 
     Range lower, upper;
-    inBoth([&](std::size_t begin, std::size_t end) {
+    inTwoHalves(n, split, [&](std::size_t begin, std::size_t end) {
         (begin == 0 ? lower : upper) = rangeOf(x, y, begin, end);
     });
-    const Range range = half == n ? lower : lower.joined(upper);
+    const Range range = split ? lower.joined(upper) : lower;
     if (range.finite != 0.0)
         return;
     m_xMin = range.xMin;
@@ -94,8 +92,8 @@ InlierGrid::InlierGrid(std::span<const double> x, std::span<const double> y)
     // A counting sort by cell: each half's counts, their running sum, then each sample
     // to its place, where the counts become each half's next free place in a cell.
     const std::size_t cells = m_side * m_side;
-    std::vector<std::uint32_t> lowerNext(cells, 0), upperNext(half == n ? 0 : cells, 0);
-    inBoth([&](std::size_t begin, std::size_t end) {
+    std::vector<std::uint32_t> lowerNext(cells, 0), upperNext(split ? cells : 0, 0);
+    inTwoHalves(n, split, [&](std::size_t begin, std::size_t end) {
         std::uint32_t* counts = begin == 0 ? lowerNext.data() : upperNext.data();
         for (std::size_t i = begin; i < end; ++i)
             ++counts[cellOf(x[i], y[i])];
@@ -107,7 +105,7 @@ InlierGrid::InlierGrid(std::span<const double> x, std::span<const double> y)
         const std::uint32_t lowerCount = lowerNext[cell];
         lowerNext[cell] = start;
         start += lowerCount;
-        if (half != n) {
+        if (split) {
             const std::uint32_t upperCount = upperNext[cell];
             upperNext[cell] = start;
             start += upperCount;
@@ -117,7 +115,7 @@ InlierGrid::InlierGrid(std::span<const double> x, std::span<const double> y)
     m_order = std::make_unique_for_overwrite<std::uint32_t[]>(n);
     m_x = x.data();
     m_y = y.data();
-    inBoth([&](std::size_t begin, std::size_t end) {
+    inTwoHalves(n, split, [&](std::size_t begin, std::size_t end) {
         std::uint32_t* next = begin == 0 ? lowerNext.data() : upperNext.data();
         for (std::size_t i = begin; i < end; ++i)
             m_order[next[cellOf(x[i], y[i])]++] = static_cast<std::uint32_t>(i);
