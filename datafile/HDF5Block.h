@@ -30,11 +30,13 @@ public:
     bool write(hid_t memoryType, const void* data) const;
 
 private:
-    /// True when the block is exactly one chunk of an unfiltered dataset stored
-    /// in memoryType: then it moves straight between the file and the caller's
-    /// buffer, past the chunk cache and type conversion (a frame of a stack, an
+    /// The dataset's chunk shape when its chunks can move straight between the file and
+    /// the caller's buffer, past the chunk cache and type conversion: chunked, unfiltered
+    /// and stored in memoryType. Empty otherwise.
+    std::vector<hsize_t> directChunk(hid_t memoryType) const;
+    /// True when the block is exactly one chunk of that shape (a frame of a stack, an
     /// aligned range of a stream).
-    bool isWholeChunk(hid_t memoryType) const;
+    bool isWholeChunk(const std::vector<hsize_t>& chunk) const;
     /// Selects the block in the file's dataspace for an ordinary read or write
     /// (whole chunks need no selection).
     bool selectInFile() const;
