@@ -14,6 +14,7 @@
 
 #include <fcntl.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -31,6 +32,15 @@ void writeFile(const QString& path, const QByteArray& bytes)
     QFile file(path);
     ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
     ASSERT_EQ(file.write(bytes), bytes.size());
+}
+
+/// The bytes of disk the file takes up, which blocks reserved past its end would add to.
+qint64 diskBytesOf(const QString& path)
+{
+    struct stat status
+    {
+    };
+    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? qint64{status.st_blocks} * 512 : -1;
 }
 
 /// Overwrites `bytes` at `offset` of an open descriptor, as the driver does after saving.
@@ -233,6 +243,36 @@ TEST(JournaledFileDriver, AWriteThatFailsLeavesTheJournalSoTheFileIsRolledBack)
     ASSERT_GE(reader.open(path), 0) << reader.lastError().toStdString();
     reader.closeFile();
     EXPECT_EQ(contentsOf(path), before);
+    EXPECT_LE(diskBytesOf(path), before.size() + 65536) << "blocks reserved for the run were kept";
+}
+
+TEST(JournaledFileDriver, DiskBlocksReservedAheadOfTheWritesAreGivenBackOnClosing)
+{
+    test::TempDir dir;
+    const QString path = dir.file(QStringLiteral("data.orvel"));
+    const std::vector<double> values(1 << 18, 0.5);
+    for (int session = 0; session < 2; ++session) {
+        HDF5Writer_V6 writer;
+        ASSERT_GE(session == 0 ? writer.create(path) : writer.open(path), 0);
+        const hid_t group =
+            writer.createGroupPath(writer.fileId(), QStringLiteral("Data/Run%1").arg(session));
+        const hid_t dataset = writer.create1D(group, ElementKind::Float64, QStringLiteral("Signal"), 1 << 18);
+        ASSERT_TRUE(writer.append(dataset, values.data(), {values.size()}));
+        writer.closeDataset(dataset);
+        writer.closeGroup(group);
+        writer.closeFile();
+        // Each session wrote 2 MB; what it reserved ahead of that is gone with it.
+        const qint64 size = QFileInfo(path).size();
+        EXPECT_GT(size, (session + 1) * 2'000'000);
+        EXPECT_LE(diskBytesOf(path), size + 65536);
+    }
+    HDF5Reader_V6 reader;
+    ASSERT_GE(reader.open(path), 0);
+    const hid_t dataset = reader.openDataset(reader.fileId(), QStringLiteral("Data/Run1/Signal"));
+    std::vector<double> read;
+    ASSERT_TRUE(reader.read(dataset, read));
+    EXPECT_EQ(read, values);
+    reader.closeDataset(dataset);
 }
 
 } // namespace
