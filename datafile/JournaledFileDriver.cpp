@@ -68,20 +68,17 @@ bool outOfRange(haddr_t address, size_t size)
 constexpr haddr_t ReserveAhead = haddr_t{64} << 20;
 
 /// Reserves the file's disk blocks up to a little past `end` before a write that grows
-/// the file reaches there. The file system then maps each new page of the write to a
-/// block it already holds instead of reserving one page by page: writing a new 120 MB
-/// took 19 ms instead of 28 here. The reservation leaves the file's size alone, so
-/// readers and the journal see only what was written; what is left unused is given back
-/// when the file is cut to its size on closing. Only a hint: a file system without it,
-/// or a full disk, leaves the write to proceed (or fail) as it would.
+/// the file reaches there (reserveBlocksAt()). Readers and the journal see only what was
+/// written, as the file's size stays where the writes leave it; what is left unused is
+/// given back when the file is cut to its size on closing. A file system without it, or a
+/// full disk, leaves the write to proceed (or fail) as it would.
 void reserve(DriverFile* file, haddr_t end)
 {
     if (!file->reserving || end <= file->reserved || end <= file->eof || end > MaxAddress - ReserveAhead)
         return;
     const haddr_t from = std::max(file->eof, file->reserved);
     const haddr_t to = end + ReserveAhead;
-    const auto length = static_cast<off_t>(to - from);
-    if (::fallocate(file->fd, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(from), length) == 0)
+    if (reserveBlocksAt(file->fd, from, to - from))
         file->reserved = to;
     else if (errno == EOPNOTSUPP || errno == ENOSYS)
         file->reserving = false;

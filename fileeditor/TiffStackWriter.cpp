@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "datafile/PositionedIo.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 
@@ -137,6 +138,9 @@ bool TiffStackWriter::open(const TiffStackWriterConfig& config)
         m_file.close();
         return fail(Texts::unableToCreateMessage().arg(config.path, reason));
     }
+    // The whole file's blocks at once: the pages then need none of their own.
+    reserveBlocksAt(m_file.handle(), 0,
+                    m_headerBytes + m_page.size() * static_cast<std::uint64_t>(config.frameCount));
     const Layout& layout = m_bigTiff ? BigLayout : ClassicLayout;
     std::vector<std::uint8_t> header(layout.header, 0);
     header[0] = 'I';
