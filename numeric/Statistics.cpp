@@ -39,6 +39,32 @@ double deviationMedian(std::span<const double> values, double centre)
     return Statistics::median(deviations);
 }
 
+/// The sample standard deviation of at least two values about their mean, as
+/// arma::stddev computes it, operation for operation, so the bits are the same; only the
+/// mean, which it would compute again, is the caller's. A variance that is not finite is
+/// left to Armadillo's own, which then takes its slower, robust way.
+double deviationAbout(std::span<const double> values, double mean)
+{
+    const double* x = values.data();
+    const std::size_t n = values.size();
+    double squares = 0.0;
+    double sum = 0.0;
+    std::size_t i = 0;
+    for (std::size_t j = 1; j < n; i += 2, j += 2) {
+        const double di = mean - x[i];
+        const double dj = mean - x[j];
+        squares += di * di + dj * dj;
+        sum += di + dj;
+    }
+    if (i < n) {
+        const double di = mean - x[i];
+        squares += di * di;
+        sum += di;
+    }
+    const double variance = (squares - sum * sum / static_cast<double>(n)) / static_cast<double>(n - 1);
+    return std::isfinite(variance) ? std::sqrt(variance) : arma::stddev(view(values));
+}
+
 } // namespace
 
 void Statistics::Scale::scoreAll(std::span<const double> values, double* out) const
@@ -82,7 +108,9 @@ double Statistics::medianAbsoluteDeviation(std::span<const double> values)
 
 Statistics::Scale Statistics::standardScore(std::span<const double> reference)
 {
-    return {mean(reference), standardDeviation(reference)};
+    // One pass for the mean, one for the deviation about it.
+    const double centre = mean(reference);
+    return {centre, reference.size() < 2 ? 0.0 : deviationAbout(reference, centre)};
 }
 
 Statistics::Scale Statistics::modifiedScore(std::span<const double> reference)

@@ -1,10 +1,14 @@
-// The shared summary statistics, checked against values worked out by hand.
-#include "numeric/FixedTimesTrapezoid.h"
+// The shared summary statistics, checked against values worked out by hand, and the
+// standard score against Armadillo's mean and deviation, whose bits it must keep.
 #include "numeric/Statistics.h"
+#include "numeric/FixedTimesTrapezoid.h"
 
+#include <armadillo>
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
 #include <span>
 #include <vector>
@@ -68,6 +72,31 @@ TEST(Statistics, ZScores)
     EXPECT_EQ(flat.scale, 0.0);
     EXPECT_TRUE(std::isnan(flat.score(2.0)));
     EXPECT_TRUE(std::isinf(flat.score(3.0)));
+}
+
+TEST(Statistics, StandardScoreHasArmadillosMeanAndDeviationBitForBit)
+{
+    // Long sums of values far from zero, where any other order of the same operations
+    // rounds differently; odd and even lengths; non-finite values take Armadillo's way.
+    V values;
+    for (int i = 0; i < 100001; ++i)
+        values.push_back(1e6 + std::sin(0.37 * i) * std::pow(10.0, i % 7 - 3) + 1e-3 * (i % 13));
+    V withInfinity{1.0, 2.0, INFINITY, 4.0};
+    for (const V* set : {&values, &withInfinity}) {
+        for (const std::size_t n : {set->size(), set->size() - 1, std::size_t{2}, std::size_t{3}}) {
+            const arma::vec reference(set->data(), n);
+            const Statistics::Scale scale =
+                Statistics::standardScore(std::span<const double>(set->data(), n));
+            EXPECT_EQ(std::bit_cast<std::uint64_t>(scale.centre),
+                      std::bit_cast<std::uint64_t>(static_cast<double>(arma::mean(reference))));
+            if (std::isnan(scale.scale))
+                EXPECT_TRUE(std::isnan(static_cast<double>(arma::stddev(reference)))) << n;
+            else
+                EXPECT_EQ(std::bit_cast<std::uint64_t>(scale.scale),
+                          std::bit_cast<std::uint64_t>(static_cast<double>(arma::stddev(reference))))
+                    << n;
+        }
+    }
 }
 
 TEST(Statistics, ScoresOfManyValuesAreThoseOfOneAtATime)
