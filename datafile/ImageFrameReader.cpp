@@ -86,15 +86,21 @@ bool ImageFrameReader::open(HDF5Manager_V6& file, const QString& stackPath, QStr
 
 bool ImageFrameReader::readRawFrame(std::size_t index, cv::Mat& frame, QString& error)
 {
+    if (m_file && index < m_info.frames)
+        frame.create(m_info.height, m_info.width, CV_16UC1);
+    return readRawFrame(index, frame.data, error);
+}
+
+bool ImageFrameReader::readRawFrame(std::size_t index, void* out, QString& error)
+{
     if (!m_file || index >= m_info.frames) {
         error = FD::unableToReadFrameMessage().arg(index).arg(m_path);
         return false;
     }
-    frame.create(m_info.height, m_info.width, CV_16UC1);
     const std::vector<hsize_t> start{0, 0, static_cast<hsize_t>(index)};
     const std::vector<hsize_t> count{static_cast<hsize_t>(m_info.height), static_cast<hsize_t>(m_info.width),
                                      1};
-    if (!m_file->read(m_dataset, start, count, frame.ptr<std::uint16_t>())) {
+    if (!m_file->read(m_dataset, start, count, static_cast<std::uint16_t*>(out))) {
         error =
             FD::unableToReadFrameMessage().arg(index).arg(m_path) + QStringLiteral(" ") + m_file->lastError();
         return false;

@@ -61,6 +61,9 @@ public:
     bool readFrame(std::size_t index, cv::Mat& frame, QString& error);
     /// Frame `index` as stored, CV_16UC1.
     bool readRawFrame(std::size_t index, cv::Mat& frame, QString& error);
+    /// Frame `index` as stored, height x width 16-bit values row by row, into `out`,
+    /// which holds that many (a buffer the caller writes from, say).
+    bool readRawFrame(std::size_t index, void* out, QString& error);
 
 private:
     HDF5Manager_V6* m_file = nullptr;

@@ -215,24 +215,23 @@ bool TiffStackWriter::writeAll(const std::uint8_t* bytes, std::size_t count)
     return true;
 }
 
-bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
+bool TiffStackWriter::canAppend()
 {
     if (!m_file.isOpen())
         return fail(Texts::notOpenMessage());
     if (m_framesWritten >= m_config.frameCount)
         return fail(Texts::tooManyFramesMessage().arg(m_config.path).arg(m_config.frameCount));
+    return true;
+}
+
+bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
+{
+    if (!canAppend())
+        return false;
     const auto width = static_cast<std::size_t>(m_config.width);
     const auto height = static_cast<std::size_t>(m_config.height);
     if (frame.size() != width * height)
         return fail(Texts::frameBufferSizeMessage().arg(frame.size()).arg(width * height));
-
-    const std::size_t offsetSize = m_bigTiff ? 8 : 4;
-    const std::uint64_t start = m_headerBytes + m_page.size() * static_cast<std::uint64_t>(m_framesWritten);
-    const bool last = m_framesWritten + 1 == m_config.frameCount;
-    put(m_page, m_nextDirectoryAt, last ? 0 : start + m_page.size(), offsetSize);
-    put(m_page, m_stripOffsetAt, start + m_directoryBytes, offsetSize);
-    if (m_softwareValueAt != 0)
-        put(m_page, m_softwareValueAt, start + m_softwareAt, offsetSize);
     std::uint8_t* samples = m_page.data() + m_directoryBytes;
     if (m_config.bitsPerSample == 8)
         narrow(frame.data(), samples, frame.size());
@@ -240,6 +239,31 @@ bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
         std::memcpy(samples, frame.data(), frame.size_bytes());
     else
         qToLittleEndian<std::uint16_t>(frame.data(), static_cast<qsizetype>(frame.size()), samples);
+    return writePage();
+}
+
+void* TiffStackWriter::frameSlot()
+{
+    const bool asStored = m_config.bitsPerSample == 16 && QSysInfo::ByteOrder == QSysInfo::LittleEndian;
+    return asStored && m_file.isOpen() ? m_page.data() + m_directoryBytes : nullptr;
+}
+
+bool TiffStackWriter::writeFilledFrame()
+{
+    if (!frameSlot())
+        return fail(Texts::notOpenMessage());
+    return canAppend() && writePage();
+}
+
+bool TiffStackWriter::writePage()
+{
+    const std::size_t offsetSize = m_bigTiff ? 8 : 4;
+    const std::uint64_t start = m_headerBytes + m_page.size() * static_cast<std::uint64_t>(m_framesWritten);
+    const bool last = m_framesWritten + 1 == m_config.frameCount;
+    put(m_page, m_nextDirectoryAt, last ? 0 : start + m_page.size(), offsetSize);
+    put(m_page, m_stripOffsetAt, start + m_directoryBytes, offsetSize);
+    if (m_softwareValueAt != 0)
+        put(m_page, m_softwareValueAt, start + m_softwareAt, offsetSize);
     if (!writeAll(m_page.data(), m_page.size()))
         return false;
     ++m_framesWritten;

@@ -58,6 +58,13 @@ public:
     bool open(const TiffStackWriterConfig& config);
     /// Appends one frame of width * height values, row by row (pixel (x, y) at y * width + x).
     bool writeFrame(std::span<const std::uint16_t> frame);
+    /// Where the next page's samples go, for a caller that reads a frame of 16-bit
+    /// little-endian values straight in and then calls writeFilledFrame(), which saves
+    /// copying every frame once more. Null when the samples need converting (8-bit
+    /// output, a big-endian host) or the file is not open.
+    void* frameSlot();
+    /// Appends the frame the caller put in frameSlot().
+    bool writeFilledFrame();
     /// Closes the file; false when it could not be completed or fewer frames than
     /// announced were written.
     bool finish();
@@ -73,6 +80,10 @@ private:
     void buildPage();
     /// Writes all of bytes at the current end of the file.
     bool writeAll(const std::uint8_t* bytes, std::size_t count);
+    /// False, with lastError() set, when no further frame can be appended.
+    bool canAppend();
+    /// Sets the page's offsets for the next frame and writes the page.
+    bool writePage();
 
     TiffStackWriterConfig m_config;
     QFile m_file;

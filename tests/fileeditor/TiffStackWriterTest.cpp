@@ -2,6 +2,8 @@
 
 #include <QFileInfo>
 
+#include <cstring>
+
 #include <opencv2/imgcodecs.hpp>
 
 #include "FileToolHelpers.h"
@@ -72,6 +74,26 @@ TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
         ASSERT_TRUE(reader.readFrame(k, frame));
         EXPECT_EQ(frame, frames[k]);
     }
+
+    // Frames put straight into the page being written make the same file, byte for byte.
+    const QString filled = dir.file(QStringLiteral("filled.tif"));
+    TiffStackWriter writer;
+    ASSERT_TRUE(writer.open({filled, Width, Height, 16, frames.size()}));
+    for (const std::vector<std::uint16_t>& f : frames) {
+        void* slot = writer.frameSlot();
+        ASSERT_NE(slot, nullptr);
+        std::memcpy(slot, f.data(), f.size() * sizeof(std::uint16_t));
+        ASSERT_TRUE(writer.writeFilledFrame());
+    }
+    EXPECT_FALSE(writer.writeFilledFrame()) << "one frame more than announced";
+    ASSERT_TRUE(writer.finish());
+    QFile a(path), b(filled);
+    ASSERT_TRUE(a.open(QIODevice::ReadOnly) && b.open(QIODevice::ReadOnly));
+    EXPECT_EQ(a.readAll(), b.readAll());
+    // Eight-bit pages need their samples converted, so they offer no slot.
+    TiffStackWriter narrow;
+    ASSERT_TRUE(narrow.open({dir.file(QStringLiteral("narrow.tif")), Width, Height, 8, 1}));
+    EXPECT_EQ(narrow.frameSlot(), nullptr);
 }
 
 TEST(TiffStackWriter, EightBitOutputKeepsSmallValuesAndSaturatesLargeOnes)
