@@ -309,18 +309,13 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
     cv::Mat frame;
     ProgressTracker progress(feedback, count);
     for (std::size_t k = 0; ok && k < count; ++k) {
-        if (checkCanceled(progress, result)) {
+        // Frames kept as the page takes them are read straight into the page to write.
+        void* slot = writer.frameSlot();
+        if (checkCanceled(progress, result) || !(slot ? stack.readRawFrame(first + k, slot, result.error)
+                                                      : stack.readRawFrame(first + k, frame, result.error))) {
             ok = false;
-        } else if (void* slot = writer.frameSlot()) {
-            // Read straight into the page about to be written.
-            ok = stack.readRawFrame(first + k, slot, result.error);
-            if (ok && !writer.writeFilledFrame()) {
-                result.error = writer.lastError();
-                ok = false;
-            }
-        } else if (!stack.readRawFrame(first + k, frame, result.error)) {
-            ok = false;
-        } else if (!writer.writeFrame({frame.ptr<std::uint16_t>(), height * width})) {
+        } else if (!(slot ? writer.writeFilledFrame()
+                          : writer.writeFrame({frame.ptr<std::uint16_t>(), height * width}))) {
             result.error = writer.lastError();
             ok = false;
         }
