@@ -2,6 +2,7 @@
 
 #include "cli/TerminalProgress.h"
 #include "datafile/FileClassifier.h"
+#include "definitions/FileDefinitions.h"
 #include "framework/OperationRegistry.h"
 #include "framework/OperationRunner.h"
 #include "framework/PipelineFile.h"
@@ -36,7 +37,7 @@ const char* usage = "usage: zarvi-cli run FILE --operation NAME --params PARAMS.
 
 } // namespace
 
-int RunCommand::run(const QStringList& arguments)
+int RunCommand::run(const QStringList& arguments, OtherFamilies otherFamilies)
 {
     QTextStream err(stderr);
     QString file, operation, paramsArgument, pipelinePath;
@@ -80,6 +81,12 @@ int RunCommand::run(const QStringList& arguments)
         }
         parameters.insert(QStringLiteral("Operations"), operation);
         steps << parameters;
+    }
+    if (otherFamilies == OtherFamilies::LeftToCaller) {
+        for (const QVariantMap& step : steps) {
+            if (!OperationRegistry::instance().find(step.value(FileDefinitions::Operations).toString()))
+                return LeftToCallerStatus;
+        }
     }
     QStringList problems;
     for (const QVariantMap& step : steps) {

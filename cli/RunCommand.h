@@ -12,7 +12,18 @@ namespace zarvi {
 class RunCommand
 {
 public:
-    static int run(const QStringList& arguments);
+    /// Whether an operation the registry does not know is an error, or belongs to a family
+    /// this library was built without and so is left to the caller.
+    enum class OtherFamilies
+    {
+        Unknown,
+        LeftToCaller
+    };
+    /// The status returned, with LeftToCaller, for a run that names an operation of
+    /// another family; nothing has been read or written then.
+    static constexpr int LeftToCallerStatus = -1;
+
+    static int run(const QStringList& arguments, OtherFamilies otherFamilies = OtherFamilies::Unknown);
 };
 
 } // namespace zarvi

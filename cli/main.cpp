@@ -82,6 +82,16 @@ int main(int argc, char* argv[])
     setenv("OPENBLAS_NUM_THREADS", "1", 0);
     QString error;
     using Entry = int (*)(const QString*, const QStringList*);
+    // A run of signal or analysis operations is served by a smaller library that starts
+    // without OpenCV, libtiff and the spreadsheet writer; it hands back any other run.
+    if (command == QStringLiteral("run")) {
+        if (const auto signalEntry = reinterpret_cast<Entry>(zarvi::OwnLibrary::entry(
+                "libzarvi_cli_signal_commands.so", "zarviRunSignalCommand", error))) {
+            const int status = signalEntry(&command, &arguments);
+            if (status >= 0)
+                return status;
+        }
+    }
     const auto entry = reinterpret_cast<Entry>(
         zarvi::OwnLibrary::entry("libzarvi_cli_commands.so", "zarviRunCommand", error));
     if (!entry) {

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
 # `info` starts without the commands library, and so without OpenCV, the numeric libraries
 # and the video libraries (OpenCV's video input, FFmpeg); `ops` loads the commands library,
-# and the demo, which writes a video, also loads the video libraries on first use.
+# and the demo, which writes a video, also loads the video libraries on first use. A run of
+# signal operations starts without OpenCV, libtiff and the spreadsheet writer; a run that
+# names an operation of another family still finds it.
 set -euo pipefail
 cli=$1 work=$2
 rm -rf "$work" && mkdir -p "$work" && cd "$work"
@@ -19,6 +21,19 @@ fi
 LD_DEBUG=files "$cli" ops > ops.txt 2> ops-loads.txt
 grep -q 'libzarvi_cli_commands.so' ops-loads.txt
 grep -q '^Signal' ops.txt
+s=DataAcquisition/FiberPhotometry/Signals/Series1/Biosensor/Signal
+LD_DEBUG=files "$cli" run demo.orvel --operation Decimation --params '{"DecimationFactor": 10}' --data $s \
+  > decimation.txt 2> decimation-loads.txt
+grep -q 'DecimatedSignals1/Biosensor/Signal' decimation.txt
+grep -q 'libzarvi_cli_signal_commands.so' decimation-loads.txt
+if grep -qE 'libzarvi_cli_commands|libopencv|libtiff|libxlsxwriter' decimation-loads.txt; then
+  exit 1
+fi
+stack=DataAcquisition/Miniscope/Images/Series1/Sensor1/ImageStack
+LD_DEBUG=files "$cli" run demo.orvel --operation Crop --params '{"CropCoordinates": [0, 0, 8, 8]}' \
+  --data $stack > crop.txt 2> crop-loads.txt
+grep -q 'CroppedImages1/Sensor1/ImageStack' crop.txt
+grep -q 'libzarvi_cli_commands.so' crop-loads.txt
 # A command that does not exist is refused without loading anything more.
 if LD_DEBUG=files "$cli" nonsense > /dev/null 2> nonsense-loads.txt; then exit 1; fi
 if grep -q 'libzarvi_cli_commands' nonsense-loads.txt; then exit 1; fi
