@@ -168,7 +168,7 @@ ElementType HDF5Manager_V6::elementType(hid_t dataset) const
 }
 
 bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& count, std::size_t elementBytes,
-                                   hsize_t& elements)
+                                   std::size_t held, hsize_t& elements)
 {
     elements = 0;
     if (!isValidDataset(dataset))
@@ -201,8 +201,8 @@ bool HDF5Manager_V6::checkReadable(hid_t dataset, const std::vector<hsize_t>& co
         return false;
     }
     const hsize_t bytes = requested * elementBytes;
-    if (bytes > MemoryBudget::availableBytes() ||
-        requested > static_cast<hsize_t>(std::numeric_limits<std::ptrdiff_t>::max())) {
+    if (requested > static_cast<hsize_t>(std::numeric_limits<std::ptrdiff_t>::max()) ||
+        (requested > held && bytes > MemoryBudget::availableBytes())) {
         setError(QStringLiteral("Dataset %1 is too large to read (%2 bytes)").arg(name()).arg(bytes));
         return false;
     }

@@ -5,6 +5,7 @@
 #include <QVariant>
 #include <QVariantMap>
 
+#include <limits>
 #include <vector>
 
 #include <hdf5.h>
@@ -102,7 +103,7 @@ public:
               std::vector<T>& out)
     {
         hsize_t elements = 0;
-        if (!checkReadable(dataset, count, sizeof(T), elements))
+        if (!checkReadable(dataset, count, sizeof(T), out.capacity(), elements))
             return false;
         if (out.capacity() < elements) {
             out.reserve(static_cast<std::size_t>(elements));
@@ -117,7 +118,7 @@ public:
     bool read(hid_t dataset, const std::vector<hsize_t>& start, const std::vector<hsize_t>& count, T* out)
     {
         hsize_t elements = 0;
-        if (!checkReadable(dataset, count, sizeof(T), elements))
+        if (!checkReadable(dataset, count, sizeof(T), std::numeric_limits<std::size_t>::max(), elements))
             return false;
         return readRaw(dataset, elementKindOf<T>(), start, count, out);
     }
@@ -147,8 +148,12 @@ protected:
     /// A file, group or dataset identifier that is still open; otherwise sets lastError().
     bool isValidLocation(hid_t location) const;
     bool isValidDataset(hid_t dataset) const;
+    /// Checks a read of `count` elements before anything is allocated; memory is asked
+    /// about only for a block larger than the `held` elements the destination already
+    /// has, as that is the only read that allocates (and asking costs a read of the
+    /// kernel's counters, too much for every frame of a stack).
     bool checkReadable(hid_t dataset, const std::vector<hsize_t>& count, std::size_t elementBytes,
-                       hsize_t& elements);
+                       std::size_t held, hsize_t& elements);
     bool readRaw(hid_t dataset, ElementKind kind, const std::vector<hsize_t>& start,
                  const std::vector<hsize_t>& count, void* out);
     void setError(const QString& text) const { m_lastError = text; }
