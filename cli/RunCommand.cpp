@@ -2,7 +2,6 @@
 
 #include "cli/TerminalProgress.h"
 #include "datafile/FileClassifier.h"
-#include "definitions/FileDefinitions.h"
 #include "framework/OperationRegistry.h"
 #include "framework/OperationRunner.h"
 #include "framework/PipelineFile.h"
@@ -66,6 +65,12 @@ int RunCommand::run(const QStringList& arguments, OtherFamilies otherFamilies)
         return exitUsage;
     }
 
+    // Decided before the parameters or the pipeline are read: either may come from a pipe,
+    // which the caller could not read a second time.
+    if (otherFamilies == OtherFamilies::LeftToCaller &&
+        (!pipelinePath.isEmpty() || !OperationRegistry::instance().find(operation)))
+        return LeftToCallerStatus;
+
     QList<QVariantMap> steps;
     QString error;
     if (!pipelinePath.isEmpty()) {
@@ -81,12 +86,6 @@ int RunCommand::run(const QStringList& arguments, OtherFamilies otherFamilies)
         }
         parameters.insert(QStringLiteral("Operations"), operation);
         steps << parameters;
-    }
-    if (otherFamilies == OtherFamilies::LeftToCaller) {
-        for (const QVariantMap& step : steps) {
-            if (!OperationRegistry::instance().find(step.value(FileDefinitions::Operations).toString()))
-                return LeftToCallerStatus;
-        }
     }
     QStringList problems;
     for (const QVariantMap& step : steps) {

@@ -19,8 +19,8 @@ public:
         Unknown,
         LeftToCaller
     };
-    /// The status returned, with LeftToCaller, for a run that names an operation of
-    /// another family; nothing has been read or written then.
+    /// The status returned, with LeftToCaller, for a run of a saved pipeline or of an
+    /// operation of another family; nothing has been read or written then.
     static constexpr int LeftToCallerStatus = -1;
 
     static int run(const QStringList& arguments, OtherFamilies otherFamilies = OtherFamilies::Unknown);

@@ -9,8 +9,8 @@
 /// `run` for the signal and analysis operations alone, without OpenCV, libtiff and the
 /// spreadsheet writer that the full commands library loads for the other families: these
 /// runs are short enough that loading those would be a noticeable part of them. Returns
-/// the run's exit status, or -1 when the run names an operation of another family (or
-/// the command is not `run`), which leaves it to the full commands library.
+/// the run's exit status, or -1 for a run of another family's operation or of a saved
+/// pipeline (or a command other than `run`), which leaves it to the full commands library.
 extern "C" __attribute__((visibility("default"))) int zarviRunSignalCommand(const QString* command,
                                                                             const QStringList* arguments)
 {

@@ -2,8 +2,8 @@
 # `info` starts without the commands library, and so without OpenCV, the numeric libraries
 # and the video libraries (OpenCV's video input, FFmpeg); `ops` loads the commands library,
 # and the demo, which writes a video, also loads the video libraries on first use. A run of
-# signal operations starts without OpenCV, libtiff and the spreadsheet writer; a run that
-# names an operation of another family still finds it.
+# a signal operation starts without OpenCV, libtiff and the spreadsheet writer; a run of
+# another family's operation is handed on to the commands library.
 set -euo pipefail
 cli=$1 work=$2
 rm -rf "$work" && mkdir -p "$work" && cd "$work"
@@ -30,7 +30,8 @@ if grep -qE 'libzarvi_cli_commands|libopencv|libtiff|libxlsxwriter' decimation-l
   exit 1
 fi
 stack=DataAcquisition/Miniscope/Images/Series1/Sensor1/ImageStack
-LD_DEBUG=files "$cli" run demo.orvel --operation Crop --params '{"CropCoordinates": [0, 0, 8, 8]}' \
+# Its parameters come from a pipe here, which only the library that runs it may read.
+LD_DEBUG=files "$cli" run demo.orvel --operation Crop --params <(echo '{"CropCoordinates": [0, 0, 8, 8]}') \
   --data $stack > crop.txt 2> crop-loads.txt
 grep -q 'CroppedImages1/Sensor1/ImageStack' crop.txt
 grep -q 'libzarvi_cli_commands.so' crop-loads.txt
