@@ -4,9 +4,11 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include "datafile/PositionedIo.h"
+#include "datafile/WriteBehind.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 
@@ -98,6 +100,7 @@ TiffStackWriter::~TiffStackWriter() = default;
 
 bool TiffStackWriter::open(const TiffStackWriterConfig& config)
 {
+    m_writeBehind.reset();
     m_file.close();
     m_config = config;
     m_framesWritten = 0;
@@ -113,7 +116,7 @@ bool TiffStackWriter::open(const TiffStackWriterConfig& config)
     m_bigTiff = false;
     buildPage();
     const std::uint64_t totalBytes =
-        m_headerBytes + m_page.size() * static_cast<std::uint64_t>(config.frameCount);
+        m_headerBytes + m_pages[0].size() * static_cast<std::uint64_t>(config.frameCount);
     switch (config.container) {
     case TiffContainer::Automatic:
         m_bigTiff = totalBytes > ClassicLimitBytes;
@@ -140,7 +143,7 @@ bool TiffStackWriter::open(const TiffStackWriterConfig& config)
     }
     // The whole file's blocks at once: the pages then need none of their own.
     reserveBlocksAt(m_file.handle(), 0,
-                    m_headerBytes + m_page.size() * static_cast<std::uint64_t>(config.frameCount));
+                    m_headerBytes + m_pages[0].size() * static_cast<std::uint64_t>(config.frameCount));
     const Layout& layout = m_bigTiff ? BigLayout : ClassicLayout;
     std::vector<std::uint8_t> header(layout.header, 0);
     header[0] = 'I';
@@ -152,7 +155,10 @@ bool TiffStackWriter::open(const TiffStackWriterConfig& config)
     } else {
         put(header, 4, m_headerBytes, 4);
     }
-    return writeAll(header.data(), header.size());
+    if (!writeWholeAt(m_file.handle(), header.data(), header.size(), 0))
+        return fail(Texts::unableToWriteMessage().arg(m_config.path, qt_error_string(errno)));
+    m_writeBehind = std::make_unique<WriteBehind>(m_file.handle());
+    return true;
 }
 
 void TiffStackWriter::buildPage()
@@ -167,19 +173,20 @@ void TiffStackWriter::buildPage()
     const bool softwareInline = static_cast<std::size_t>(software.size()) <= layout.value;
     m_headerBytes = layout.header;
     m_directoryBytes = roundUp(softwareAt + (softwareInline ? 0 : software.size()), 16);
-    m_page.assign(roundUp(m_directoryBytes + pixelBytes, 16), 0);
+    std::vector<std::uint8_t>& page = m_pages[0];
+    page.assign(roundUp(m_directoryBytes + pixelBytes, 16), 0);
 
-    put(m_page, 0, EntryCount, layout.countField);
+    put(page, 0, EntryCount, layout.countField);
     std::size_t at = layout.countField;
     const auto entry = [&](Tag tag, FieldType type, std::uint64_t count, std::uint64_t value) {
-        put(m_page, at, tag, 2);
-        put(m_page, at + 2, type, 2);
+        put(page, at, tag, 2);
+        put(page, at + 2, type, 2);
         const std::size_t countSize = m_bigTiff ? 8 : 4;
-        put(m_page, at + 4, count, countSize);
+        put(page, at + 4, count, countSize);
         const std::size_t valueAt = at + 4 + countSize;
         const std::size_t size = type == Short ? 2 : type == Long ? 4 : type == Long8 ? 8 : 0;
         if (size > 0)
-            put(m_page, valueAt, value, size);
+            put(page, valueAt, value, size);
         at += layout.entry;
         return valueAt;
     };
@@ -201,18 +208,11 @@ void TiffStackWriter::buildPage()
     m_nextDirectoryAt = entriesEnd;
     // Software sits after the directory unless it fits the entry; its place relative to
     // the page start is fixed up for each page in writeFrame().
-    std::memcpy(&m_page[softwareInline ? softwareValueAt : softwareAt], software.constData(),
+    std::memcpy(&page[softwareInline ? softwareValueAt : softwareAt], software.constData(),
                 static_cast<std::size_t>(software.size()));
     m_softwareValueAt = softwareInline ? 0 : softwareValueAt;
     m_softwareAt = softwareAt;
-}
-
-bool TiffStackWriter::writeAll(const std::uint8_t* bytes, std::size_t count)
-{
-    if (m_file.write(reinterpret_cast<const char*>(bytes), static_cast<qint64>(count)) !=
-        static_cast<qint64>(count))
-        return fail(Texts::unableToWriteMessage().arg(m_config.path, m_file.errorString()));
-    return true;
+    m_pages[1] = page;
 }
 
 bool TiffStackWriter::canAppend()
@@ -232,7 +232,7 @@ bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
     const auto height = static_cast<std::size_t>(m_config.height);
     if (frame.size() != width * height)
         return fail(Texts::frameBufferSizeMessage().arg(frame.size()).arg(width * height));
-    std::uint8_t* samples = m_page.data() + m_directoryBytes;
+    std::uint8_t* samples = fillingPage().data() + m_directoryBytes;
     if (m_config.bitsPerSample == 8)
         narrow(frame.data(), samples, frame.size());
     else if constexpr (QSysInfo::ByteOrder == QSysInfo::LittleEndian)
@@ -245,7 +245,7 @@ bool TiffStackWriter::writeFrame(std::span<const std::uint16_t> frame)
 void* TiffStackWriter::frameSlot()
 {
     const bool asStored = m_config.bitsPerSample == 16 && QSysInfo::ByteOrder == QSysInfo::LittleEndian;
-    return asStored && m_file.isOpen() ? m_page.data() + m_directoryBytes : nullptr;
+    return asStored && m_file.isOpen() ? fillingPage().data() + m_directoryBytes : nullptr;
 }
 
 bool TiffStackWriter::writeFilledFrame()
@@ -257,16 +257,25 @@ bool TiffStackWriter::writeFilledFrame()
 
 bool TiffStackWriter::writePage()
 {
+    std::vector<std::uint8_t>& page = fillingPage();
     const std::size_t offsetSize = m_bigTiff ? 8 : 4;
-    const std::uint64_t start = m_headerBytes + m_page.size() * static_cast<std::uint64_t>(m_framesWritten);
+    const std::uint64_t start = m_headerBytes + page.size() * static_cast<std::uint64_t>(m_framesWritten);
     const bool last = m_framesWritten + 1 == m_config.frameCount;
-    put(m_page, m_nextDirectoryAt, last ? 0 : start + m_page.size(), offsetSize);
-    put(m_page, m_stripOffsetAt, start + m_directoryBytes, offsetSize);
+    put(page, m_nextDirectoryAt, last ? 0 : start + page.size(), offsetSize);
+    put(page, m_stripOffsetAt, start + m_directoryBytes, offsetSize);
     if (m_softwareValueAt != 0)
-        put(m_page, m_softwareValueAt, start + m_softwareAt, offsetSize);
-    if (!writeAll(m_page.data(), m_page.size()))
-        return false;
+        put(page, m_softwareValueAt, start + m_softwareAt, offsetSize);
+    if (!m_writeBehind->start(page.data(), page.size(), start))
+        return finishWrites();
     ++m_framesWritten;
+    return true;
+}
+
+bool TiffStackWriter::finishWrites()
+{
+    if (m_writeBehind && !m_writeBehind->finish())
+        return fail(
+            Texts::unableToWriteMessage().arg(m_config.path, qt_error_string(m_writeBehind->error())));
     return true;
 }
 
@@ -274,11 +283,11 @@ bool TiffStackWriter::finish()
 {
     if (!m_file.isOpen())
         return fail(Texts::notOpenMessage());
-    const bool written = m_file.error() == QFileDevice::NoError;
-    const QString reason = m_file.errorString();
+    const bool written = finishWrites();
+    m_writeBehind.reset();
     m_file.close();
     if (!written)
-        return fail(Texts::unableToWriteMessage().arg(m_config.path, reason));
+        return false;
     if (m_framesWritten != m_config.frameCount) {
         return fail(
             Texts::missingFramesMessage().arg(m_framesWritten).arg(m_config.frameCount).arg(m_config.path));

@@ -3,12 +3,16 @@
 #include <QFile>
 #include <QString>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
 namespace zarvi {
+
+class WriteBehind;
 
 /// Which TIFF variant a stack is written as.
 enum class TiffContainer
@@ -37,7 +41,8 @@ struct TiffStackWriterConfig
 /// the export of a whole image stack or a range of its frames. Every page has the same
 /// size, so where each one starts is known before it is written: a page (its directory,
 /// then its samples as one strip) goes to the file in a single write as soon as its
-/// frame is given, and memory holds one page, whatever the stack's size. An existing
+/// frame is given, on a second thread while the caller fills the next page: memory holds
+/// two pages, whatever the stack's size. An existing
 /// empty file (an export's temporary file) is written into as it is, without the
 /// truncation that makes some file systems flush it on close.
 /// Lives on the worker thread of the export; one object is used by one thread at a time.
@@ -75,15 +80,17 @@ public:
 
 private:
     bool fail(const QString& message);
-    /// Lays out the directory of every page in m_page; writeFrame() only sets where
+    /// Lays out the directory of every page in m_pages; writeFrame() only sets where
     /// the page starts and its samples.
     void buildPage();
-    /// Writes all of bytes at the current end of the file.
-    bool writeAll(const std::uint8_t* bytes, std::size_t count);
+    /// The page the next frame goes into.
+    std::vector<std::uint8_t>& fillingPage() { return m_pages[m_framesWritten % 2]; }
     /// False, with lastError() set, when no further frame can be appended.
     bool canAppend();
-    /// Sets the page's offsets for the next frame and writes the page.
+    /// Sets the page's offsets for the next frame and starts writing the page.
     bool writePage();
+    /// Waits for the pages being written; false with lastError() set when one failed.
+    bool finishWrites();
 
     TiffStackWriterConfig m_config;
     QFile m_file;
@@ -93,15 +100,17 @@ private:
     std::uint64_t m_headerBytes = 0;
     /// Bytes of the directory and its values at the start of every page.
     std::size_t m_directoryBytes = 0;
-    /// One whole page, directory and samples.
-    std::vector<std::uint8_t> m_page;
-    /// Where in m_page the values that change from page to page lie.
+    /// Two whole pages, directory and samples: one is written while the next is filled.
+    std::array<std::vector<std::uint8_t>, 2> m_pages;
+    /// Where in a page the values that change from page to page lie.
     std::size_t m_nextDirectoryAt = 0;
     std::size_t m_stripOffsetAt = 0;
     /// The Software entry's offset field, 0 when the text fits in the entry itself.
     std::size_t m_softwareValueAt = 0;
     std::size_t m_softwareAt = 0;
     QString m_error;
+    /// Writes the pages; destroyed before the pages and the file, which it waits for.
+    std::unique_ptr<WriteBehind> m_writeBehind;
 };
 
 } // namespace zarvi

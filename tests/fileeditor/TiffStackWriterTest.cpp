@@ -4,6 +4,11 @@
 
 #include <cstring>
 
+#include <signal.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <opencv2/imgcodecs.hpp>
 
 #include "FileToolHelpers.h"
@@ -197,6 +202,36 @@ TEST(TiffStackWriter, ChoosesTheContainerBySizeAndChecksItsInput)
     EXPECT_FALSE(writer.finish());
     EXPECT_EQ(writer.lastError(),
               QStringLiteral("Only 1 of the 2 frames were written to <b>%1</b>.").arg(path));
+}
+
+// A disk that fills up while pages are being written, made by a file-size limit: the
+// failed write, which happens on the writer's second thread, still ends the stack with
+// the system's reason.
+TEST(TiffStackWriter, AWriteThatFailsBehindTheCallerIsReported)
+{
+    test::TempDir dir;
+    const QString path = dir.file(QStringLiteral("full.tif"));
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        ::signal(SIGXFSZ, SIG_IGN);
+        const rlimit limit{100'000, 100'000};
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+        TiffStackWriter writer;
+        bool ok = writer.open({path, 100, 100, 16, 20});
+        const bool opened = ok;
+        for (int k = 0; ok && k < 20; ++k)
+            ok = writer.writeFrame(testFrame(100, 100, k));
+        ok = ok && writer.finish();
+        const bool reported =
+            writer.lastError().startsWith(QStringLiteral("Unable to write <b>%1</b>: ").arg(path)) &&
+            writer.lastError().endsWith(qt_error_string(EFBIG));
+        ::_exit(opened && !ok && reported ? 0 : 1);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status));
+    EXPECT_EQ(WEXITSTATUS(status), 0) << "the full disk was expected to be reported";
 }
 
 } // namespace
