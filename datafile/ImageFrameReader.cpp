@@ -116,4 +116,9 @@ bool ImageFrameReader::readFrame(std::size_t index, cv::Mat& frame, QString& err
     return true;
 }
 
+StoredChunks ImageFrameReader::storedFrames() const
+{
+    return m_file ? StoredChunks::ofFrames(m_dataset, H5T_NATIVE_UINT16) : StoredChunks{};
+}
+
 } // namespace zarvi

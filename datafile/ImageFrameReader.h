@@ -1,6 +1,7 @@
 #pragma once
 
 #include "datafile/ImageStackInfo.h"
+#include "datafile/StoredChunks.h"
 
 #include <QString>
 
@@ -64,6 +65,10 @@ public:
     /// Frame `index` as stored, height x width 16-bit values row by row, into `out`,
     /// which holds that many (a buffer the caller writes from, say).
     bool readRawFrame(std::size_t index, void* out, QString& error);
+    /// Where each frame's 16-bit values lie in the file, for reading frames on several
+    /// threads without the library; empty when they are not stored as they are read
+    /// (compressed, say), and then only readRawFrame() reads them.
+    StoredChunks storedFrames() const;
 
 private:
     HDF5Manager_V6* m_file = nullptr;

@@ -31,19 +31,18 @@ int descriptorOf(hid_t dataset)
     return *static_cast<int*>(handle);
 }
 
-} // namespace
-
-StoredChunks StoredChunks::of(hid_t dataset, hid_t memoryType, std::size_t elements)
+/// The `count` chunks of `chunkElements` each, chunk i starting at the coordinates that
+/// `place(i, first, elementsIn)` gives along with the elements of the extent it holds;
+/// none unless every one is stored whole, unfiltered and in the memory type.
+template <typename Place>
+StoredChunks located(hid_t dataset, hid_t memoryType, hsize_t chunkElements, std::size_t count, Place place)
 {
     const HDF5Handle creation(H5Dget_create_plist(dataset), H5Pclose);
     const HDF5Handle stored(H5Dget_type(dataset), H5Tclose);
-    hsize_t chunk = 0;
-    if (!creation.valid() || !stored.valid() || H5Pget_layout(creation.get()) != H5D_CHUNKED ||
-        H5Pget_nfilters(creation.get()) != 0 || H5Pget_chunk(creation.get(), 1, &chunk) != 1 || chunk == 0 ||
+    if (!creation.valid() || !stored.valid() || H5Pget_nfilters(creation.get()) != 0 ||
         H5Tequal(stored.get(), memoryType) <= 0)
         return {};
     const int fd = descriptorOf(dataset);
-    const std::size_t count = (elements + chunk - 1) / chunk;
     hsize_t allocated = 0;
     struct stat status
     {
@@ -53,21 +52,62 @@ StoredChunks StoredChunks::of(hid_t dataset, hid_t memoryType, std::size_t eleme
         allocated != count || ::fstat(fd, &status) != 0)
         return {};
     const std::size_t elementBytes = H5Tget_size(memoryType);
-    StoredChunks found{fd, static_cast<std::size_t>(chunk) * elementBytes, std::vector<Chunk>(count)};
+    StoredChunks found{fd, static_cast<std::size_t>(chunkElements) * elementBytes,
+                       std::vector<StoredChunks::Chunk>(count)};
     const auto fileSize = static_cast<haddr_t>(status.st_size);
+    hsize_t first[3] = {0, 0, 0};
     for (std::size_t i = 0; i < count; ++i) {
-        const hsize_t first = i * chunk;
-        Chunk& stored = found.chunks[i];
+        StoredChunks::Chunk& chunk = found.chunks[i];
+        std::size_t elementsIn = 0;
+        place(i, first, elementsIn);
         unsigned filters = 0;
         hsize_t size = 0;
-        if (H5Dget_chunk_info_by_coord(dataset, &first, &filters, &stored.address, &size) < 0 ||
-            stored.address == HADDR_UNDEF || size != found.chunkBytes || stored.address > fileSize ||
-            fileSize - stored.address < size) {
+        if (H5Dget_chunk_info_by_coord(dataset, first, &filters, &chunk.address, &size) < 0 ||
+            chunk.address == HADDR_UNDEF || size != found.chunkBytes || chunk.address > fileSize ||
+            fileSize - chunk.address < size) {
             return {};
         }
-        stored.bytes = static_cast<std::size_t>(std::min<hsize_t>(chunk, elements - first)) * elementBytes;
+        chunk.bytes = elementsIn * elementBytes;
     }
     return found;
+}
+
+} // namespace
+
+StoredChunks StoredChunks::of(hid_t dataset, hid_t memoryType, std::size_t elements)
+{
+    hsize_t chunk = 0;
+    const HDF5Handle creation(H5Dget_create_plist(dataset), H5Pclose);
+    if (!creation.valid() || H5Pget_layout(creation.get()) != H5D_CHUNKED ||
+        H5Pget_chunk(creation.get(), 1, &chunk) != 1 || chunk == 0)
+        return {};
+    const std::size_t count = (elements + chunk - 1) / chunk;
+    return located(dataset, memoryType, chunk, count,
+                   [&](std::size_t i, hsize_t* first, std::size_t& elementsIn) {
+                       first[0] = i * chunk;
+                       elementsIn = static_cast<std::size_t>(std::min<hsize_t>(chunk, elements - first[0]));
+                   });
+}
+
+StoredChunks StoredChunks::ofFrames(hid_t dataset, hid_t memoryType)
+{
+    const HDF5Handle creation(H5Dget_create_plist(dataset), H5Pclose);
+    const HDF5Handle space(H5Dget_space(dataset), H5Sclose);
+    hsize_t chunk[3] = {0, 0, 0};
+    hsize_t dims[3] = {0, 0, 0};
+    if (!creation.valid() || !space.valid() || H5Pget_layout(creation.get()) != H5D_CHUNKED ||
+        H5Pget_chunk(creation.get(), 3, chunk) != 3 || H5Sget_simple_extent_ndims(space.get()) != 3 ||
+        H5Sget_simple_extent_dims(space.get(), dims, nullptr) != 3 || chunk[0] != dims[0] ||
+        chunk[1] != dims[1] || chunk[2] != 1 || dims[0] * dims[1] == 0)
+        return {};
+    const hsize_t frameElements = dims[0] * dims[1];
+    return located(dataset, memoryType, frameElements, static_cast<std::size_t>(dims[2]),
+                   [&](std::size_t k, hsize_t* first, std::size_t& elementsIn) {
+                       first[0] = 0;
+                       first[1] = 0;
+                       first[2] = k;
+                       elementsIn = static_cast<std::size_t>(frameElements);
+                   });
 }
 
 } // namespace zarvi

@@ -7,8 +7,9 @@
 
 namespace zarvi {
 
-/// Where the chunks of a long 1-D dataset lie in its file, for reading them without the
-/// library: found only where the bytes in the file are the bytes in memory (chunked,
+/// Where the chunks of a long 1-D dataset, or the frames of an image stack, lie in its
+/// file, for reading them without the library (on any thread, through the descriptor):
+/// found only where the bytes in the file are the bytes in memory (chunked,
 /// unfiltered, stored in the memory type, every chunk written whole and inside the file)
 /// and the file's driver reads a plain descriptor that sees every write (the library's
 /// default, or the journaled driver, which writes through). Found on the thread that
@@ -27,6 +28,9 @@ struct StoredChunks
 
     /// The chunks of the `elements` (the whole extent) of `dataset` read as `memoryType`.
     static StoredChunks of(hid_t dataset, hid_t memoryType, std::size_t elements);
+    /// The frames of a stack [height, width, frames] stored one frame per chunk, frame k
+    /// in chunk k, read as `memoryType`.
+    static StoredChunks ofFrames(hid_t dataset, hid_t memoryType);
 };
 
 } // namespace zarvi

@@ -20,6 +20,7 @@
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
 #include "fileeditor/CsvTableWriter.h"
+#include "fileeditor/StackFrameCopy.h"
 #include "fileeditor/TableData.h"
 #include "fileeditor/TiffStackWriter.h"
 #include "fileeditor/XlsxTableWriter.h"
@@ -305,24 +306,17 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
         return;
     }
     ImageFrameReader stack;
-    bool ok = stack.open(file, item.path, result.error);
-    cv::Mat frame;
+    if (!stack.open(file, item.path, result.error))
+        return;
     ProgressTracker progress(feedback, count);
-    for (std::size_t k = 0; ok && k < count; ++k) {
-        // Frames kept as the page takes them are read straight into the page to write.
-        void* slot = writer.frameSlot();
-        if (checkCanceled(progress, result) || !(slot ? stack.readRawFrame(first + k, slot, result.error)
-                                                      : stack.readRawFrame(first + k, frame, result.error))) {
-            ok = false;
-        } else if (!(slot ? writer.writeFilledFrame()
-                          : writer.writeFrame({frame.ptr<std::uint16_t>(), height * width}))) {
-            result.error = writer.lastError();
-            ok = false;
-        }
-        progress.update(k + 1);
-    }
+    const StackFrameCopy::Outcome copied =
+        StackFrameCopy::copy(stack, first, count, writer, progress, result.error);
     stack.close();
-    if (!ok)
+    if (copied == StackFrameCopy::Outcome::Canceled) {
+        result.canceled = true;
+        result.error = Texts::canceledMessage();
+    }
+    if (copied != StackFrameCopy::Outcome::Copied)
         return;
     if (!writer.finish()) {
         result.error = writer.lastError();

@@ -4,10 +4,12 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 
 #include "datafile/PositionedIo.h"
+#include "datafile/TwoHalves.h"
 #include "datafile/WriteBehind.h"
 #include "definitions/FileDefinitions.h"
 #include "definitions/FileEditorOperationDefinitions.h"
@@ -255,19 +257,59 @@ bool TiffStackWriter::writeFilledFrame()
     return canAppend() && writePage();
 }
 
-bool TiffStackWriter::writePage()
+std::uint64_t TiffStackWriter::placePage(std::vector<std::uint8_t>& page, std::size_t k) const
 {
-    std::vector<std::uint8_t>& page = fillingPage();
     const std::size_t offsetSize = m_bigTiff ? 8 : 4;
-    const std::uint64_t start = m_headerBytes + page.size() * static_cast<std::uint64_t>(m_framesWritten);
-    const bool last = m_framesWritten + 1 == m_config.frameCount;
+    const std::uint64_t start = m_headerBytes + page.size() * static_cast<std::uint64_t>(k);
+    const bool last = k + 1 == m_config.frameCount;
     put(page, m_nextDirectoryAt, last ? 0 : start + page.size(), offsetSize);
     put(page, m_stripOffsetAt, start + m_directoryBytes, offsetSize);
     if (m_softwareValueAt != 0)
         put(page, m_softwareValueAt, start + m_softwareAt, offsetSize);
-    if (!m_writeBehind->start(page.data(), page.size(), start))
+    return start;
+}
+
+bool TiffStackWriter::writePage()
+{
+    std::vector<std::uint8_t>& page = fillingPage();
+    if (!m_writeBehind->start(page.data(), page.size(), placePage(page, m_framesWritten)))
         return finishWrites();
     ++m_framesWritten;
+    return true;
+}
+
+bool TiffStackWriter::writeFramesOnBothCores(const std::function<bool(std::size_t, void*)>& fill,
+                                             const std::function<bool(std::size_t)>& keepGoing)
+{
+    if (!frameSlot())
+        return fail(Texts::notOpenMessage());
+    if (!finishWrites())
+        return false;
+    const std::size_t from = m_framesWritten;
+    std::atomic<bool> stop{false};
+    std::atomic<int> writeErrno{0};
+    // Pages go straight to their places, so the two threads need not wait for each other;
+    // only this one reports. Without a second thread this one writes both lanes in turn.
+    inTwoHalves(2, true, [&](std::size_t firstLane, std::size_t endLane) {
+        for (std::size_t lane = firstLane; lane < endLane; ++lane) {
+            std::vector<std::uint8_t>& page = m_pages[lane];
+            for (std::size_t k = from + lane; k < m_config.frameCount && !stop; k += 2) {
+                if (!fill(k, page.data() + m_directoryBytes)) {
+                    stop = true;
+                } else if (!writeWholeAt(m_file.handle(), page.data(), page.size(), placePage(page, k))) {
+                    writeErrno = errno != 0 ? errno : EIO;
+                    stop = true;
+                } else if (lane == 0 && !keepGoing(k + 1)) {
+                    stop = true;
+                }
+            }
+        }
+    });
+    if (writeErrno != 0)
+        return fail(Texts::unableToWriteMessage().arg(m_config.path, qt_error_string(writeErrno)));
+    if (stop)
+        return false;
+    m_framesWritten = m_config.frameCount;
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <vector>
@@ -70,6 +71,14 @@ public:
     void* frameSlot();
     /// Appends the frame the caller put in frameSlot().
     bool writeFilledFrame();
+    /// Writes every frame not yet written on two threads, each filling and writing every
+    /// other page: `fill(k, samples)` puts frame k where frameSlot() would, and is called
+    /// on both threads at once for different frames. `keepGoing(done)` is called on this
+    /// thread between its frames with about the count written so far. Either stops the
+    /// writing by returning false, and then gives its own reason; lastError() is set only
+    /// when a write failed. Only where frameSlot() is offered.
+    bool writeFramesOnBothCores(const std::function<bool(std::size_t frame, void* samples)>& fill,
+                                const std::function<bool(std::size_t done)>& keepGoing);
     /// Closes the file; false when it could not be completed or fewer frames than
     /// announced were written.
     bool finish();
@@ -87,6 +96,8 @@ private:
     std::vector<std::uint8_t>& fillingPage() { return m_pages[m_framesWritten % 2]; }
     /// False, with lastError() set, when no further frame can be appended.
     bool canAppend();
+    /// Sets the offsets in `page` for frame k; returns where the page starts in the file.
+    std::uint64_t placePage(std::vector<std::uint8_t>& page, std::size_t k) const;
     /// Sets the page's offsets for the next frame and starts writing the page.
     bool writePage();
     /// Waits for the pages being written; false with lastError() set when one failed.

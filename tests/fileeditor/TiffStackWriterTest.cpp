@@ -101,6 +101,58 @@ TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
     EXPECT_EQ(narrow.frameSlot(), nullptr);
 }
 
+// Pages filled and written on two threads, in any order, make the file that writing the
+// frames one after another makes; a fill or the caller stopping ends the writing.
+TEST(TiffStackWriter, FramesWrittenOnBothCoresMakeTheSameFile)
+{
+    test::TempDir dir;
+    constexpr int Width = 37;
+    constexpr int Height = 23;
+    std::vector<std::vector<std::uint16_t>> frames;
+    for (int k = 0; k < 7; ++k)
+        frames.push_back(testFrame(Width, Height, k));
+    const QString inTurn = dir.file(QStringLiteral("in-turn.tif"));
+    ASSERT_TRUE(writeStack({inTurn, Width, Height, 16, frames.size()}, frames));
+    const auto fillFrom = [&frames](std::size_t k, void* samples) {
+        std::memcpy(samples, frames[k].data(), frames[k].size() * sizeof(std::uint16_t));
+        return true;
+    };
+    std::size_t lastDone = 0;
+    const auto keepGoing = [&lastDone](std::size_t done) {
+        lastDone = done;
+        return true;
+    };
+
+    // All of them, and all but the first, which went the ordinary way.
+    for (const std::size_t inOrder : {std::size_t{0}, std::size_t{1}}) {
+        const QString path = dir.file(QStringLiteral("both-%1.tif").arg(inOrder));
+        TiffStackWriter writer;
+        ASSERT_TRUE(writer.open({path, Width, Height, 16, frames.size()}));
+        if (inOrder == 1)
+            ASSERT_TRUE(writer.writeFrame(frames[0]));
+        ASSERT_TRUE(writer.writeFramesOnBothCores(fillFrom, keepGoing)) << writer.lastError().toStdString();
+        EXPECT_EQ(writer.framesWritten(), frames.size());
+        ASSERT_TRUE(writer.finish());
+        EXPECT_EQ(test::readText(path), test::readText(inTurn)) << inOrder;
+    }
+    EXPECT_GE(lastDone, frames.size() - 1);
+
+    TiffStackWriter failing;
+    ASSERT_TRUE(failing.open({dir.file(QStringLiteral("failing.tif")), Width, Height, 16, frames.size()}));
+    EXPECT_FALSE(failing.writeFramesOnBothCores(
+        [&](std::size_t k, void* samples) { return k != 3 && fillFrom(k, samples); }, keepGoing));
+    EXPECT_TRUE(failing.lastError().isEmpty()) << "the fill gives its own reason";
+    EXPECT_FALSE(failing.finish());
+
+    TiffStackWriter stopped;
+    ASSERT_TRUE(stopped.open({dir.file(QStringLiteral("stopped.tif")), Width, Height, 16, frames.size()}));
+    EXPECT_FALSE(stopped.writeFramesOnBothCores(fillFrom, [](std::size_t) { return false; }));
+
+    TiffStackWriter narrow;
+    ASSERT_TRUE(narrow.open({dir.file(QStringLiteral("narrow.tif")), Width, Height, 8, 1}));
+    EXPECT_FALSE(narrow.writeFramesOnBothCores(fillFrom, keepGoing));
+}
+
 TEST(TiffStackWriter, EightBitOutputKeepsSmallValuesAndSaturatesLargeOnes)
 {
     test::TempDir dir;
@@ -205,8 +257,8 @@ TEST(TiffStackWriter, ChoosesTheContainerBySizeAndChecksItsInput)
 }
 
 // A disk that fills up while pages are being written, made by a file-size limit: the
-// failed write, which happens on the writer's second thread, still ends the stack with
-// the system's reason.
+// failed write, which happens on a second thread, still ends the stack with the system's
+// reason, whether the frames are given in turn or filled on both cores.
 TEST(TiffStackWriter, AWriteThatFailsBehindTheCallerIsReported)
 {
     test::TempDir dir;
@@ -223,7 +275,19 @@ TEST(TiffStackWriter, AWriteThatFailsBehindTheCallerIsReported)
         for (int k = 0; ok && k < 20; ++k)
             ok = writer.writeFrame(testFrame(100, 100, k));
         ok = ok && writer.finish();
+        const std::vector<std::uint16_t> frame = testFrame(100, 100, 0);
+        TiffStackWriter onBothCores;
+        const bool failedOnBothCores =
+            onBothCores.open({path + QStringLiteral("2"), 100, 100, 16, 20}) &&
+            !onBothCores.writeFramesOnBothCores(
+                [&frame](std::size_t, void* samples) {
+                    std::memcpy(samples, frame.data(), frame.size() * sizeof(std::uint16_t));
+                    return true;
+                },
+                [](std::size_t) { return true; }) &&
+            onBothCores.lastError().endsWith(qt_error_string(EFBIG));
         const bool reported =
+            failedOnBothCores &&
             writer.lastError().startsWith(QStringLiteral("Unable to write <b>%1</b>: ").arg(path)) &&
             writer.lastError().endsWith(qt_error_string(EFBIG));
         ::_exit(opened && !ok && reported ? 0 : 1);
