@@ -45,14 +45,21 @@ bool writeStack(const TiffStackWriterConfig& config, const std::vector<std::vect
     return ok;
 }
 
+/// Frames 0 .. count - 1 of the test pattern, all of one odd size.
+constexpr int Width = 37;
+constexpr int Height = 23;
+std::vector<std::vector<std::uint16_t>> testFrames(int count)
+{
+    std::vector<std::vector<std::uint16_t>> frames;
+    for (int k = 0; k < count; ++k)
+        frames.push_back(testFrame(Width, Height, k));
+    return frames;
+}
+
 TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
 {
     test::TempDir dir;
-    constexpr int Width = 37;
-    constexpr int Height = 23;
-    std::vector<std::vector<std::uint16_t>> frames;
-    for (int k = 0; k < 5; ++k)
-        frames.push_back(testFrame(Width, Height, k));
+    std::vector<std::vector<std::uint16_t>> frames = testFrames(5);
     const QString path = dir.file(QStringLiteral("export.tif"));
     QString error;
     ASSERT_TRUE(writeStack({path, Width, Height, 16, frames.size()}, frames, &error)) << error.toStdString();
@@ -106,11 +113,7 @@ TEST(TiffStackWriter, WritesStackThatOtherToolsReadBitForBit)
 TEST(TiffStackWriter, FramesWrittenOnBothCoresMakeTheSameFile)
 {
     test::TempDir dir;
-    constexpr int Width = 37;
-    constexpr int Height = 23;
-    std::vector<std::vector<std::uint16_t>> frames;
-    for (int k = 0; k < 7; ++k)
-        frames.push_back(testFrame(Width, Height, k));
+    const std::vector<std::vector<std::uint16_t>> frames = testFrames(7);
     const QString inTurn = dir.file(QStringLiteral("in-turn.tif"));
     ASSERT_TRUE(writeStack({inTurn, Width, Height, 16, frames.size()}, frames));
     const auto fillFrom = [&frames](std::size_t k, void* samples) {
