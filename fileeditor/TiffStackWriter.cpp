@@ -209,7 +209,7 @@ void TiffStackWriter::buildPage()
     entry(SampleFormat, Short, 1, 1); // unsigned integers
     m_nextDirectoryAt = entriesEnd;
     // Software sits after the directory unless it fits the entry; its place relative to
-    // the page start is fixed up for each page in writeFrame().
+    // the page start is fixed up for each page in placePage().
     std::memcpy(&page[softwareInline ? softwareValueAt : softwareAt], software.constData(),
                 static_cast<std::size_t>(software.size()));
     m_softwareValueAt = softwareInline ? 0 : softwareValueAt;

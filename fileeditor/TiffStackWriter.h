@@ -89,7 +89,7 @@ public:
 
 private:
     bool fail(const QString& message);
-    /// Lays out the directory of every page in m_pages; writeFrame() only sets where
+    /// Lays out the directory of every page in m_pages; placePage() only sets where
     /// the page starts and its samples.
     void buildPage();
     /// The page the next frame goes into.
