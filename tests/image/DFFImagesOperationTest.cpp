@@ -2,6 +2,7 @@
 
 #include "common/TempDir.h"
 #include "datafile/SignalDataset.h"
+#include "image/operations/dffimages/DFFImagesProcess.h"
 
 #include <array>
 
@@ -165,6 +166,30 @@ TEST_F(DFFImagesOperationTest, BadInputsAndDarkFramesAreRefusedAndNothingIsWritt
               QStringList{QStringLiteral("The dimensions of the input dataset are incorrect. Make "
                                          "sure that the operation is applied to image stack.")});
     EXPECT_FALSE(test::hasProcessedData(file));
+}
+
+// The frames computed on frame threads are those of one thread, frame for frame.
+TEST_F(DFFImagesOperationTest, FrameThreadsGiveTheFramesOfOneThread)
+{
+    std::vector<cv::Mat> stack;
+    cv::RNG rng(5);
+    for (int k = 0; k < 40; ++k) {
+        cv::Mat frame(17, 23, CV_16U);
+        rng.fill(frame, cv::RNG::UNIFORM, 100, 4000);
+        stack.push_back(frame);
+    }
+    const QString input = test::writeStack(file, stack);
+    const QString copy = dir.file(QStringLiteral("copy.orvel"));
+    ASSERT_TRUE(QFile::copy(file, copy));
+    const QVariantMap parameters = dff({{QStringLiteral("RemoveTemporalVariations"), 1}});
+    ASSERT_TRUE(test::runWithFrameThreads<DFFImagesProcess>(parameters, file, {input}, 1).succeeded());
+    ASSERT_TRUE(test::runWithFrameThreads<DFFImagesProcess>(parameters, copy, {input}, 3).succeeded());
+    const std::vector<cv::Mat> expected = test::readStack(file, dffStack);
+    const std::vector<cv::Mat> found = test::readStack(copy, dffStack);
+    ASSERT_EQ(found.size(), stack.size());
+    ASSERT_EQ(expected.size(), stack.size());
+    for (std::size_t k = 0; k < found.size(); ++k)
+        EXPECT_TRUE(test::sameImage(found[k], expected[k])) << "frame " << k;
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include "datafile/ImageFrameReader.h"
 #include "datafile/ImageFrameWriter.h"
 #include "definitions/FileDefinitions.h"
+#include "framework/AbstractOperationProcess.h"
 #include "framework/OperationRunner.h"
 
 #include <QFile>
@@ -87,6 +88,27 @@ inline QVariantMap operationParameters(const QString& operation, const QVariantM
     QVariantMap map = parameters;
     map.insert(FileDefinitions::Operations, operation);
     return map;
+}
+
+/// Runs an image operation's process on this thread with `threads` frame threads, as the
+/// runner would; results must not depend on the count.
+template <typename Process>
+RunResult runWithFrameThreads(const QVariantMap& parameters, const QString& file, const QStringList& inputs,
+                              int threads)
+{
+    Process process;
+    process.setFrameThreads(threads);
+    RunResult result;
+    QObject::connect(
+        &process, &AbstractOperationProcess::sendProcessFinished,
+        [&result](const QString& filepath, const QStringList& datapaths, const QStringList& errors) {
+            result = {filepath, datapaths, errors};
+        });
+    QVariantMap map = parameters;
+    map.insert(FileDefinitions::Filepath, file);
+    map.insert(FileDefinitions::SourceDatapaths, inputs);
+    process.onStartProcessRequested(map);
+    return result;
 }
 
 } // namespace zarvi::test

@@ -43,25 +43,6 @@ cv::Mat as16(const cv::Mat& frame)
     return stored;
 }
 
-/// Runs the process on this thread with `threads` frame threads, as the runner would.
-RunResult runWithThreads(const QVariantMap& parameters, const QString& file, const QStringList& inputs,
-                         int threads)
-{
-    MotionCorrectionProcess process;
-    process.setFrameThreads(threads);
-    RunResult result;
-    QObject::connect(
-        &process, &AbstractOperationProcess::sendProcessFinished,
-        [&result](const QString& filepath, const QStringList& datapaths, const QStringList& errors) {
-            result = {filepath, datapaths, errors};
-        });
-    QVariantMap map = parameters;
-    map.insert(FileDefinitions::Filepath, file);
-    map.insert(FileDefinitions::SourceDatapaths, inputs);
-    process.onStartProcessRequested(map);
-    return result;
-}
-
 class MotionCorrectionOperationTest : public ::testing::Test
 {
 protected:
@@ -226,10 +207,10 @@ TEST_F(MotionCorrectionOperationTest, FrameThreadsGiveTheStackAndShiftsOfOneThre
     const QString copy = dir.file(QStringLiteral("copy.orvel"));
     ASSERT_TRUE(QFile::copy(file, copy));
 
-    const RunResult one =
-        runWithThreads(motionCorrection({{QStringLiteral("ReferenceFrame"), 11}}), file, {input}, 1);
-    const RunResult three =
-        runWithThreads(motionCorrection({{QStringLiteral("ReferenceFrame"), 11}}), copy, {input}, 3);
+    const RunResult one = test::runWithFrameThreads<MotionCorrectionProcess>(
+        motionCorrection({{QStringLiteral("ReferenceFrame"), 11}}), file, {input}, 1);
+    const RunResult three = test::runWithFrameThreads<MotionCorrectionProcess>(
+        motionCorrection({{QStringLiteral("ReferenceFrame"), 11}}), copy, {input}, 3);
     ASSERT_TRUE(one.succeeded()) << one.errors.join(' ').toStdString();
     ASSERT_TRUE(three.succeeded()) << three.errors.join(' ').toStdString();
     EXPECT_EQ(three.datapaths, one.datapaths);

@@ -3,6 +3,7 @@
 #include "definitions/ImageOperationDefinitions.h"
 #include "definitions/ZarviMainDefinitions.h"
 #include "framework/LockedFileRead.h"
+#include "image/operations/dffimages/DFFImagesWorker.h"
 #include "image/operations/dffimages/DarkFrame.h"
 
 namespace zarvi {
@@ -110,6 +111,11 @@ bool DFFImagesProcess::computeOperation()
 QString DFFImagesProcess::progressLabel() const
 {
     return ID::dffProgress();
+}
+
+std::unique_ptr<ImageFrameWorker> DFFImagesProcess::createFrameWorker()
+{
+    return std::make_unique<DFFImagesWorker>(*m_deltaF);
 }
 
 } // namespace zarvi

@@ -13,7 +13,8 @@ namespace zarvi {
 /// one is chosen, from its own data file under that file's lock, so that no two file
 /// locks are ever held together. Each stack is then read twice: the family's first pass
 /// sums the corrected frames into F0 without writing anything, the second writes one
-/// output frame per input frame. Worker thread.
+/// output frame per input frame, computed on the family's frame threads
+/// (DFFImagesWorker). Worker thread.
 class DFFImagesProcess : public ImageOperationProcess
 {
     Q_OBJECT
@@ -29,6 +30,7 @@ protected:
     bool scanStack(ImageFrameReader& reader, Feedback* feedback) override;
     bool computeOperation() override;
     QString progressLabel() const override;
+    std::unique_ptr<ImageFrameWorker> createFrameWorker() override;
 
 private:
     bool inputsAreStacks();
