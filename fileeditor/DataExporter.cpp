@@ -312,10 +312,9 @@ void exportStack(HDF5Manager_V6& file, const ExportableDataset& item, const Data
     const StackFrameCopy::Outcome copied =
         StackFrameCopy::copy(stack, first, count, writer, progress, result.error);
     stack.close();
-    if (copied == StackFrameCopy::Outcome::Canceled) {
-        result.canceled = true;
-        result.error = Texts::canceledMessage();
-    }
+    // The copy stops on the user's cancel, which stays requested: record it as every export does.
+    if (copied == StackFrameCopy::Outcome::Canceled)
+        checkCanceled(progress, result);
     if (copied != StackFrameCopy::Outcome::Copied)
         return;
     if (!writer.finish()) {
